@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+// Every routine that this library takes from the core, and nothing else: a test compares the library's undefined symbols
+// with the IMPORT lines below. Each is bound on its first call through a jump slot of its own, so the library loads and
+// computes without a core. Never take an import's address (in a table, say): that would be resolved at load time.
+#pragma once
+
+#include "ork/abi/services.h"
+
+// The name of one import; the declarations themselves are in ork/abi/.
+#define IMPORT(name)
+
+// Memory and processor, for the blocked multiply
+IMPORT(ork_serv_allocate)
+IMPORT(ork_serv_deallocate)
+IMPORT(ork_serv_get_microarchitecture)
+IMPORT(ork_serv_cache_info)
+
+// Targets of forwarding entries (frame/forward.cpp)
+IMPORT(ork_conv_copytask)
+IMPORT(ork_conv_deletetask)
+IMPORT(ork_conv_edittask)
+IMPORT(ork_conv_exec)
+IMPORT(ork_conv_execx)
+IMPORT(ork_conv_newtask)
+IMPORT(ork_conv_newtaskx)
+
+#undef IMPORT

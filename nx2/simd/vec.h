@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+// Vec<T>: one 128-bit register of elements, lane 0 at the lowest address. The only place that names intrinsics for what
+// more than one kernel needs.
+#pragma once
+
+#include <cstdint>
+#include <smmintrin.h>
+
+namespace ork {
+
+template <class T>
+struct Vec;
+
+template <>
+struct Vec<double> {
+    static constexpr int lanes = 2;
+    __m128d v;
+};
+
+template <>
+struct Vec<float> {
+    static constexpr int lanes = 4;
+    __m128 v;
+};
+
+// load, store: any address. load_aligned, store_aligned: multiples of 16.
+inline Vec<double> load(const double* p) { return {_mm_loadu_pd(p)}; }
+inline Vec<float> load(const float* p) { return {_mm_loadu_ps(p)}; }
+inline Vec<double> load_aligned(const double* p) { return {_mm_load_pd(p)}; }
+inline Vec<float> load_aligned(const float* p) { return {_mm_load_ps(p)}; }
+inline void store(double* p, Vec<double> a) { _mm_storeu_pd(p, a.v); }
+inline void store(float* p, Vec<float> a) { _mm_storeu_ps(p, a.v); }
+inline void store_aligned(double* p, Vec<double> a) { _mm_store_pd(p, a.v); }
+inline void store_aligned(float* p, Vec<float> a) { _mm_store_ps(p, a.v); }
+
+// One value in every lane.
+inline Vec<double> broadcast(double a) { return {_mm_set1_pd(a)}; }
+inline Vec<float> broadcast(float a) { return {_mm_set1_ps(a)}; }
+
+inline Vec<double> operator+(Vec<double> a, Vec<double> b) { return {_mm_add_pd(a.v, b.v)}; }
+inline Vec<float> operator+(Vec<float> a, Vec<float> b) { return {_mm_add_ps(a.v, b.v)}; }
+inline Vec<double> operator-(Vec<double> a, Vec<double> b) { return {_mm_sub_pd(a.v, b.v)}; }
+inline Vec<float> operator-(Vec<float> a, Vec<float> b) { return {_mm_sub_ps(a.v, b.v)}; }
+inline Vec<double> operator*(Vec<double> a, Vec<double> b) { return {_mm_mul_pd(a.v, b.v)}; }
+inline Vec<float> operator*(Vec<float> a, Vec<float> b) { return {_mm_mul_ps(a.v, b.v)}; }
+
+template <class T>
+inline bool aligned16(const T* p)
+{
+    return reinterpret_cast<std::uintptr_t>(p) % 16 == 0;
+}
+
+} // namespace ork
