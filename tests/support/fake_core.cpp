@@ -2,6 +2,7 @@
 #include "support/fake_core.h"
 
 #include <cstdlib>
+#include <new>
 
 #include "ork/abi/services.h"
 
@@ -13,6 +14,8 @@ FakeCore& fake_core()
     return core;
 }
 
+void FreshCore::reset() { new (&fake_core()) FakeCore; } // atomics can't be assigned as a whole
+
 } // namespace ork::test
 
 using ork::test::fake_core;
@@ -21,22 +24,32 @@ extern "C" {
 
 void* ork_serv_allocate(size_t size, size_t alignment)
 {
-    if (fake_core().fail_allocation_at > 0 && --fake_core().fail_allocation_at == 0) return nullptr;
-    ++fake_core().live_allocations;
+    auto& core = fake_core();
+    ++core.allocations;
+    core.last_size = static_cast<int64_t>(size);
+    core.last_alignment = static_cast<int64_t>(alignment);
+    if (core.fail_allocation_at > 0 && --core.fail_allocation_at == 0) return nullptr;
+    ++core.live_allocations;
     return std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);
 }
 
 void ork_serv_deallocate(void* ptr)
 {
+    ++fake_core().deallocations;
     if (ptr == nullptr) return;
     --fake_core().live_allocations;
     std::free(ptr);
 }
 
-int64_t ork_serv_get_microarchitecture() { return fake_core().microarchitecture; }
+int64_t ork_serv_get_microarchitecture()
+{
+    ++fake_core().microarchitecture_queries;
+    return fake_core().microarchitecture;
+}
 
 int64_t ork_serv_cache_info(ork_cache_info* info)
 {
+    ++fake_core().cache_queries;
     *info = {};
     info->levels = fake_core().cache_levels;
     info->cache_size = fake_core().cache_size;

@@ -2,19 +2,43 @@
 // A core for kernel tests: the services that kernels import, some of which can be made to fail or to answer otherwise.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 
 namespace ork::test {
 
 struct FakeCore {
-    int fail_allocation_at = 0;  // 1: the next allocation returns null, 2: the one after it ..., 0: none
-    int live_allocations = 0;    // handed out and not yet returned
-    int64_t microarchitecture = 0;
-    int64_t cache_levels = 3;
-    int64_t cache_size = 32 << 20;
+    std::atomic<int> fail_allocation_at = 0; // 1: the next allocation returns null, 2: the one after it ..., 0: none
+    std::atomic<int> live_allocations = 0;   // handed out and not yet returned
+    std::atomic<int64_t> microarchitecture = 0;
+    std::atomic<int64_t> cache_levels = 3;
+    std::atomic<int64_t> cache_size = 32 << 20; // bytes
+
+    // Calls so far, failed ones included.
+    std::atomic<int> allocations = 0;
+    std::atomic<int> deallocations = 0; // of null too
+    std::atomic<int> microarchitecture_queries = 0;
+    std::atomic<int> cache_queries = 0;
+
+    std::atomic<int64_t> last_size = 0; // bytes and alignment that the latest allocation asked for
+    std::atomic<int64_t> last_alignment = 0;
 };
 
-// The one that this program's kernels talk to; a test that changes it puts it back.
+// The one that this program's kernels talk to.
 FakeCore& fake_core();
+
+// Starts a test with a fresh core and leaves a fresh one behind.
+class FreshCore {
+public:
+    FreshCore() { reset(); }
+    ~FreshCore() { reset(); }
+    FreshCore(const FreshCore&) = delete;
+    FreshCore& operator=(const FreshCore&) = delete;
+
+    FakeCore* operator->() const { return &fake_core(); }
+
+private:
+    static void reset();
+};
 
 } // namespace ork::test
