@@ -44,6 +44,22 @@ inline Vec<float> operator-(Vec<float> a, Vec<float> b) { return {_mm_sub_ps(a.v
 inline Vec<double> operator*(Vec<double> a, Vec<double> b) { return {_mm_mul_pd(a.v, b.v)}; }
 inline Vec<float> operator*(Vec<float> a, Vec<float> b) { return {_mm_mul_ps(a.v, b.v)}; }
 
+inline double lane(Vec<double> a, int i) { return i == 0 ? _mm_cvtsd_f64(a.v) : _mm_cvtsd_f64(_mm_unpackhi_pd(a.v, a.v)); }
+inline float lane(Vec<float> a, int i)
+{
+    alignas(16) float lanes[4];
+    _mm_store_ps(lanes, a.v);
+    return lanes[i];
+}
+
+// Rows become columns in a square of lanes x lanes elements.
+inline void transpose(Vec<double> (&x)[2])
+{
+    const __m128d low = _mm_unpacklo_pd(x[0].v, x[1].v), high = _mm_unpackhi_pd(x[0].v, x[1].v);
+    x[0].v = low, x[1].v = high;
+}
+inline void transpose(Vec<float> (&x)[4]) { _MM_TRANSPOSE4_PS(x[0].v, x[1].v, x[2].v, x[3].v); }
+
 template <class T>
 inline bool aligned16(const T* p)
 {
