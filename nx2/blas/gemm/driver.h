@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+// C <- alpha op(A) op(B) + beta C: quick returns, the small multiply, beta, and the way to the blocked multiply.
+#pragma once
+
+#include "blas/gemm/blocked.h"
+#include "blas/gemm/scale.h"
+#include "blas/gemm/table.h"
+
+namespace ork::gemm {
+
+// Version of the interface between the driver and the blocked multiply.
+constexpr std::int64_t interface_version = 2;
+
+// 'N' in either case is the operand as it stands; every other letter its transpose.
+inline bool is_transposed(char letter) { return (letter & ~0x20) != 'N'; }
+
+template <class T>
+void drive(char transa, char transb, Int m, Int n, Int k, T alpha, const T* a, Int lda, const T* b, Int ldb, T beta, T* c,
+           Int ldc)
+{
+    using U = Units<T>;
+    if (m <= 0 || n <= 0) return;
+    const bool beta_is_one = beta == T(1), beta_is_zero = beta == T(0);
+    Product<T> product(is_transposed(transa), is_transposed(transb), m, n, k, alpha, a, lda, b, ldb, c, ldc,
+                       beta_is_zero);
+    if (m <= 10 && n <= 10 && k >= 1 && k <= 10 && beta_is_one) {
+        if (alpha != T(0)) multiply_direct(product, block_depth(k, U::k));
+        return;
+    }
+    // beta = 0 is left to whoever writes an element of C first, so that C is touched once; anything else is applied now.
+    const bool nothing_to_add = alpha == T(0) || k <= 0;
+    if (!beta_is_one && (!beta_is_zero || nothing_to_add)) scale(m, n, beta, c, ldc);
+    if (nothing_to_add) return;
+    if (m < U::m || n < U::n || k < U::k) return multiply_direct(product, block_depth(k, U::k));
+
+    Desc desc{};
+    const std::uint32_t row = Routines<T>::best_row();
+    Descriptor<T>::fill(desc, row, Routines<T>::rows[row]);
+    desc.routines.get_blks_size(&m, &n, &k, &desc);
+    multiply_blocked(product, desc);
+}
+
+} // namespace ork::gemm

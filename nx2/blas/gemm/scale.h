@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+// C <- beta C before a product is added to it.
+#pragma once
+
+#include "blas/gemm/units.h"
+#include "simd/vec.h"
+
+namespace ork::gemm {
+
+// beta = 0 writes zeros without reading C, so that no NaN survives; beta = 1 is the caller's to skip. Four columns at a
+// time, two vectors of each.
+template <class T>
+void scale(Int m, Int n, T beta, T* c, Int ldc)
+{
+    constexpr int lanes = Vec<T>::lanes, step = 2 * lanes;
+    const Vec<T> factor = broadcast(beta);
+    const auto columns = [&]<int count>(T* first) {
+        Int i = 0;
+        for (; i + step <= m; i += step)
+#pragma GCC unroll 4
+            for (int j = 0; j < count; ++j) {
+                T* x = first + j * ldc + i;
+                store(x, beta == T{} ? Vec<T>{} : factor * load(x));
+                store(x + lanes, beta == T{} ? Vec<T>{} : factor * load(x + lanes));
+            }
+        for (; i < m; ++i)
+            for (int j = 0; j < count; ++j) {
+                T& x = first[j * ldc + i];
+                x = beta == T{} ? T{} : beta * x;
+            }
+    };
+    Int j = 0;
+    for (; j + 4 <= n; j += 4) columns.template operator()<4>(c + j * ldc);
+    for (; j < n; ++j) columns.template operator()<1>(c + j * ldc);
+}
+
+} // namespace ork::gemm
