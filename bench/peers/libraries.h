@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+// The libraries that a measurement compares: ork itself and the BLAS libraries found on this machine, each held to the
+// 128-bit kernels that ork is limited to, one thread each.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace ork::peers {
+
+enum class Kind {
+    subject, // ork
+    peer,    // held to SSE, so a fair comparison
+    wide,    // free to use wider registers: shown for honesty, never the best peer
+};
+
+struct Library {
+    std::string name;   // heads a column: "OB-Core2"
+    std::string detail; // version and file
+    Kind kind;
+    std::function<void*(const char* symbol)> find; // a Fortran BLAS symbol with 32-bit integers, or null
+};
+
+// libork_core as this program is linked with it.
+Library core_library();
+
+// Every peer that could be found, opened and shown to use the kernels it was asked for. Call it before any thread is
+// started: kernel sets are chosen by environment variables, which are put back afterwards, and one candidate is tried
+// in a child process first. `notes` says why a candidate is missing.
+std::vector<Library> find_peers(std::vector<std::string>& notes);
+
+// Any other library with Fortran BLAS symbols, an earlier build of ork for instance. Throws std::runtime_error.
+Library open_library(const std::string& file);
+
+} // namespace ork::peers

@@ -1,0 +1,229 @@
+// SPDX-License-Identifier: MIT
+#include "peers/limits.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <emmintrin.h>
+#include <memory>
+#include <unistd.h>
+
+#include "peers/measure.h"
+
+namespace ork::peers {
+namespace {
+
+// xmm14 holds ones and xmm15 zeros; multiplications run in xmm0.., additions in xmm7... All values stay 1, so no round
+// is slowed down by denormals or infinities.
+#define ORK_PAIR(type, i, j) "mul" type " %%xmm14, %%xmm" #i "\n\tadd" type " %%xmm15, %%xmm" #j "\n\t"
+#define ORK_SIX(type)                                                                                                  \
+    ORK_PAIR(type, 0, 7)                                                                                               \
+    ORK_PAIR(type, 1, 8) ORK_PAIR(type, 2, 9) ORK_PAIR(type, 3, 10) ORK_PAIR(type, 4, 11) ORK_PAIR(type, 5, 12)
+#define ORK_SEVEN(type) ORK_SIX(type) ORK_PAIR(type, 6, 13)
+#define ORK_ARITHMETIC(name, type, body, repeat)                                                                       \
+    void name(long rounds)                                                                                             \
+    {                                                                                                                  \
+        const __m128d one = type[1] == 'd' ? _mm_set1_pd(1) : _mm_castps_pd(_mm_set1_ps(1));                           \
+        asm volatile("movapd %1, %%xmm14\n\txorpd %%xmm15, %%xmm15\n\t"                                                \
+                     "movapd %1, %%xmm0\n\tmovapd %1, %%xmm1\n\tmovapd %1, %%xmm2\n\tmovapd %1, %%xmm3\n\t"            \
+                     "movapd %1, %%xmm4\n\tmovapd %1, %%xmm5\n\tmovapd %1, %%xmm6\n\tmovapd %1, %%xmm7\n\t"            \
+                     "movapd %1, %%xmm8\n\tmovapd %1, %%xmm9\n\tmovapd %1, %%xmm10\n\tmovapd %1, %%xmm11\n\t"          \
+                     "movapd %1, %%xmm12\n\tmovapd %1, %%xmm13\n\t"                                                    \
+                     ".p2align 6\n1:\n\t.rept " #repeat "\n\t" body(type) ".endr\n\tdec %0\n\tjnz 1b"                  \
+                     : "+r"(rounds)                                                                                    \
+                     : "m"(one)                                                                                        \
+                     : "cc", "xmm0", "xmm1", "xmm2", "xmm3", "xmm4", "xmm5", "xmm6", "xmm7", "xmm8", "xmm9", "xmm10",  \
+                       "xmm11", "xmm12", "xmm13", "xmm14", "xmm15");                                                   \
+    }
+
+ORK_ARITHMETIC(double_6x2, "pd", ORK_SIX, 2)
+ORK_ARITHMETIC(double_6x8, "pd", ORK_SIX, 8)
+ORK_ARITHMETIC(double_7x1, "pd", ORK_SEVEN, 1)
+ORK_ARITHMETIC(double_7x4, "pd", ORK_SEVEN, 4)
+ORK_ARITHMETIC(double_7x16, "pd", ORK_SEVEN, 16)
+ORK_ARITHMETIC(single_6x8, "ps", ORK_SIX, 8)
+ORK_ARITHMETIC(single_7x4, "ps", ORK_SEVEN, 4)
+ORK_ARITHMETIC(single_7x16, "ps", ORK_SEVEN, 16)
+
+// Keeps a loaded register alive without using it.
+inline void use(__m128d value) { asm volatile("" ::"x"(value)); }
+
+template <Traffic pattern>
+inline void step(double* x, double* y)
+{
+    using enum Traffic;
+    if constexpr (pattern == load) use(_mm_load_pd(x));
+    if constexpr (pattern == load_two) use(_mm_load_pd(x)), use(_mm_load_pd(y));
+    if constexpr (pattern == update) _mm_store_pd(x, _mm_load_pd(x));
+    if constexpr (pattern == copy) _mm_store_pd(y, _mm_load_pd(x));
+    if constexpr (pattern == copy_past) _mm_stream_pd(y, _mm_load_pd(x));
+    if constexpr (pattern == update_from) {
+        use(_mm_load_pd(x));
+        _mm_store_pd(y, _mm_load_pd(y));
+    }
+    if constexpr (pattern == exchange) {
+        const __m128d u = _mm_load_pd(x), v = _mm_load_pd(y);
+        _mm_store_pd(x, v);
+        _mm_store_pd(y, u);
+    }
+}
+
+template <Traffic pattern>
+void stream(char* x, char* y, size_t bytes, long times)
+{
+    constexpr ptrdiff_t block = 16; // doubles
+    for (; times > 0; --times) {
+        double* p = reinterpret_cast<double*>(x);
+        double* q = reinterpret_cast<double*>(y);
+        for (double* end = p + bytes / sizeof(double); p != end; p += block, q += block) {
+#pragma GCC unroll 8
+            for (ptrdiff_t i = 0; i < block; i += 2) step<pattern>(p + i, q + i);
+            asm volatile("" ::: "memory"); // values written back unchanged are still to be written
+        }
+    }
+    if constexpr (pattern == Traffic::copy_past) _mm_sfence();
+}
+
+void store_stream(char* y, size_t bytes, long times, bool past)
+{
+    const __m128d one = _mm_set1_pd(1);
+    for (; times > 0; --times)
+        for (double *q = reinterpret_cast<double*>(y), *end = q + bytes / sizeof(double); q != end; q += 16) {
+#pragma GCC unroll 8
+            for (ptrdiff_t i = 0; i < 16; i += 2)
+                if (past)
+                    _mm_stream_pd(q + i, one);
+                else
+                    _mm_store_pd(q + i, one);
+            asm volatile("" ::: "memory");
+        }
+    if (past) _mm_sfence();
+}
+
+size_t size_or(int name, size_t otherwise)
+{
+    const long size = sysconf(name);
+    return size > 0 ? static_cast<size_t>(size) : otherwise;
+}
+
+// Best rate of the patterns over arrays of `bytes` each, at least 20 samples.
+double best_rate(const std::vector<Traffic>& patterns, char* x, char* y, size_t bytes)
+{
+    double best = 0;
+    for (const Traffic pattern : patterns) {
+        const auto run = [&](long times) { traffic(pattern, x, y, bytes, times); };
+        const long times = calibrate(run, 1e-3);
+        for (int sample = 0; sample < 20; ++sample)
+            best = std::max(best, static_cast<double>(times) * bytes_moved(pattern, bytes) / time_of(run, times));
+    }
+    return best;
+}
+
+} // namespace
+
+const std::vector<ArithmeticLoop>& arithmetic_loops(bool single_precision)
+{
+    static const std::vector<ArithmeticLoop> doubles = {{"7 + 7 chains, 16 times", 16 * 14 * 2, double_7x16},
+                                                        {"7 + 7 chains, 4 times", 4 * 14 * 2, double_7x4},
+                                                        {"7 + 7 chains", 14 * 2, double_7x1},
+                                                        {"6 + 6 chains, 8 times", 8 * 12 * 2, double_6x8},
+                                                        {"6 + 6 chains, twice", 2 * 12 * 2, double_6x2}};
+    static const std::vector<ArithmeticLoop> singles = {{"7 + 7 chains, 16 times", 16 * 14 * 4, single_7x16},
+                                                        {"7 + 7 chains, 4 times", 4 * 14 * 4, single_7x4},
+                                                        {"6 + 6 chains, 8 times", 8 * 12 * 4, single_6x8}};
+    return single_precision ? singles : doubles;
+}
+
+void traffic(Traffic pattern, char* x, char* y, size_t bytes, long times)
+{
+    switch (pattern) {
+    case Traffic::load:
+        return stream<Traffic::load>(x, y, bytes, times);
+    case Traffic::load_two:
+        return stream<Traffic::load_two>(x, y, bytes, times);
+    case Traffic::store:
+        return store_stream(y, bytes, times, false);
+    case Traffic::store_past:
+        return store_stream(y, bytes, times, true);
+    case Traffic::update:
+        return stream<Traffic::update>(x, y, bytes, times);
+    case Traffic::copy:
+        return stream<Traffic::copy>(x, y, bytes, times);
+    case Traffic::copy_past:
+        return stream<Traffic::copy_past>(x, y, bytes, times);
+    case Traffic::update_from:
+        return stream<Traffic::update_from>(x, y, bytes, times);
+    case Traffic::exchange:
+        return stream<Traffic::exchange>(x, y, bytes, times);
+    }
+}
+
+double bytes_moved(Traffic pattern, size_t bytes)
+{
+    const double size = static_cast<double>(bytes);
+    switch (pattern) {
+    case Traffic::load:
+    case Traffic::store:
+    case Traffic::store_past:
+        return size;
+    case Traffic::load_two:
+    case Traffic::update:
+    case Traffic::copy:
+    case Traffic::copy_past:
+        return 2 * size;
+    case Traffic::update_from:
+        return 3 * size;
+    case Traffic::exchange:
+        return 4 * size;
+    }
+    return 0;
+}
+
+std::vector<Traffic> candidates(Traffic pattern, size_t total_bytes)
+{
+    const bool in_cache = total_bytes <= cache_sizes().l3;
+    if (!in_cache && pattern == Traffic::copy) return {Traffic::copy, Traffic::copy_past};
+    if (!in_cache && pattern == Traffic::store) return {Traffic::store, Traffic::store_past};
+    return {pattern};
+}
+
+CacheSizes cache_sizes()
+{
+    return {size_or(_SC_LEVEL1_DCACHE_SIZE, 32 << 10), size_or(_SC_LEVEL2_CACHE_SIZE, 256 << 10),
+            size_or(_SC_LEVEL3_CACHE_SIZE, 8 << 20)};
+}
+
+std::vector<LevelRates> level_rates()
+{
+    const CacheSizes cache = cache_sizes();
+    const size_t memory = std::max<size_t>(4 * cache.l3, 128 << 20);
+    const std::vector<std::pair<const char*, size_t>> levels = {
+        {"L1", cache.l1 / 2}, {"L2", cache.l2 / 2}, {"8 MiB", 8 << 20}, {"memory", memory}};
+    const std::unique_ptr<char, decltype(&std::free)> block(static_cast<char*>(std::aligned_alloc(4096, memory + 4096)),
+                                                            &std::free);
+    std::vector<LevelRates> rates;
+    if (block == nullptr) return rates;
+    std::memset(block.get(), 0, memory + 4096);
+    for (const auto& [name, bytes] : levels) {
+        const size_t half = bytes / 2 / 128 * 128;
+        char* x = block.get();
+        char* y = x + half + 2048 + 128; // half a page apart: no two streams compete for the same cache sets
+        rates.push_back({name, bytes, best_rate(candidates(Traffic::load, bytes), x, y, 2 * half),
+                         best_rate(candidates(Traffic::copy, bytes), x, y, half),
+                         best_rate(candidates(Traffic::store, bytes), y, x, 2 * half)});
+    }
+    return rates;
+}
+
+double arithmetic_rate(bool single_precision)
+{
+    double best = 0;
+    for (const ArithmeticLoop& loop : arithmetic_loops(single_precision)) {
+        const long rounds = calibrate(loop.run, 1e-3);
+        for (int sample = 0; sample < 20; ++sample)
+            best = std::max(best, static_cast<double>(rounds * loop.flops) / time_of(loop.run, rounds));
+    }
+    return best;
+}
+
+} // namespace ork::peers
