@@ -4,8 +4,9 @@
 //     constinit Kernel<double(const int64_t*, const double*, ...)> xddot{"blas", "xddot"};
 //     double r = xddot(&n, x, &incx, y, &incy);
 //
-// After the first call a call costs one load and one predicted branch. When the library or the routine can't be had, the
-// process ends with a message that names the file tried and EXIT_FAILURE; ork_initialize() asks first and never ends it.
+// After the first call a call costs one load and one predicted branch. When the library or the routine can't be had,
+// the process ends with a message that names the file tried and EXIT_FAILURE; ork_initialize() asks first and never
+// ends it.
 #pragma once
 
 #include <atomic>
