@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Plain memory for kernels: scratch arrays and objects. Work buffers that are kept between calls are in buffers.cpp.
-#include <bit>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -12,7 +11,7 @@
 ORK_EXPORT void* ork_serv_malloc(size_t size, size_t alignment)
 {
     if (alignment < alignof(max_align_t)) alignment = alignof(max_align_t);
-    if (!std::has_single_bit(alignment) || size > PTRDIFF_MAX) return nullptr;
+    if ((alignment & (alignment - 1)) != 0 || size > PTRDIFF_MAX) return nullptr;
     void* ptr;
     return posix_memalign(&ptr, alignment, size ? size : 1) == 0 ? ptr : nullptr;
 }
