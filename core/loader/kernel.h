@@ -36,9 +36,18 @@ public:
         return reinterpret_cast<Pointer>(address);
     }
 
-    Result operator()(Arguments... arguments) { return get()(arguments...); }
+    Result operator()(Arguments... arguments)
+    {
+        void* address = address_.load(std::memory_order_acquire);
+        if (address == nullptr) [[unlikely]]
+            return first_call(arguments...);
+        return reinterpret_cast<Pointer>(address)(arguments...);
+    }
 
 private:
+    // Out of line, so that every later call is a plain jump that saves no register.
+    [[gnu::noinline, gnu::cold]] Result first_call(Arguments... arguments) { return get()(arguments...); }
+
     std::atomic<void*> address_ = nullptr;
     const char* domain_;
     const char* routine_;

@@ -15,9 +15,9 @@ namespace {
 constinit std::atomic<ork_argument_handler> handler = nullptr;
 }
 
-// Called through the symbol table, so that a definition in the executable takes its place. The text is the reference's;
-// unlike the reference it does not stop the program, which a library may not, unless ORK_XERBLA=abort asks for it.
-ORK_EXPORT void xerbla_(const char* routine, const int* info, size_t length)
+// The text is the reference's; unlike the reference it does not stop the program, which a library may not, unless
+// ORK_XERBLA=abort asks for it. The drop-in libraries have an xerbla_ of their own that jumps here.
+ORK_EXPORT void ork_blas_lp64_xerbla(const char* routine, const int* info, size_t length)
 {
     while (length > 0 && routine[length - 1] == ' ') --length;
     const int shown = length < 64 ? static_cast<int>(length) : 64;
@@ -32,16 +32,18 @@ ORK_EXPORT void xerbla_(const char* routine, const int* info, size_t length)
     if (action != nullptr && std::strcmp(action, "abort") == 0) std::abort();
 }
 
+// Called through the symbol table, so that a definition in the executable takes its place.
+ORK_EXPORT decltype(ork_blas_lp64_xerbla) xerbla_ __attribute__((alias("ork_blas_lp64_xerbla")));
+
+// The position is stored in 64 bits: a replacement built for 64-bit integers reads as many.
 void ork::services::report_argument(const char* routine, std::int64_t position)
 {
-    const int info = static_cast<int>(position);
-    xerbla_(routine, &info, std::strlen(routine));
+    xerbla_(routine, reinterpret_cast<const int*>(&position), std::strlen(routine));
 }
 
 ORK_EXPORT void ork_serv_xerbla(const char* routine, const int64_t* info, int64_t routine_length)
 {
-    const int position = static_cast<int>(*info);
-    xerbla_(routine, &position, routine_length < 0 ? 0 : static_cast<size_t>(routine_length));
+    xerbla_(routine, reinterpret_cast<const int*>(info), routine_length < 0 ? 0 : static_cast<size_t>(routine_length));
 }
 
 ORK_EXPORT ork_argument_handler ork_set_xerbla(ork_argument_handler replacement)
