@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+// C is cut into a grid of blocks; each part is a call of the kernel on its block of C, its rows of op(A) and its columns
+// of op(B). The depth is never cut, and an element's additions run over the depth in an order that does not depend on
+// its neighbours, so a grid changes no bit.
+#include "blas/gemm.h"
+
+#include <algorithm>
+
+#include "blas/kernels.h"
+#include "threads/pool.h"
+
+namespace ork::blas {
+
+namespace {
+
+template <class T>
+struct GemmKernel;
+template <>
+struct GemmKernel<double> { static constexpr auto& call = kernels::xdgemm; };
+
+// Multiplications that make up for waking a thread.
+constexpr double work_per_thread = 64.0 * 64 * 64;
+
+// Blocks start at multiples of this, which holds a whole number of micro-tiles of every kernel in both directions.
+constexpr std::int64_t grain = 8;
+
+std::int64_t share(std::int64_t size, int parts)
+{
+    const std::int64_t grains = (size + grain - 1) / grain;
+    return (grains + parts - 1) / parts * grain;
+}
+
+} // namespace
+
+GemmGrid gemm_grid(std::int64_t m, std::int64_t n, std::int64_t k, int threads)
+{
+    GemmGrid best{1, 1, m, n};
+    const double area = static_cast<double>(m) * static_cast<double>(n);
+    const double affordable = area * static_cast<double>(k) / work_per_thread;
+    if (affordable < threads) threads = static_cast<int>(affordable);
+
+    // A part costs its products, and its share of A and B is packed: an element packed costs about as much as
+    // `packing` products.
+    constexpr double packing = 8;
+    const auto cost = [](double rows, double columns) { return rows * columns + packing * (rows + columns); };
+    double lowest = cost(static_cast<double>(m), static_cast<double>(n));
+    for (int row_parts = 1; row_parts <= threads; ++row_parts) {
+        const int column_parts = threads / row_parts;
+        const std::int64_t rows = share(m, row_parts), columns = share(n, column_parts);
+        const double c = cost(static_cast<double>(rows), static_cast<double>(columns));
+        if (!(c < lowest)) continue;
+        lowest = c;
+        best = {static_cast<int>((m + rows - 1) / rows), static_cast<int>((n + columns - 1) / columns), rows, columns};
+    }
+    return best;
+}
+
+template <class T>
+void gemm(const char* transa, const char* transb, const std::int64_t* m, const std::int64_t* n, const std::int64_t* k,
+          const T* alpha, const T* a, const std::int64_t* lda, const T* b, const std::int64_t* ldb, const T* beta, T* c,
+          const std::int64_t* ldc)
+{
+    if (*m == 0 || *n == 0 || ((*alpha == T() || *k == 0) && *beta == T(1))) return;
+    const auto serial = [&] { GemmKernel<T>::call(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc); };
+
+    const double work = static_cast<double>(*m) * static_cast<double>(*n) * static_cast<double>(*k);
+    if (work < 2 * work_per_thread || *alpha == T()) return serial();
+    const int threads = threads::limit();
+    if (threads < 2) return serial();
+    const GemmGrid grid = gemm_grid(*m, *n, *k, threads);
+    const int parts = grid.row_parts * grid.column_parts;
+    if (parts < 2) return serial();
+
+    const bool a_by_rows = (*transa & ~0x20) != 'N', b_by_rows = (*transb & ~0x20) != 'N';
+    threads::run(parts, [&](int part) {
+        const std::int64_t row = part % grid.row_parts * grid.rows, column = part / grid.row_parts * grid.columns;
+        const std::int64_t rows = std::min(grid.rows, *m - row), columns = std::min(grid.columns, *n - column);
+        GemmKernel<T>::call(transa, transb, &rows, &columns, k, alpha, a + (a_by_rows ? row * *lda : row), lda,
+                            b + (b_by_rows ? column : column * *ldb), ldb, beta, c + row + column * *ldc, ldc);
+    });
+}
+
+template void gemm(const char*, const char*, const std::int64_t*, const std::int64_t*, const std::int64_t*,
+                   const double*, const double*, const std::int64_t*, const double*, const std::int64_t*,
+                   const double*, double*, const std::int64_t*);
+
+} // namespace ork::blas

@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+// A row of the routine table as a type, and the C types that its arguments have in each binding.
+#pragma once
+
+#include <array>
+#include <complex>
+#include <cstdint>
+#include <type_traits>
+#include <utility>
+
+#include "blas/argument.h"
+#include "ork/cblas.h"
+
+namespace ork::blas {
+
+template <class T>
+using Complex = std::complex<T>;
+
+template <class T>
+struct RealOf { using type = T; };
+template <class T>
+struct RealOf<Complex<T>> { using type = T; };
+template <class T>
+inline constexpr bool is_complex = !std::is_same_v<typename RealOf<T>::type, T>;
+
+// `body` takes every argument by address, integers as 64-bit ones, and is called only with legal arguments.
+template <class T, const auto& shape, auto& body>
+struct Routine {
+    static constexpr const auto& arguments = shape;
+    static constexpr std::size_t count = std::size(shape);
+
+    template <class... Arguments>
+    static decltype(auto) run(Arguments... a) { return body(a...); }
+
+    static constexpr bool is_checked()
+    {
+        for (const Argument& a : shape)
+            if (a.is_checked()) return true;
+        return false;
+    }
+    static constexpr bool has(Role role)
+    {
+        for (const Argument& a : shape)
+            if (a.role == role) return true;
+        return false;
+    }
+
+    // The value type of argument i, and how the body takes it.
+    template <std::size_t i>
+    using Value = std::conditional_t<shape[i].element == Element::real, typename RealOf<T>::type, T>;
+    template <std::size_t i>
+    using Pointer = std::conditional_t<shape[i].written, Value<i>*, const Value<i>*>;
+    template <std::size_t i>
+    static constexpr auto canonical_type()
+    {
+        if constexpr (shape[i].is_option()) return std::type_identity<const char*>();
+        else if constexpr (shape[i].is_integer() || shape[i].role == Role::indices)
+            return std::type_identity<const std::int64_t*>();
+        else return std::type_identity<Pointer<i>>();
+    }
+    template <std::size_t i>
+    using Canonical = typename decltype(canonical_type<i>())::type;
+
+    template <std::size_t... i>
+    static auto result_type(std::index_sequence<i...>)
+        -> std::type_identity<decltype(body(std::declval<Canonical<i>>()...))>;
+    using Result = typename decltype(result_type(std::make_index_sequence<count>()))::type;
+};
+
+// Argument i of the Fortran binding: everything by address.
+template <class Row, class Int, std::size_t i>
+constexpr auto fortran_type()
+{
+    constexpr Argument a = Row::arguments[i];
+    if constexpr (a.is_integer() || a.role == Role::indices) return std::type_identity<const Int*>();
+    else return std::type_identity<typename Row::template Canonical<i>>();
+}
+template <class Row, class Int, std::size_t i>
+using FortranType = typename decltype(fortran_type<Row, Int, i>())::type;
+
+template <class Row, class Int>
+using FortranResult = std::conditional_t<std::is_same_v<typename Row::Result, std::int64_t>, Int, typename Row::Result>;
+
+// Argument i of the C binding: integers and real scalars by value, whatever is complex behind a void pointer.
+template <class Row, class Int, std::size_t i>
+constexpr auto cblas_type()
+{
+    constexpr Argument a = Row::arguments[i];
+    using Value = typename Row::template Value<i>;
+    if constexpr (a.role == Role::transposition) return std::type_identity<CBLAS_TRANSPOSE>();
+    else if constexpr (a.role == Role::triangle) return std::type_identity<CBLAS_UPLO>();
+    else if constexpr (a.role == Role::diagonal) return std::type_identity<CBLAS_DIAG>();
+    else if constexpr (a.role == Role::side) return std::type_identity<CBLAS_SIDE>();
+    else if constexpr (a.is_integer()) return std::type_identity<Int>();
+    else if constexpr (a.role == Role::indices) return std::type_identity<const Int*>();
+    else if constexpr (is_complex<Value>) return std::type_identity<std::conditional_t<a.written, void*, const void*>>();
+    else if constexpr (a.role == Role::scalar) return std::type_identity<Value>();
+    else return std::type_identity<typename Row::template Pointer<i>>();
+}
+template <class Row, class Int, std::size_t i>
+using CblasType = typename decltype(cblas_type<Row, Int, i>())::type;
+
+template <class Row>
+using CblasResult = std::conditional_t<std::is_same_v<typename Row::Result, std::int64_t>, CBLAS_INDEX,
+                                       std::conditional_t<is_complex<typename Row::Result>, void, typename Row::Result>>;
+
+} // namespace ork::blas

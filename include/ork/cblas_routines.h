@@ -1,0 +1,150 @@
+/* SPDX-License-Identifier: MIT */
+/* The BLAS by C's conventions, for one integer type and one spelling of the names: ork/cblas.h includes this list with
+   ORK_INT and ORK_NAME defined. Sizes, increments, options and real scalars are values, complex scalars and arrays
+   addresses; n counts elements; an increment counts elements too, and with a negative one the first element is the last
+   in memory. */
+
+/* y <- alpha x + y. Nothing is done for alpha = 0. */
+void ORK_NAME(saxpy)(ORK_INT n, float alpha, const float* x, ORK_INT incx, float* y, ORK_INT incy);
+void ORK_NAME(daxpy)(ORK_INT n, double alpha, const double* x, ORK_INT incx, double* y, ORK_INT incy);
+void ORK_NAME(caxpy)(ORK_INT n, const void* alpha, const void* x, ORK_INT incx, void* y, ORK_INT incy);
+void ORK_NAME(zaxpy)(ORK_INT n, const void* alpha, const void* x, ORK_INT incx, void* y, ORK_INT incy);
+
+/* y <- alpha x + beta y. With beta = 0, y is not read. */
+void ORK_NAME(saxpby)(ORK_INT n, float alpha, const float* x, ORK_INT incx, float beta, float* y, ORK_INT incy);
+void ORK_NAME(daxpby)(ORK_INT n, double alpha, const double* x, ORK_INT incx, double beta, double* y, ORK_INT incy);
+void ORK_NAME(caxpby)(ORK_INT n, const void* alpha, const void* x, ORK_INT incx, const void* beta, void* y,
+                      ORK_INT incy);
+void ORK_NAME(zaxpby)(ORK_INT n, const void* alpha, const void* x, ORK_INT incx, const void* beta, void* y,
+                      ORK_INT incy);
+
+/* x <- alpha x. alpha = 0 multiplies too, so NaN and infinity become NaN. */
+void ORK_NAME(sscal)(ORK_INT n, float alpha, float* x, ORK_INT incx);
+void ORK_NAME(dscal)(ORK_INT n, double alpha, double* x, ORK_INT incx);
+void ORK_NAME(cscal)(ORK_INT n, const void* alpha, void* x, ORK_INT incx);
+void ORK_NAME(zscal)(ORK_INT n, const void* alpha, void* x, ORK_INT incx);
+void ORK_NAME(csscal)(ORK_INT n, float alpha, void* x, ORK_INT incx);
+void ORK_NAME(zdscal)(ORK_INT n, double alpha, void* x, ORK_INT incx);
+
+/* y <- x. */
+void ORK_NAME(scopy)(ORK_INT n, const float* x, ORK_INT incx, float* y, ORK_INT incy);
+void ORK_NAME(dcopy)(ORK_INT n, const double* x, ORK_INT incx, double* y, ORK_INT incy);
+void ORK_NAME(ccopy)(ORK_INT n, const void* x, ORK_INT incx, void* y, ORK_INT incy);
+void ORK_NAME(zcopy)(ORK_INT n, const void* x, ORK_INT incx, void* y, ORK_INT incy);
+
+/* Exchanges x and y. */
+void ORK_NAME(sswap)(ORK_INT n, float* x, ORK_INT incx, float* y, ORK_INT incy);
+void ORK_NAME(dswap)(ORK_INT n, double* x, ORK_INT incx, double* y, ORK_INT incy);
+void ORK_NAME(cswap)(ORK_INT n, void* x, ORK_INT incx, void* y, ORK_INT incy);
+void ORK_NAME(zswap)(ORK_INT n, void* x, ORK_INT incx, void* y, ORK_INT incy);
+
+/* Sum of x_i y_i. */
+float ORK_NAME(sdot)(ORK_INT n, const float* x, ORK_INT incx, const float* y, ORK_INT incy);
+double ORK_NAME(ddot)(ORK_INT n, const double* x, ORK_INT incx, const double* y, ORK_INT incy);
+
+/* Sum of x_i y_i accumulated in double; sdsdot adds sb and rounds once. */
+float ORK_NAME(sdsdot)(ORK_INT n, float sb, const float* x, ORK_INT incx, const float* y, ORK_INT incy);
+double ORK_NAME(dsdot)(ORK_INT n, const float* x, ORK_INT incx, const float* y, ORK_INT incy);
+
+/* Sum of x_i y_i (dotu) or conj(x_i) y_i (dotc), stored through the last argument. */
+void ORK_NAME(cdotu_sub)(ORK_INT n, const void* x, ORK_INT incx, const void* y, ORK_INT incy, void* dot);
+void ORK_NAME(cdotc_sub)(ORK_INT n, const void* x, ORK_INT incx, const void* y, ORK_INT incy, void* dot);
+void ORK_NAME(zdotu_sub)(ORK_INT n, const void* x, ORK_INT incx, const void* y, ORK_INT incy, void* dot);
+void ORK_NAME(zdotc_sub)(ORK_INT n, const void* x, ORK_INT incx, const void* y, ORK_INT incy, void* dot);
+
+/* Euclidean norm, without overflow or underflow on the way. */
+float ORK_NAME(snrm2)(ORK_INT n, const float* x, ORK_INT incx);
+double ORK_NAME(dnrm2)(ORK_INT n, const double* x, ORK_INT incx);
+float ORK_NAME(scnrm2)(ORK_INT n, const void* x, ORK_INT incx);
+double ORK_NAME(dznrm2)(ORK_INT n, const void* x, ORK_INT incx);
+
+/* Sum of |re x_i| + |im x_i|. */
+float ORK_NAME(sasum)(ORK_INT n, const float* x, ORK_INT incx);
+double ORK_NAME(dasum)(ORK_INT n, const double* x, ORK_INT incx);
+float ORK_NAME(scasum)(ORK_INT n, const void* x, ORK_INT incx);
+double ORK_NAME(dzasum)(ORK_INT n, const void* x, ORK_INT incx);
+
+/* Position, from 0, of the first element of largest |re| + |im|, or of the first NaN; 0 for n < 1 too. */
+CBLAS_INDEX ORK_NAME(isamax)(ORK_INT n, const float* x, ORK_INT incx);
+CBLAS_INDEX ORK_NAME(idamax)(ORK_INT n, const double* x, ORK_INT incx);
+CBLAS_INDEX ORK_NAME(icamax)(ORK_INT n, const void* x, ORK_INT incx);
+CBLAS_INDEX ORK_NAME(izamax)(ORK_INT n, const void* x, ORK_INT incx);
+
+/* Position, from 0, of the first element of smallest |re| + |im|, or of the first NaN; 0 for n < 1 too. */
+CBLAS_INDEX ORK_NAME(isamin)(ORK_INT n, const float* x, ORK_INT incx);
+CBLAS_INDEX ORK_NAME(idamin)(ORK_INT n, const double* x, ORK_INT incx);
+CBLAS_INDEX ORK_NAME(icamin)(ORK_INT n, const void* x, ORK_INT incx);
+CBLAS_INDEX ORK_NAME(izamin)(ORK_INT n, const void* x, ORK_INT incx);
+
+/* Plane rotation: x <- c x + s y, y <- c y - conj(s) x. */
+void ORK_NAME(srot)(ORK_INT n, float* x, ORK_INT incx, float* y, ORK_INT incy, float c, float s);
+void ORK_NAME(drot)(ORK_INT n, double* x, ORK_INT incx, double* y, ORK_INT incy, double c, double s);
+void ORK_NAME(crot)(ORK_INT n, void* x, ORK_INT incx, void* y, ORK_INT incy, float c, const void* s);
+void ORK_NAME(zrot)(ORK_INT n, void* x, ORK_INT incx, void* y, ORK_INT incy, double c, const void* s);
+void ORK_NAME(csrot)(ORK_INT n, void* x, ORK_INT incx, void* y, ORK_INT incy, float c, float s);
+void ORK_NAME(zdrot)(ORK_INT n, void* x, ORK_INT incx, void* y, ORK_INT incy, double c, double s);
+
+/* Modified rotation; param holds the flag and the four elements of H by columns. */
+void ORK_NAME(srotm)(ORK_INT n, float* x, ORK_INT incx, float* y, ORK_INT incy, const float* param);
+void ORK_NAME(drotm)(ORK_INT n, double* x, ORK_INT incx, double* y, ORK_INT incy, const double* param);
+
+/* The rotation that takes (a, b) to (r, 0): a becomes r, b the one number from which c and s can be restored. */
+void ORK_NAME(srotg)(float* a, float* b, float* c, float* s);
+void ORK_NAME(drotg)(double* a, double* b, double* c, double* s);
+
+/* The same for complex a and b, with real c; b is left as it is. */
+void ORK_NAME(crotg)(void* a, const void* b, float* c, void* s);
+void ORK_NAME(zrotg)(void* a, const void* b, double* c, void* s);
+
+/* The modified rotation that clears the second component of (sqrt(d1) x1, sqrt(d2) y1); param receives flag and H. */
+void ORK_NAME(srotmg)(float* d1, float* d2, float* x1, float y1, float* param);
+void ORK_NAME(drotmg)(double* d1, double* d2, double* x1, double y1, double* param);
+
+/* |re z| + |im z|. */
+float ORK_NAME(scabs1)(const void* z);
+double ORK_NAME(dcabs1)(const void* z);
+
+/* A sparse vector: nz values x, and their positions indx in the dense vector y, counted from 0. */
+
+/* y[indx] <- y[indx] + alpha x. */
+void ORK_NAME(saxpyi)(ORK_INT nz, float alpha, const float* x, const ORK_INT* indx, float* y);
+void ORK_NAME(daxpyi)(ORK_INT nz, double alpha, const double* x, const ORK_INT* indx, double* y);
+void ORK_NAME(caxpyi)(ORK_INT nz, const void* alpha, const void* x, const ORK_INT* indx, void* y);
+void ORK_NAME(zaxpyi)(ORK_INT nz, const void* alpha, const void* x, const ORK_INT* indx, void* y);
+
+/* Sum of x_i y[indx_i]. */
+float ORK_NAME(sdoti)(ORK_INT nz, const float* x, const ORK_INT* indx, const float* y);
+double ORK_NAME(ddoti)(ORK_INT nz, const double* x, const ORK_INT* indx, const double* y);
+
+/* Sum of x_i y[indx_i] (dotui) or conj(x_i) y[indx_i] (dotci), stored through the last argument. */
+void ORK_NAME(cdotui_sub)(ORK_INT nz, const void* x, const ORK_INT* indx, const void* y, void* dot);
+void ORK_NAME(cdotci_sub)(ORK_INT nz, const void* x, const ORK_INT* indx, const void* y, void* dot);
+void ORK_NAME(zdotui_sub)(ORK_INT nz, const void* x, const ORK_INT* indx, const void* y, void* dot);
+void ORK_NAME(zdotci_sub)(ORK_INT nz, const void* x, const ORK_INT* indx, const void* y, void* dot);
+
+/* x <- y[indx]. */
+void ORK_NAME(sgthr)(ORK_INT nz, const float* y, float* x, const ORK_INT* indx);
+void ORK_NAME(dgthr)(ORK_INT nz, const double* y, double* x, const ORK_INT* indx);
+void ORK_NAME(cgthr)(ORK_INT nz, const void* y, void* x, const ORK_INT* indx);
+void ORK_NAME(zgthr)(ORK_INT nz, const void* y, void* x, const ORK_INT* indx);
+
+/* x <- y[indx], which becomes 0. */
+void ORK_NAME(sgthrz)(ORK_INT nz, float* y, float* x, const ORK_INT* indx);
+void ORK_NAME(dgthrz)(ORK_INT nz, double* y, double* x, const ORK_INT* indx);
+void ORK_NAME(cgthrz)(ORK_INT nz, void* y, void* x, const ORK_INT* indx);
+void ORK_NAME(zgthrz)(ORK_INT nz, void* y, void* x, const ORK_INT* indx);
+
+/* y[indx] <- x; of equal positions the last wins. */
+void ORK_NAME(ssctr)(ORK_INT nz, const float* x, const ORK_INT* indx, float* y);
+void ORK_NAME(dsctr)(ORK_INT nz, const double* x, const ORK_INT* indx, double* y);
+void ORK_NAME(csctr)(ORK_INT nz, const void* x, const ORK_INT* indx, void* y);
+void ORK_NAME(zsctr)(ORK_INT nz, const void* x, const ORK_INT* indx, void* y);
+
+/* Plane rotation of x against y[indx]: x <- c x + s y[indx], y[indx] <- c y[indx] - s x. */
+void ORK_NAME(sroti)(ORK_INT nz, float* x, const ORK_INT* indx, float* y, float c, float s);
+void ORK_NAME(droti)(ORK_INT nz, double* x, const ORK_INT* indx, double* y, double c, double s);
+/* C <- alpha op(A) op(B) + beta C with C m x n, op(A) m x k, op(B) k x n, all stored by rows or all by columns; a
+   leading dimension is the distance between two rows or two columns. With beta = 0, C is not read. */
+void ORK_NAME(dgemm)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE transa, CBLAS_TRANSPOSE transb, ORK_INT m, ORK_INT n,
+                     ORK_INT k, double alpha, const double* a, ORK_INT lda, const double* b, ORK_INT ldb, double beta,
+                     double* c, ORK_INT ldc);
