@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <smmintrin.h>
 
 namespace ork {
@@ -33,6 +34,46 @@ inline void store(float* p, Vec<float> a) { _mm_storeu_ps(p, a.v); }
 inline void store_aligned(double* p, Vec<double> a) { _mm_store_pd(p, a.v); }
 inline void store_aligned(float* p, Vec<float> a) { _mm_store_ps(p, a.v); }
 
+// The first `width` elements at p, repeated in the lanes that are left: arithmetic on a part of a register then does
+// what the whole one would, and raises no flag of its own. Neither touches a byte beside the part, and p may stand
+// anywhere.
+template <int width>
+inline Vec<double> load(const double* p)
+{
+    if constexpr (width == 2) return load(p);
+    double a;
+    std::memcpy(&a, p, sizeof a);
+    return {_mm_set1_pd(a)};
+}
+template <int width>
+inline Vec<float> load(const float* p)
+{
+    if constexpr (width == 4) return load(p);
+    if constexpr (width == 2) {
+        double pair;
+        std::memcpy(&pair, p, sizeof pair);
+        return {_mm_castpd_ps(_mm_set1_pd(pair))};
+    }
+    float a;
+    std::memcpy(&a, p, sizeof a);
+    return {_mm_set1_ps(a)};
+}
+template <int width>
+inline void store(double* p, Vec<double> a)
+{
+    if constexpr (width == 2) return store(p, a);
+    const double low = _mm_cvtsd_f64(a.v);
+    std::memcpy(p, &low, sizeof low);
+}
+template <int width>
+inline void store(float* p, Vec<float> a)
+{
+    if constexpr (width == 4) return store(p, a);
+    if constexpr (width == 2) return store<1>(reinterpret_cast<double*>(p), Vec<double>{_mm_castps_pd(a.v)});
+    const float low = _mm_cvtss_f32(a.v);
+    std::memcpy(p, &low, sizeof low);
+}
+
 // One value in every lane.
 inline Vec<double> broadcast(double a) { return {_mm_set1_pd(a)}; }
 inline Vec<float> broadcast(float a) { return {_mm_set1_ps(a)}; }
@@ -44,12 +85,26 @@ inline Vec<float> operator-(Vec<float> a, Vec<float> b) { return {_mm_sub_ps(a.v
 inline Vec<double> operator*(Vec<double> a, Vec<double> b) { return {_mm_mul_pd(a.v, b.v)}; }
 inline Vec<float> operator*(Vec<float> a, Vec<float> b) { return {_mm_mul_ps(a.v, b.v)}; }
 
-inline double lane(Vec<double> a, int i) { return i == 0 ? _mm_cvtsd_f64(a.v) : _mm_cvtsd_f64(_mm_unpackhi_pd(a.v, a.v)); }
+inline Vec<double> abs(Vec<double> a) { return {_mm_andnot_pd(_mm_set1_pd(-0.0), a.v)}; }
+inline Vec<float> abs(Vec<float> a) { return {_mm_andnot_ps(_mm_set1_ps(-0.0f), a.v)}; }
+
+inline double lane(Vec<double> a, int i)
+{
+    return i == 0 ? _mm_cvtsd_f64(a.v) : _mm_cvtsd_f64(_mm_unpackhi_pd(a.v, a.v));
+}
 inline float lane(Vec<float> a, int i)
 {
     alignas(16) float lanes[4];
     _mm_store_ps(lanes, a.v);
     return lanes[i];
+}
+
+// Sum of the lanes: 0 + 1; (0 + 2) + (1 + 3).
+inline double fold(Vec<double> a) { return _mm_cvtsd_f64(_mm_add_sd(a.v, _mm_unpackhi_pd(a.v, a.v))); }
+inline float fold(Vec<float> a)
+{
+    const __m128 pairs = _mm_add_ps(a.v, _mm_movehl_ps(a.v, a.v));
+    return _mm_cvtss_f32(_mm_add_ss(pairs, _mm_movehdup_ps(pairs)));
 }
 
 // Rows become columns in a square of lanes x lanes elements.

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+// y <- alpha x + y. Each element is y + alpha x: for complex ones y + (ac - bd, ad + bc).
+#include "blas/elementwise.h"
+#include "blas/level1_kernels.h"
+
+namespace ork {
+namespace {
+
+template <class T>
+struct Axpy {
+    Factor<T> alpha;
+
+    template <int width>
+    [[gnu::always_inline]] void at(const T* x, T* y) const
+    {
+        store<width>(y, load<width>(y) + alpha * load<width>(x));
+    }
+};
+
+template <class T>
+void axpy(Int n, T alpha, const T* x, Int incx, T* y, Int incy)
+{
+    if (n <= 0 || alpha == T{}) return;            // nothing of x reaches y, be it NaN
+    if (incx == -1 && incy == -1) incx = incy = 1; // the same pairs, also where the vectors overlap
+    each(n, Axpy<T>{Factor<T>(alpha)}, x, incx, y, incy);
+}
+
+} // namespace
+} // namespace ork
+
+using namespace ork;
+
+void ork_blas_nx2_xsaxpy(const int64_t* n, const float* alpha, const float* x, const int64_t* incx, float* y,
+                         const int64_t* incy)
+{
+    axpy(*n, *alpha, x, *incx, y, *incy);
+}
+
+void ork_blas_nx2_xdaxpy(const int64_t* n, const double* alpha, const double* x, const int64_t* incx, double* y,
+                         const int64_t* incy)
+{
+    axpy(*n, *alpha, x, *incx, y, *incy);
+}
+
+void ork_blas_nx2_xcaxpy(const int64_t* n, const ork_complex_float* alpha, const ork_complex_float* x,
+                         const int64_t* incx, ork_complex_float* y, const int64_t* incy)
+{
+    axpy(*n, *pairs(alpha), pairs(x), *incx, pairs(y), *incy);
+}
+
+void ork_blas_nx2_xzaxpy(const int64_t* n, const ork_complex_double* alpha, const ork_complex_double* x,
+                         const int64_t* incx, ork_complex_double* y, const int64_t* incy)
+{
+    axpy(*n, *pairs(alpha), pairs(x), *incx, pairs(y), *incy);
+}

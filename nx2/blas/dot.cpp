@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: MIT
+// Dot products: sum of x[i] y[i], of conj(x[i]) y[i], and of single numbers in double precision.
+//
+// The order of additions, by n alone. Unit increments: products of one register of elements each; over blocks of 16
+// registers, product j goes to accumulator A(j mod 4); the registers that fill no block go to A0, one after the other;
+// the sum is (A2 + A3) + (A1 + A0), then its lanes (0 + 1, or (0 + 2) + (1 + 3)), then the elements that fill no
+// register, in order. Any other increments: one accumulator, in the order of the elements.
+// A complex sum with unit increments keeps the four real ones apart, x.re y.re and x.im y.im in one register, x.re y.im
+// and x.im y.re in another; after the lanes, the first two are subtracted, the others added (conjugated: the other
+// way).
+#include "blas/elementwise.h"
+#include "blas/level1_kernels.h"
+
+namespace ork {
+namespace {
+
+// A register of the accumulator's type; single numbers widen on the way.
+
+template <class A>
+inline Vec<A> load_as(const A* p)
+{
+    return load(p);
+}
+template <class A>
+requires std::is_same_v<A, double>
+inline Vec<A> load_as(const float* p) // two adjacent ones
+{
+    double pair;
+    std::memcpy(&pair, p, sizeof pair);
+    return {_mm_cvtps_pd(_mm_castpd_ps(_mm_set_sd(pair)))};
+}
+
+template <class A, bool conjugate>
+struct Products {
+    Vec<A> sum;
+
+    static Products zero() { return {broadcast(A{})}; }
+    template <class T>
+    [[gnu::always_inline]] void add(const T* x, const T* y)
+    {
+        sum = sum + load_as<A>(x) * load_as<A>(y);
+    }
+    friend Products operator+(Products a, Products b) { return {a.sum + b.sum}; }
+    A total() const { return fold(sum); }
+};
+
+template <class R, bool conjugate>
+struct Products<Complex<R>, conjugate> {
+    Vec<R> straight, crossed; // (re re, im im), (re im, im re) of x y
+
+    static Products zero() { return {broadcast(R{}), broadcast(R{})}; }
+    [[gnu::always_inline]] void add(const Complex<R>* x, const Complex<R>* y)
+    {
+        constexpr int lanes = Vec<Complex<R>>::lanes;
+        const auto a = load<lanes>(x).v, b = load<lanes>(y).v;
+        straight = straight + a * b;
+        crossed = crossed + a * exchanged(b);
+    }
+    friend Products operator+(Products a, Products b) { return {a.straight + b.straight, a.crossed + b.crossed}; }
+    Complex<R> total() const
+    {
+        const Complex<R> s = pair(straight), c = pair(crossed);
+        if constexpr (conjugate)
+            return {s.re + s.im, c.re - c.im};
+        else
+            return {s.re - s.im, c.re + c.im};
+    }
+
+private:
+    static Complex<R> pair(Vec<double> a) { return {lane(a, 0), lane(a, 1)}; }
+    static Complex<R> pair(Vec<float> a)
+    {
+        const Vec<float> both{_mm_add_ps(a.v, _mm_movehl_ps(a.v, a.v))};
+        return {_mm_cvtss_f32(both.v), _mm_cvtss_f32(_mm_movehdup_ps(both.v))};
+    }
+};
+
+template <bool conjugate, class A, class T>
+inline A product(T x, T y)
+{
+    if constexpr (conjugate)
+        return conj(x) * y;
+    else
+        return A(x) * A(y);
+}
+
+template <class A, bool conjugate = false, class T>
+A dot(Int n, const T* x, Int incx, const T* y, Int incy)
+{
+    if (n < 1) return A{};
+    if (incx == 1 && incy == 1) [[likely]] {
+        constexpr int lanes = Vec<A>::lanes, block = 16 * lanes;
+        using Sum = Products<A, conjugate>;
+        Sum a[4] = {Sum::zero(), Sum::zero(), Sum::zero(), Sum::zero()};
+        Int left = n;
+        for (; left >= block; left -= block, x += block, y += block)
+#pragma GCC unroll 16
+            for (int j = 0; j < 16; ++j) a[j % 4].add(x + j * lanes, y + j * lanes);
+        for (; left >= lanes; left -= lanes, x += lanes, y += lanes) a[0].add(x, y);
+        // A0 alone never is -0, so the other three, all +0, may be left out.
+        A sum = (n < block ? a[0] : (a[2] + a[3]) + (a[1] + a[0])).total();
+        for (; left > 0; --left, ++x, ++y) sum = sum + product<conjugate, A>(get(x), get(y));
+        return sum;
+    }
+    x = first(x, n, incx), y = first(y, n, incy);
+    A sum{};
+#pragma GCC unroll 8
+    for (Int i = 0; i < n; ++i, x += incx, y += incy) sum = sum + product<conjugate, A>(get(x), get(y));
+    return sum;
+}
+
+} // namespace
+} // namespace ork
+
+using namespace ork;
+
+float ork_blas_nx2_xsdot(const int64_t* n, const float* x, const int64_t* incx, const float* y, const int64_t* incy)
+{
+    return dot<float>(*n, x, *incx, y, *incy);
+}
+
+double ork_blas_nx2_xddot(const int64_t* n, const double* x, const int64_t* incx, const double* y, const int64_t* incy)
+{
+    return dot<double>(*n, x, *incx, y, *incy);
+}
+
+float ork_blas_nx2_xsdsdot(const int64_t* n, const float* sb, const float* x, const int64_t* incx, const float* y,
+                           const int64_t* incy)
+{
+    if (*n < 1) return 0;
+    return static_cast<float>(*sb + dot<double>(*n, x, *incx, y, *incy));
+}
+
+double ork_blas_nx2_xdsdot(const int64_t* n, const float* x, const int64_t* incx, const float* y, const int64_t* incy)
+{
+    return dot<double>(*n, x, *incx, y, *incy);
+}
+
+ork_complex_float ork_blas_nx2_xcdotu(const int64_t* n, const ork_complex_float* x, const int64_t* incx,
+                                      const ork_complex_float* y, const int64_t* incy)
+{
+    return boundary(dot<Complex<float>>(*n, pairs(x), *incx, pairs(y), *incy));
+}
+
+ork_complex_float ork_blas_nx2_xcdotc(const int64_t* n, const ork_complex_float* x, const int64_t* incx,
+                                      const ork_complex_float* y, const int64_t* incy)
+{
+    return boundary(dot<Complex<float>, true>(*n, pairs(x), *incx, pairs(y), *incy));
+}
+
+ork_complex_double ork_blas_nx2_xzdotu(const int64_t* n, const ork_complex_double* x, const int64_t* incx,
+                                       const ork_complex_double* y, const int64_t* incy)
+{
+    return boundary(dot<Complex<double>>(*n, pairs(x), *incx, pairs(y), *incy));
+}
+
+ork_complex_double ork_blas_nx2_xzdotc(const int64_t* n, const ork_complex_double* x, const int64_t* incx,
+                                       const ork_complex_double* y, const int64_t* incy)
+{
+    return boundary(dot<Complex<double>, true>(*n, pairs(x), *incx, pairs(y), *incy));
+}

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+// x <- alpha x. Only alpha = 1 is a quick return: alpha = 0 multiplies, so NaN and infinity become NaN.
+#include "blas/elementwise.h"
+#include "blas/level1_kernels.h"
+
+namespace ork {
+namespace {
+
+template <class T, class S>
+struct Scal {
+    Factor<T, S> alpha;
+
+    template <int width>
+    [[gnu::always_inline]] void at(const T*, T* x) const
+    {
+        store<width>(x, alpha * load<width>(x));
+    }
+};
+
+template <class S, class T>
+void scal(Int n, S alpha, T* x, Int incx)
+{
+    if (n <= 0 || alpha == S{1}) return;
+    if (incx == -1) incx = 1;
+    each(n, Scal<T, S>{Factor<T, S>(alpha)}, x, incx, x, incx);
+}
+
+} // namespace
+} // namespace ork
+
+using namespace ork;
+
+void ork_blas_nx2_xsscal(const int64_t* n, const float* alpha, float* x, const int64_t* incx)
+{
+    scal(*n, *alpha, x, *incx);
+}
+
+void ork_blas_nx2_xdscal(const int64_t* n, const double* alpha, double* x, const int64_t* incx)
+{
+    scal(*n, *alpha, x, *incx);
+}
+
+void ork_blas_nx2_xcscal(const int64_t* n, const ork_complex_float* alpha, ork_complex_float* x, const int64_t* incx)
+{
+    scal(*n, *pairs(alpha), pairs(x), *incx);
+}
+
+void ork_blas_nx2_xzscal(const int64_t* n, const ork_complex_double* alpha, ork_complex_double* x, const int64_t* incx)
+{
+    scal(*n, *pairs(alpha), pairs(x), *incx);
+}
+
+void ork_blas_nx2_xcsscal(const int64_t* n, const float* alpha, ork_complex_float* x, const int64_t* incx)
+{
+    scal(*n, *alpha, pairs(x), *incx);
+}
+
+void ork_blas_nx2_xzdscal(const int64_t* n, const double* alpha, ork_complex_double* x, const int64_t* incx)
+{
+    scal(*n, *alpha, pairs(x), *incx);
+}
