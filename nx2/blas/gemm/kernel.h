@@ -32,7 +32,7 @@ inline void finish_element(T* c, T sum)
 }
 
 // All full row panels against one panel of 8 columns.
-template <Finish finish>
+template <Finish finish, Arrangement arrangement>
 void panel8(Int rows, Int depth, const double* a, Int a_stride, const double* b, double* c, Int ldc)
 {
     for (Int i = 0; i < rows; i += 2, a += a_stride, c += 2) {
@@ -40,7 +40,7 @@ void panel8(Int rows, Int depth, const double* a, Int a_stride, const double* b,
 #pragma GCC unroll 8
             for (int j = 0; j < 8; ++j) _mm_prefetch(reinterpret_cast<const char*>(c + j * ldc), _MM_HINT_T0);
         }
-        const TileD tile = multiply_tile(a, b, depth);
+        const TileD<arrangement> tile = multiply_tile<arrangement>(a, b, depth);
 #pragma GCC unroll 8
         for (int j = 0; j < 8; ++j) finish_column<finish>(c + j * ldc, Vec<double>{tile.column(j)});
     }
@@ -88,7 +88,7 @@ void single_row(Int depth, const T* a, const T* b, T* c, Int ldc)
 
 // A block: m x n of C, with `depth` the padded depth of both packed operands (a multiple of Units::k) and the distances
 // from panel to panel in elements. The 4-wide panel and the pairs of B stand where the next 8-wide panel would.
-template <Finish finish, class T>
+template <Finish finish, Arrangement arrangement, class T>
 void multiply_packed(Int m, Int n, Int depth, const T* a, Int a_stride, const T* b, Int b_stride, T* c, Int ldc)
 {
     constexpr Int unit = Units<T>::m;
@@ -97,7 +97,7 @@ void multiply_packed(Int m, Int n, Int depth, const T* a, Int a_stride, const T*
     const auto panel = [&]<int width, int columns>() {
         if (rows > 0) {
             if constexpr (width == 8)
-                panel8<finish>(rows, depth, a, a_stride, b, c, ldc);
+                panel8<finish, arrangement>(rows, depth, a, a_stride, b, c, ldc);
             else
                 panel_edge<finish, width, columns>(rows, depth, a, a_stride, b, c, ldc);
         }

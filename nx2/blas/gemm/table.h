@@ -41,16 +41,16 @@ struct Routines {
         return 0;
     }
 
-    // Two tests, on the mode and on the scalar, give one of four cases, and the alignment of C one of its two kernels. An
-    // entry per row of the table: `row` only keeps the two apart.
-    template <int row>
+    // Two tests, on the mode and on the scalar, give one of four cases, and the alignment of C one of its two kernels.
+    // The two arrangements of the tile are the two rows' entries.
+    template <Arrangement arrangement>
     static Int kernel(Ptr mode, Ptr m, Ptr n, Ptr depth, const T* a, Ptr a_stride, const T* b, Ptr b_stride,
                       const T* scalar, T* c, Ptr ldc, Ptr flags)
     {
         with_flag(*scalar == T(0), [&]<bool overwrite>() {
             with_flag(*mode == 2, [&]<bool prefetch>() {
                 with_flag(aligned16(c) && *flags % 2 == 0, [&]<bool aligned>() {
-                    multiply_packed<Finish{overwrite, prefetch, aligned}>(*m, *n, *depth, a, *a_stride, b, *b_stride, c,
+                    multiply_packed<Finish{overwrite, prefetch, aligned}, arrangement>(*m, *n, *depth, a, *a_stride, b, *b_stride, c,
                                                                           *ldc);
                 });
             });
@@ -64,12 +64,12 @@ struct Routines {
                            Ptr ldc, Ptr flags)
     {
         const T fixed = scalar;
-        return kernel<0>(mode, m, n, depth, a, a_stride, b, b_stride, &fixed, c, ldc, flags);
+        return kernel<Arrangement::crossed>(mode, m, n, depth, a, a_stride, b, b_stride, &fixed, c, ldc, flags);
     }
 
     static const ork_gemm_row rows[2];
 
-    // The processor model 66 gets row 1, every other row 0.
+    // Row 1 for model 66, the core's word for processors that broadcast in the load unit; row 0 for every other.
     static std::uint32_t best_row()
     {
         static constexpr std::uint32_t selection[2] = {0, 1};
@@ -79,7 +79,7 @@ struct Routines {
 
 // Plain braces, so that the table is data and nothing runs at load.
 // clang-format off
-#define ORK_GEMM_ROW(row)                                                                                              \
+#define ORK_GEMM_ROW(arrangement)                                                                                              \
     {                                                                                                                  \
         Units<T>::m, Units<T>::n, Units<T>::k, Units<T>::c_factor,                                                     \
         {Units<T>::parameters[0], Units<T>::parameters[1], Units<T>::parameters[2]}, Units<T>::flags,                  \
@@ -91,7 +91,7 @@ struct Routines {
             reinterpret_cast<Untyped>(Routines<T>::template copy_b<false>),                                            \
             reinterpret_cast<Untyped>(Routines<T>::template copy_b<true>),                                             \
             reinterpret_cast<Untyped>(Routines<T>::template copy_b<true>),                                             \
-            reinterpret_cast<Untyped>(Routines<T>::template kernel<row>),                                              \
+            reinterpret_cast<Untyped>(Routines<T>::template kernel<arrangement>),                                              \
             reinterpret_cast<Untyped>(Routines<T>::template kernel_with<1>),                                           \
             reinterpret_cast<Untyped>(Routines<T>::template kernel_with<0>)                                            \
         }                                                                                                              \
@@ -99,7 +99,7 @@ struct Routines {
 // clang-format on
 
 template <class T>
-const ork_gemm_row Routines<T>::rows[2] = {ORK_GEMM_ROW(0), ORK_GEMM_ROW(1)};
+const ork_gemm_row Routines<T>::rows[2] = {ORK_GEMM_ROW(Arrangement::crossed), ORK_GEMM_ROW(Arrangement::broadcast)};
 
 #undef ORK_GEMM_ROW
 
