@@ -73,8 +73,14 @@ struct Argument {
     }
 };
 
-constexpr Argument transposition(const char* name, const char* legal) { return {.role = Role::transposition, .name = name, .legal = legal}; }
-constexpr Argument triangle(const char* name) { return {.role = Role::triangle, .name = name, .legal = "UL", .turned = true}; }
+constexpr Argument transposition(const char* name, const char* legal)
+{
+    return {.role = Role::transposition, .name = name, .legal = legal};
+}
+constexpr Argument triangle(const char* name)
+{
+    return {.role = Role::triangle, .name = name, .legal = "UL", .turned = true};
+}
 constexpr Argument side(const char* name) { return {.role = Role::side, .name = name, .legal = "LR", .turned = true}; }
 constexpr Argument diagonal(const char* name) { return {.role = Role::diagonal, .name = name, .legal = "UN"}; }
 constexpr Argument size(const char* name) { return {.role = Role::size, .name = name}; }
@@ -82,13 +88,31 @@ constexpr Argument count(const char* name) { return {.role = Role::count, .name 
 constexpr Argument band(const char* name) { return {.role = Role::band, .name = name}; }
 constexpr Argument stride(const char* name) { return {.role = Role::stride, .name = name}; }
 constexpr Argument increment(const char* name) { return {.role = Role::increment, .name = name}; }
-constexpr Argument lead(const char* name, Minimum minimum) { return {.role = Role::lead, .name = name, .minimum = minimum}; }
-constexpr Argument scalar(const char* name, Element e = Element::value) { return {.role = Role::scalar, .name = name, .element = e}; }
-constexpr Argument input(const char* name, Element e = Element::value) { return {.role = Role::vector, .name = name, .element = e}; }
-constexpr Argument output(const char* name, Element e = Element::value) { return {.role = Role::vector, .name = name, .element = e, .written = true}; }
+constexpr Argument lead(const char* name, Minimum minimum)
+{
+    return {.role = Role::lead, .name = name, .minimum = minimum};
+}
+constexpr Argument scalar(const char* name, Element e = Element::value)
+{
+    return {.role = Role::scalar, .name = name, .element = e};
+}
+constexpr Argument input(const char* name, Element e = Element::value)
+{
+    return {.role = Role::vector, .name = name, .element = e};
+}
+constexpr Argument output(const char* name, Element e = Element::value)
+{
+    return {.role = Role::vector, .name = name, .element = e, .written = true};
+}
 constexpr Argument indices(const char* name) { return {.role = Role::indices, .name = name}; }
-constexpr Argument compressed(const char* name, bool written) { return {.role = Role::compressed, .name = name, .written = written}; }
-constexpr Argument indexed(const char* name, bool written) { return {.role = Role::indexed, .name = name, .written = written}; }
+constexpr Argument compressed(const char* name, bool written)
+{
+    return {.role = Role::compressed, .name = name, .written = written};
+}
+constexpr Argument indexed(const char* name, bool written)
+{
+    return {.role = Role::indexed, .name = name, .written = written};
+}
 
 // Position of an argument by its name; the number of arguments when there is none.
 template <std::size_t length>

@@ -36,11 +36,15 @@ inline auto hold_fortran(FortranType<Row, Int, i> argument)
 {
     if constexpr (Row::arguments[i].is_integer() && !std::is_same_v<Int, std::int64_t>)
         return Copy<std::int64_t>{*argument};
-    else return Address<std::remove_pointer_t<decltype(argument)>>{argument};
+    else
+        return Address<std::remove_pointer_t<decltype(argument)>>{argument};
 }
 
 // A value that is none of the enumerators becomes a letter that no option accepts.
-constexpr char letter(CBLAS_TRANSPOSE v) { return v == CblasNoTrans ? 'N' : v == CblasTrans ? 'T' : v == CblasConjTrans ? 'C' : '?'; }
+constexpr char letter(CBLAS_TRANSPOSE v)
+{
+    return v == CblasNoTrans ? 'N' : v == CblasTrans ? 'T' : v == CblasConjTrans ? 'C' : '?';
+}
 constexpr char letter(CBLAS_UPLO v) { return v == CblasUpper ? 'U' : v == CblasLower ? 'L' : '?'; }
 constexpr char letter(CBLAS_DIAG v) { return v == CblasUnit ? 'U' : v == CblasNonUnit ? 'N' : '?'; }
 constexpr char letter(CBLAS_SIDE v) { return v == CblasLeft ? 'L' : v == CblasRight ? 'R' : '?'; }
@@ -49,10 +53,14 @@ constexpr char opposite(Role role, char letter)
 {
     if (letter == '?') return letter;
     switch (role) {
-    case Role::transposition: return letter == 'N' ? 'T' : 'N';
-    case Role::triangle: return letter == 'U' ? 'L' : 'U';
-    case Role::side: return letter == 'L' ? 'R' : 'L';
-    default: return letter;
+    case Role::transposition:
+        return letter == 'N' ? 'T' : 'N';
+    case Role::triangle:
+        return letter == 'U' ? 'L' : 'U';
+    case Role::side:
+        return letter == 'L' ? 'R' : 'L';
+    default:
+        return letter;
     }
 }
 
@@ -80,8 +88,10 @@ inline auto hold_cblas(CblasType<Row, Int, i> argument)
 template <class Row, class Int, class... Arguments>
 inline typename Row::Result run(Arguments... a)
 {
-    if constexpr (Row::has(Role::indices) && !std::is_same_v<Int, std::int64_t>) return run_in_blocks<Row>(a...);
-    else return Row::run(a...);
+    if constexpr (Row::has(Role::indices) && !std::is_same_v<Int, std::int64_t>)
+        return run_in_blocks<Row>(a...);
+    else
+        return Row::run(a...);
 }
 
 template <class Row, class Int, class... Parameters>
@@ -94,17 +104,18 @@ inline FortranResult<Row, Int> fortran(Parameters... p)
         }
         return static_cast<FortranResult<Row, Int>>(run<Row, Int>(a...));
     };
-    return [&]<std::size_t... i>(std::index_sequence<i...>) {
-        return checked(hold_fortran<Row, Int, i>(p).get()...);
-    }(std::make_index_sequence<Row::count>());
+    return [&]<std::size_t... i>(std::index_sequence<i...>) { return checked(hold_fortran<Row, Int, i>(p).get()...); }
+    (std::make_index_sequence<Row::count>());
 }
 
 template <class Row, class Int, class... Parameters>
 inline typename Row::Result cblas_call(Parameters... p)
 {
-    return [&]<std::size_t... i>(std::index_sequence<i...>) {
+    return [&]<std::size_t... i>(std::index_sequence<i...>)
+    {
         return run<Row, Int>(hold_cblas<Row, Int, i>(p).get()...);
-    }(std::make_index_sequence<Row::count>());
+    }
+    (std::make_index_sequence<Row::count>());
 }
 
 template <class Row, class Int, class... Parameters>
@@ -144,12 +155,17 @@ inline void cblas_ordered(CBLAS_LAYOUT layout, Parameters... p)
         const std::size_t place = by_rows ? source<Row>(wrong - 1) : wrong - 1;
         report_cblas<Int>(cblas_name<Row>.data(), static_cast<int>(place) + 2); // the storage order is argument 1
     };
-    [&]<std::size_t... i>(std::index_sequence<i...>) {
+    [&]<std::size_t... i>(std::index_sequence<i...>)
+    {
         const std::tuple held(hold_cblas<Row, Int, i>(p)...);
-        if (layout == CblasColMajor) checked(false, std::get<i>(held).get()...);
-        else if (layout == CblasRowMajor) checked(true, std::get<source<Row>(i)>(held).by_rows()...);
-        else report_cblas<Int>(cblas_name<Row>.data(), 1);
-    }(std::make_index_sequence<Row::count>());
+        if (layout == CblasColMajor)
+            checked(false, std::get<i>(held).get()...);
+        else if (layout == CblasRowMajor)
+            checked(true, std::get<source<Row>(i)>(held).by_rows()...);
+        else
+            report_cblas<Int>(cblas_name<Row>.data(), 1);
+    }
+    (std::make_index_sequence<Row::count>());
 }
 
 } // namespace ork::blas

@@ -51,21 +51,27 @@ inline bool is_legal(const Call& call)
     if constexpr (a.is_option()) {
         constexpr std::uint32_t legal = letter_set(a.legal);
         return is_in(legal, *std::get<i>(call));
-    } else if constexpr (a.role == Role::size || a.role == Role::band) return *std::get<i>(call) >= 0;
-    else if constexpr (a.role == Role::increment) return *std::get<i>(call) != 0;
-    else if constexpr (a.role == Role::lead) return *std::get<i>(call) >= minimum<Row, i>(call);
-    else return true;
+    } else if constexpr (a.role == Role::size || a.role == Role::band)
+        return *std::get<i>(call) >= 0;
+    else if constexpr (a.role == Role::increment)
+        return *std::get<i>(call) != 0;
+    else if constexpr (a.role == Role::lead)
+        return *std::get<i>(call) >= minimum<Row, i>(call);
+    else
+        return true;
 }
 
 // Place of the first illegal argument, counted from 1; 0 when the call is legal. `call` is the canonical list.
 template <class Row, class Call>
 inline int first_illegal(const Call& call)
 {
-    return [&]<std::size_t... i>(std::index_sequence<i...>) {
+    return [&]<std::size_t... i>(std::index_sequence<i...>)
+    {
         int first = 0;
         (void)((is_legal<Row, i>(call) || (first = i + 1, false)) && ...);
         return first;
-    }(std::make_index_sequence<Row::count>());
+    }
+    (std::make_index_sequence<Row::count>());
 }
 
 } // namespace ork::blas

@@ -36,5 +36,4 @@
 #define ORK_ARGUMENTS(n) ORK_EACH(n, ORK_ARGUMENT, )
 
 // A further name of an exported function of this file.
-#define ORK_ALIAS(name, symbol)                                                                                      \
-    ORK_EXPORT decltype(symbol) name __attribute__((alias(ORK_STRING(symbol))));
+#define ORK_ALIAS(name, symbol) ORK_EXPORT decltype(symbol) name __attribute__((alias(ORK_STRING(symbol))));

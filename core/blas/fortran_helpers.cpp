@@ -10,7 +10,10 @@ ORK_EXPORT int64_t ork_blas_lsame(const char* a, const char* b) { return ork_ser
 // The result has the width of LOGICAL; the upper half of a register does no harm.
 ORK_EXPORT decltype(ork_blas_lsame) lsame_64_ __attribute__((alias("ork_blas_lsame")));
 
-ORK_EXPORT int32_t ork_blas_lp64_lsame(const char* a, const char* b) { return static_cast<int32_t>(ork_serv_lsame(a, b)); }
+ORK_EXPORT int32_t ork_blas_lp64_lsame(const char* a, const char* b)
+{
+    return static_cast<int32_t>(ork_serv_lsame(a, b));
+}
 ORK_EXPORT decltype(ork_blas_lp64_lsame) lsame_ __attribute__((alias("ork_blas_lp64_lsame")));
 
 // xerbla_ for C callers: the name with its length, which Fortran cannot take from them otherwise.

@@ -1,25 +1,16 @@
 // SPDX-License-Identifier: MIT
-// C is cut into a grid of blocks; each part is a call of the kernel on its block of C, its rows of op(A) and its columns
-// of op(B). The depth is never cut, and an element's additions run over the depth in an order that does not depend on
-// its neighbours, so a grid changes no bit.
+// C is cut into a grid of blocks; each part is a call of the kernel on its block of C, its rows of op(A) and its
+// columns of op(B). The depth is never cut, and an element's additions run over the depth in an order that does not
+// depend on its neighbours, so a grid changes no bit.
 #include "blas/gemm.h"
 
 #include <algorithm>
 
-#include "blas/kernels.h"
 #include "threads/pool.h"
 
 namespace ork::blas {
 
 namespace {
-
-template <class T>
-struct GemmKernel;
-template <>
-struct GemmKernel<double> { static constexpr auto& call = kernels::xdgemm; };
-
-// Multiplications that make up for waking a thread.
-constexpr double work_per_thread = 64.0 * 64 * 64;
 
 // Blocks start at multiples of this, which holds a whole number of micro-tiles of every kernel in both directions.
 constexpr std::int64_t grain = 8;
@@ -36,7 +27,7 @@ GemmGrid gemm_grid(std::int64_t m, std::int64_t n, std::int64_t k, int threads)
 {
     GemmGrid best{1, 1, m, n};
     const double area = static_cast<double>(m) * static_cast<double>(n);
-    const double affordable = area * static_cast<double>(k) / work_per_thread;
+    const double affordable = area * static_cast<double>(k) / gemm_work_per_thread;
     if (affordable < threads) threads = static_cast<int>(affordable);
 
     // A part costs its products, and its share of A and B is packed: an element packed costs about as much as
@@ -56,20 +47,13 @@ GemmGrid gemm_grid(std::int64_t m, std::int64_t n, std::int64_t k, int threads)
 }
 
 template <class T>
-void gemm(const char* transa, const char* transb, const std::int64_t* m, const std::int64_t* n, const std::int64_t* k,
-          const T* alpha, const T* a, const std::int64_t* lda, const T* b, const std::int64_t* ldb, const T* beta, T* c,
-          const std::int64_t* ldc)
+void gemm_threaded(const char* transa, const char* transb, const std::int64_t* m, const std::int64_t* n,
+                   const std::int64_t* k, const T* alpha, const T* a, const std::int64_t* lda, const T* b,
+                   const std::int64_t* ldb, const T* beta, T* c, const std::int64_t* ldc)
 {
-    if (*m == 0 || *n == 0 || ((*alpha == T() || *k == 0) && *beta == T(1))) return;
-    const auto serial = [&] { GemmKernel<T>::call(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc); };
-
-    const double work = static_cast<double>(*m) * static_cast<double>(*n) * static_cast<double>(*k);
-    if (work < 2 * work_per_thread || *alpha == T()) return serial();
-    const int threads = threads::limit();
-    if (threads < 2) return serial();
-    const GemmGrid grid = gemm_grid(*m, *n, *k, threads);
+    const GemmGrid grid = *alpha == T() ? GemmGrid{1, 1, *m, *n} : gemm_grid(*m, *n, *k, threads::limit());
     const int parts = grid.row_parts * grid.column_parts;
-    if (parts < 2) return serial();
+    if (parts == 1) return GemmKernel<T>::call(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
 
     const bool a_by_rows = (*transa & ~0x20) != 'N', b_by_rows = (*transb & ~0x20) != 'N';
     threads::run(parts, [&](int part) {
@@ -80,8 +64,8 @@ void gemm(const char* transa, const char* transb, const std::int64_t* m, const s
     });
 }
 
-template void gemm(const char*, const char*, const std::int64_t*, const std::int64_t*, const std::int64_t*,
-                   const double*, const double*, const std::int64_t*, const double*, const std::int64_t*,
-                   const double*, double*, const std::int64_t*);
+template void gemm_threaded(const char*, const char*, const std::int64_t*, const std::int64_t*, const std::int64_t*,
+                            const double*, const double*, const std::int64_t*, const double*, const std::int64_t*,
+                            const double*, double*, const std::int64_t*);
 
 } // namespace ork::blas

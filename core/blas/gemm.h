@@ -4,12 +4,17 @@
 
 #include <cstdint>
 
+#include "blas/kernels.h"
+
 namespace ork::blas {
 
+// The kernel of one thread.
 template <class T>
-void gemm(const char* transa, const char* transb, const std::int64_t* m, const std::int64_t* n, const std::int64_t* k,
-          const T* alpha, const T* a, const std::int64_t* lda, const T* b, const std::int64_t* ldb, const T* beta, T* c,
-          const std::int64_t* ldc);
+struct GemmKernel;
+template <>
+struct GemmKernel<double> {
+    static constexpr auto& call = kernels::xdgemm;
+};
 
 // How C is divided: row_parts x column_parts pieces of `rows` x `columns` elements, the last of each line smaller.
 struct GemmGrid {
@@ -19,5 +24,26 @@ struct GemmGrid {
 
 // The division of an m x n problem of depth k for at most `threads` threads; one part where threads would not pay.
 GemmGrid gemm_grid(std::int64_t m, std::int64_t n, std::int64_t k, int threads);
+
+// Multiplications that make up for waking a thread.
+inline constexpr double gemm_work_per_thread = 64.0 * 64 * 64;
+
+template <class T>
+void gemm_threaded(const char* transa, const char* transb, const std::int64_t* m, const std::int64_t* n,
+                   const std::int64_t* k, const T* alpha, const T* a, const std::int64_t* lda, const T* b,
+                   const std::int64_t* ldb, const T* beta, T* c, const std::int64_t* ldc);
+
+// In line, so that a small multiply goes straight from the checks to the kernel.
+template <class T>
+inline void gemm(const char* transa, const char* transb, const std::int64_t* m, const std::int64_t* n,
+                 const std::int64_t* k, const T* alpha, const T* a, const std::int64_t* lda, const T* b,
+                 const std::int64_t* ldb, const T* beta, T* c, const std::int64_t* ldc)
+{
+    if (*m == 0 || *n == 0 || ((*alpha == T() || *k == 0) && *beta == T(1))) return;
+    const double work = static_cast<double>(*m) * static_cast<double>(*n) * static_cast<double>(*k);
+    if (work < 2 * gemm_work_per_thread) [[likely]]
+        return GemmKernel<T>::call(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
+    gemm_threaded(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
+}
 
 } // namespace ork::blas

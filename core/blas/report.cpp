@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The symbols through which illegal arguments are reported. Each is called through the symbol table, so that a definition
-// in the executable takes its place; the library's own all end in one report through xerbla_.
+// The symbols through which illegal arguments are reported. Each is called through the symbol table, so that a
+// definition in the executable takes its place; the library's own all end in one report through xerbla_.
 #include "blas/report.h"
 
 #include <cstdarg>

@@ -23,9 +23,9 @@ inline constexpr auto fortran_name = [] {
     constexpr std::string_view name = Row::name;
     std::array<char, (name.size() < 6 ? 6 : name.size()) + 1> padded{};
     for (std::size_t i = 0; i + 1 < padded.size(); ++i)
-        padded[i] = i >= name.size()                       ? ' '
+        padded[i] = i >= name.size()                   ? ' '
                     : name[i] >= 'a' && name[i] <= 'z' ? static_cast<char>(name[i] - 'a' + 'A')
-                                                           : name[i];
+                                                       : name[i];
     return padded;
 }();
 

@@ -17,9 +17,13 @@ template <class T>
 using Complex = std::complex<T>;
 
 template <class T>
-struct RealOf { using type = T; };
+struct RealOf {
+    using type = T;
+};
 template <class T>
-struct RealOf<Complex<T>> { using type = T; };
+struct RealOf<Complex<T>> {
+    using type = T;
+};
 template <class T>
 inline constexpr bool is_complex = !std::is_same_v<typename RealOf<T>::type, T>;
 
@@ -30,7 +34,10 @@ struct Routine {
     static constexpr std::size_t count = std::size(shape);
 
     template <class... Arguments>
-    static decltype(auto) run(Arguments... a) { return body(a...); }
+    static decltype(auto) run(Arguments... a)
+    {
+        return body(a...);
+    }
 
     static constexpr bool is_checked()
     {
@@ -53,10 +60,12 @@ struct Routine {
     template <std::size_t i>
     static constexpr auto canonical_type()
     {
-        if constexpr (shape[i].is_option()) return std::type_identity<const char*>();
+        if constexpr (shape[i].is_option())
+            return std::type_identity<const char*>();
         else if constexpr (shape[i].is_integer() || shape[i].role == Role::indices)
             return std::type_identity<const std::int64_t*>();
-        else return std::type_identity<Pointer<i>>();
+        else
+            return std::type_identity<Pointer<i>>();
     }
     template <std::size_t i>
     using Canonical = typename decltype(canonical_type<i>())::type;
@@ -72,8 +81,10 @@ template <class Row, class Int, std::size_t i>
 constexpr auto fortran_type()
 {
     constexpr Argument a = Row::arguments[i];
-    if constexpr (a.is_integer() || a.role == Role::indices) return std::type_identity<const Int*>();
-    else return std::type_identity<typename Row::template Canonical<i>>();
+    if constexpr (a.is_integer() || a.role == Role::indices)
+        return std::type_identity<const Int*>();
+    else
+        return std::type_identity<typename Row::template Canonical<i>>();
 }
 template <class Row, class Int, std::size_t i>
 using FortranType = typename decltype(fortran_type<Row, Int, i>())::type;
@@ -87,21 +98,31 @@ constexpr auto cblas_type()
 {
     constexpr Argument a = Row::arguments[i];
     using Value = typename Row::template Value<i>;
-    if constexpr (a.role == Role::transposition) return std::type_identity<CBLAS_TRANSPOSE>();
-    else if constexpr (a.role == Role::triangle) return std::type_identity<CBLAS_UPLO>();
-    else if constexpr (a.role == Role::diagonal) return std::type_identity<CBLAS_DIAG>();
-    else if constexpr (a.role == Role::side) return std::type_identity<CBLAS_SIDE>();
-    else if constexpr (a.is_integer()) return std::type_identity<Int>();
-    else if constexpr (a.role == Role::indices) return std::type_identity<const Int*>();
-    else if constexpr (is_complex<Value>) return std::type_identity<std::conditional_t<a.written, void*, const void*>>();
-    else if constexpr (a.role == Role::scalar) return std::type_identity<Value>();
-    else return std::type_identity<typename Row::template Pointer<i>>();
+    if constexpr (a.role == Role::transposition)
+        return std::type_identity<CBLAS_TRANSPOSE>();
+    else if constexpr (a.role == Role::triangle)
+        return std::type_identity<CBLAS_UPLO>();
+    else if constexpr (a.role == Role::diagonal)
+        return std::type_identity<CBLAS_DIAG>();
+    else if constexpr (a.role == Role::side)
+        return std::type_identity<CBLAS_SIDE>();
+    else if constexpr (a.is_integer())
+        return std::type_identity<Int>();
+    else if constexpr (a.role == Role::indices)
+        return std::type_identity<const Int*>();
+    else if constexpr (is_complex<Value>)
+        return std::type_identity<std::conditional_t<a.written, void*, const void*>>();
+    else if constexpr (a.role == Role::scalar)
+        return std::type_identity<Value>();
+    else
+        return std::type_identity<typename Row::template Pointer<i>>();
 }
 template <class Row, class Int, std::size_t i>
 using CblasType = typename decltype(cblas_type<Row, Int, i>())::type;
 
 template <class Row>
-using CblasResult = std::conditional_t<std::is_same_v<typename Row::Result, std::int64_t>, CBLAS_INDEX,
-                                       std::conditional_t<is_complex<typename Row::Result>, void, typename Row::Result>>;
+using CblasResult =
+    std::conditional_t<std::is_same_v<typename Row::Result, std::int64_t>, CBLAS_INDEX,
+                       std::conditional_t<is_complex<typename Row::Result>, void, typename Row::Result>>;
 
 } // namespace ork::blas

@@ -11,9 +11,9 @@
 
 namespace ork::blas::rows {
 
-#define ROUTINE(count, routine, T, shape, ...)                                                                        \
-    struct routine : Routine<T, shapes::shape, __VA_ARGS__> {                                                         \
-        static constexpr char name[] = #routine;                                                                      \
+#define ROUTINE(count, routine, T, shape, ...)                                                                         \
+    struct routine : Routine<T, shapes::shape, __VA_ARGS__> {                                                          \
+        static constexpr char name[] = #routine;                                                                       \
     };
 #define FUNCTION ROUTINE
 #define COMPLEX_FUNCTION ROUTINE

@@ -5,6 +5,7 @@
 
 #include "blas/argument.h"
 
+// clang-format off
 namespace ork::blas::shapes {
 
 // Level 1
@@ -51,3 +52,4 @@ inline constexpr Argument gemm[] = {
 };
 
 } // namespace ork::blas::shapes
+// clang-format on

@@ -40,9 +40,11 @@ inline typename Row::Result run_in_blocks(Arguments... arguments)
 {
     const std::tuple call(arguments...);
     const auto run_block = [&](std::int64_t first, std::int64_t length, std::int64_t* wide) {
-        return [&]<std::size_t... i>(std::index_sequence<i...>) {
+        return [&]<std::size_t... i>(std::index_sequence<i...>)
+        {
             return Row::run(block_argument<Row, i>(call, first, length, wide)...);
-        }(std::make_index_sequence<Row::count>());
+        }
+        (std::make_index_sequence<Row::count>());
     };
 
     const std::int64_t count = std::max<std::int64_t>(0, *std::get<position(Row::arguments, "nz")>(call));
