@@ -16,22 +16,24 @@ constexpr Int deepest_block = 256;
 
 // ---- tiles ----------------------------------------------------------------------------------------------------------
 
-// The lanes [first, last) of a panel's last vector that are rows of C still to be written.
-struct Lanes {
+// The last vector of a panel that does not end where its vectors do: it starts `offset` rows into the panel, so that it
+// repeats rows of the vector before, and only its lanes [first, last) are written.
+struct Tail {
+    Int offset;
     int first, last;
 };
 
 // `vectors` vectors of rows by `columns` columns; a_stride from one step of depth to the next.
-template <bool overwrite, int vectors, int columns, class T>
-inline void direct_tile(Int depth, const T* a, Int a_stride, const T* b, Int b_depth, Int b_column, T* c, Int ldc,
-                        Lanes written)
+template <bool overwrite, int vectors, bool full, int columns, class T>
+inline void direct_tile(Int depth, const T* a, Int a_stride, const T* b, Int b_depth, Int b_column, T* c, Int ldc, Tail tail)
 {
     constexpr int lanes = Vec<T>::lanes;
+    const auto offset = [&](int v) { return full || v < vectors - 1 ? v * lanes : tail.offset; };
     Vec<T> sum[columns][vectors] = {};
     for (Int l = 0; l < depth; ++l, a += a_stride, b += b_depth) {
         Vec<T> rows[vectors];
 #pragma GCC unroll 2
-        for (int v = 0; v < vectors; ++v) rows[v] = load(a + v * lanes);
+        for (int v = 0; v < vectors; ++v) rows[v] = load(a + offset(v));
 #pragma GCC unroll 4
         for (int j = 0; j < columns; ++j) {
             const Vec<T> element = broadcast(b[j * b_column]);
@@ -39,37 +41,38 @@ inline void direct_tile(Int depth, const T* a, Int a_stride, const T* b, Int b_d
             for (int v = 0; v < vectors; ++v) sum[j][v] = sum[j][v] + rows[v] * element;
         }
     }
-    if (vectors > 1 || written.last - written.first == lanes) {
 #pragma GCC unroll 4
-        for (int j = 0; j < columns; ++j)
+    for (int j = 0; j < columns; ++j, c += ldc) {
 #pragma GCC unroll 2
-            for (int v = 0; v < vectors; ++v) {
-                T* x = c + j * ldc + v * lanes;
-                store(x, overwrite ? sum[j][v] : load(x) + sum[j][v]);
-            }
-    } else {
-        for (int j = 0; j < columns; ++j)
-            for (int r = written.first; r < written.last; ++r) {
-                T* x = c + j * ldc + r;
-                *x = overwrite ? lane(sum[j][0], r) : *x + lane(sum[j][0], r);
+        for (int v = 0; v < (full ? vectors : vectors - 1); ++v) {
+            T* x = c + v * lanes;
+            store(x, overwrite ? sum[j][v] : load(x) + sum[j][v]);
+        }
+        if constexpr (!full)
+            for (int r = tail.first; r < tail.last; ++r) {
+                const T value = lane(sum[j][vectors - 1], r);
+                T* x = c + tail.offset + r;
+                *x = overwrite ? value : *x + value;
             }
     }
 }
 
 // One panel of rows against all columns.
-template <bool overwrite, int vectors, class T>
-inline void direct_panel(const Product<T>& p, Int row, const T* a, Int a_stride, Lanes written)
+template <bool overwrite, int vectors, bool full, class T>
+inline void direct_panel(const Product<T>& p, Int row, const T* a, Int a_stride, Tail tail)
 {
     const Int b_depth = p.b.depth_stride, b_column = p.b.outer_stride;
     const T* b = p.b.data;
     T* c = p.c + row;
     Int j = 0;
-    for (; j + 4 <= p.n; j += 4, b += 4 * b_column, c += 4 * p.ldc)
-        direct_tile<overwrite, vectors, 4>(p.k, a, a_stride, b, b_depth, b_column, c, p.ldc, written);
+    const auto tile = [&]<int columns>() {
+        direct_tile<overwrite, vectors, full, columns>(p.k, a, a_stride, b, b_depth, b_column, c, p.ldc, tail);
+    };
+    for (; j + 4 <= p.n; j += 4, b += 4 * b_column, c += 4 * p.ldc) tile.template operator()<4>();
     switch (p.n - j) {
-    case 3: direct_tile<overwrite, vectors, 3>(p.k, a, a_stride, b, b_depth, b_column, c, p.ldc, written); break;
-    case 2: direct_tile<overwrite, vectors, 2>(p.k, a, a_stride, b, b_depth, b_column, c, p.ldc, written); break;
-    case 1: direct_tile<overwrite, vectors, 1>(p.k, a, a_stride, b, b_depth, b_column, c, p.ldc, written); break;
+    case 3: tile.template operator()<3>(); break;
+    case 2: tile.template operator()<2>(); break;
+    case 1: tile.template operator()<1>(); break;
     default: break;
     }
 }
@@ -98,25 +101,33 @@ template <bool overwrite, class T>
 void multiply_tiles(const Product<T>& p)
 {
     constexpr int lanes = Vec<T>::lanes;
-    const bool in_place = p.a.outer_stride == 1 && p.alpha == T(1) && p.m >= lanes;
-    alignas(16) T copy[2 * lanes * deepest_block];
-    const auto panel = [&]<int vectors>(Int row, Lanes written) {
-        if (in_place) {
-            direct_panel<overwrite, vectors>(p, row, p.a.at(row, 0), p.a.depth_stride, written);
-        } else {
-            copy_panel<vectors * lanes>(p, row, copy);
-            direct_panel<overwrite, vectors>(p, row, copy, vectors * lanes, written);
-        }
-    };
-    const Lanes all{0, lanes};
+    const Tail none{};
     Int i = 0;
-    for (; i + 2 * lanes <= p.m; i += 2 * lanes) panel.template operator()<2>(i, all);
-    if (i + lanes <= p.m) panel.template operator()<1>(i, all), i += lanes;
-    if (i == p.m) return;
-    if (p.m >= lanes) // the last vector of rows again, of which only the missing ones are written
-        panel.template operator()<1>(p.m - lanes, {static_cast<int>(i - (p.m - lanes)), lanes});
-    else
-        panel.template operator()<1>(0, {0, static_cast<int>(p.m)});
+    if (p.a.outer_stride == 1 && p.alpha == T(1) && p.m >= lanes) {
+        const T* a = p.a.data;
+        const Int stride = p.a.depth_stride;
+        for (; i + 2 * lanes <= p.m; i += 2 * lanes) direct_panel<overwrite, 2, true>(p, i, a + i, stride, none);
+        const int rest = static_cast<int>(p.m - i);
+        if (rest > lanes)
+            direct_panel<overwrite, 2, false>(p, i, a + i, stride, {rest - lanes, 2 * lanes - rest, lanes});
+        else if (rest == lanes)
+            direct_panel<overwrite, 1, true>(p, i, a + i, stride, none);
+        else if (rest > 0)
+            direct_panel<overwrite, 1, false>(p, p.m - lanes, a + p.m - lanes, stride, {0, lanes - rest, lanes});
+        return;
+    }
+    alignas(16) T copy[2 * lanes * deepest_block];
+    for (; i + 2 * lanes <= p.m; i += 2 * lanes) {
+        copy_panel<2 * lanes>(p, i, copy);
+        direct_panel<overwrite, 2, true>(p, i, copy, 2 * lanes, none);
+    }
+    for (; i < p.m; i += lanes) {
+        copy_panel<lanes>(p, i, copy);
+        if (i + lanes <= p.m)
+            direct_panel<overwrite, 1, true>(p, i, copy, lanes, none);
+        else
+            direct_panel<overwrite, 1, false>(p, i, copy, lanes, {0, 0, static_cast<int>(p.m - i)});
+    }
 }
 
 // ---- thin -----------------------------------------------------------------------------------------------------------
@@ -160,8 +171,9 @@ inline void thin_step(Int rows, const T* wide, Int depth_stride, T scale, const 
 template <bool overwrite, class T>
 void multiply_thin(const Thin<T>& p)
 {
-    constexpr Int chunk = 1024 / sizeof(T), most = 8;
-    alignas(16) T sums[most * chunk];
+    constexpr Int most = 8, waiting = 8192 / sizeof(T); // sums that wait: a quarter of the first level of cache, or less
+    const Int chunk = waiting / p.count / 16 * 16;
+    alignas(16) T sums[waiting];
     alignas(16) T narrow[most * deepest_block];
     for (Int j = 0; j < p.count; ++j)
         for (Int l = 0; l < p.depth; ++l) narrow[j * deepest_block + l] = p.narrow_scale * *p.narrow.at(j, l);
@@ -202,17 +214,18 @@ void multiply_thin(const Thin<T>& p)
 // ---- vector ---------------------------------------------------------------------------------------------------------
 
 // Thin with one column, `wide` contiguous in the depth: `groups` vectors of rows at a time, whose squares of elements are
-// transposed in registers, so that a lane sums one row in order.
-template <bool overwrite, bool scaled, int groups, class T>
-inline void vector_rows(const Thin<T>& p, Int row, const T* narrow)
+// transposed in registers, so that a lane sums one row in order. wide: the first row of the group at the first step.
+template <bool scaled, int groups, class T>
+inline void vector_sums(Int depth, const T* wide, Int stride, T scale, const T* narrow, T* sums)
 {
-    constexpr int lanes = Vec<T>::lanes;
-    const Vec<T> factor = broadcast(p.wide_scale);
-    const T* wide = p.wide.at(row, 0);
-    const Int stride = p.wide.outer_stride;
+    constexpr int lanes = Vec<T>::lanes, ahead = 512 / sizeof(T), line = 64 / sizeof(T);
+    const Vec<T> factor = broadcast(scale);
     Vec<T> sum[groups] = {};
     Int l = 0;
-    for (; l + lanes <= p.depth; l += lanes) {
+    for (; l + lanes <= depth; l += lanes) {
+        if (groups > 2 && l % line == 0)
+            for (int r = 0; r < groups * lanes; ++r)
+                _mm_prefetch(reinterpret_cast<const char*>(wide + r * stride + l + ahead), _MM_HINT_T0);
 #pragma GCC unroll 8
         for (int g = 0; g < groups; ++g) {
             Vec<T> square[lanes];
@@ -226,38 +239,50 @@ inline void vector_rows(const Thin<T>& p, Int row, const T* narrow)
             }
         }
     }
-    alignas(16) T sums[groups * lanes];
 #pragma GCC unroll 8
     for (int g = 0; g < groups; ++g) store_aligned(sums + g * lanes, sum[g]);
-    for (int r = 0; r < groups * lanes; ++r) {
-        for (Int rest = l; rest < p.depth; ++rest) {
-            const T x = wide[r * stride + rest];
-            sums[r] += (scaled ? p.wide_scale * x : x) * narrow[rest];
+    for (; l < depth; ++l)
+        for (int r = 0; r < groups * lanes; ++r) {
+            const T x = wide[r * stride + l];
+            sums[r] += (scaled ? scale * x : x) * narrow[l];
         }
-        T* out = p.out + (row + r) * p.row_stride;
-        *out = overwrite ? sums[r] : *out + sums[r];
-    }
 }
 
-template <bool overwrite, class T>
-void multiply_vector(const Thin<T>& p)
+// The whole depth, blocks of kb for one group of rows after another, so that `wide` is read along its columns.
+template <class T>
+void multiply_vector(const Thin<T>& p, Int kb, bool overwrite)
 {
     constexpr int lanes = Vec<T>::lanes, groups = 16 / lanes;
-    alignas(16) T narrow[deepest_block];
-    for (Int l = 0; l < p.depth; ++l) narrow[l] = p.narrow_scale * *p.narrow.at(0, l);
-    with_flag(p.wide_scale != T(1), [&]<bool scaled>() {
-        Int row = 0;
-        for (; row + groups * lanes <= p.rows; row += groups * lanes)
-            vector_rows<overwrite, scaled, groups>(p, row, narrow);
-        for (; row + 2 * lanes <= p.rows; row += 2 * lanes) vector_rows<overwrite, scaled, 2>(p, row, narrow);
-        for (; row < p.rows; ++row) {
-            T sum{};
-            const T* wide = p.wide.at(row, 0);
-            for (Int l = 0; l < p.depth; ++l) sum += (p.wide_scale * wide[l * p.wide.depth_stride]) * narrow[l];
-            T* out = p.out + row * p.row_stride;
-            *out = overwrite ? sum : *out + sum;
-        }
-    });
+    constexpr Int most = 8192 / sizeof(T);
+    alignas(16) T narrow[most], sums[groups * lanes];
+    const Int stride = p.wide.outer_stride, chunk = most / kb * kb;
+    for (Int start = 0; start < p.depth; start += chunk) {
+        const Int end = p.depth - start < chunk ? p.depth : start + chunk;
+        for (Int l = start; l < end; ++l) narrow[l - start] = p.narrow_scale * *p.narrow.at(0, l);
+        const auto rows = [&]<int vectors, bool scaled>(Int row) {
+            for (Int l = start; l < end; l += kb) {
+                const Int depth = end - l < kb ? end - l : kb;
+                vector_sums<scaled, vectors>(depth, p.wide.at(row, l), stride, p.wide_scale, narrow + (l - start), sums);
+                for (int r = 0; r < vectors * lanes; ++r) {
+                    T* out = p.out + (row + r) * p.row_stride;
+                    *out = overwrite && l == 0 ? sums[r] : *out + sums[r];
+                }
+            }
+        };
+        with_flag(p.wide_scale != T(1), [&]<bool scaled>() {
+            Int row = 0;
+            for (; row + groups * lanes <= p.rows; row += groups * lanes) rows.template operator()<groups, scaled>(row);
+            for (; row + lanes <= p.rows; row += lanes) rows.template operator()<1, scaled>(row);
+            for (; row < p.rows; ++row)
+                for (Int l = start; l < end; l += kb) {
+                    const T* wide = p.wide.at(row, 0);
+                    T sum{};
+                    for (Int i = l; i < end && i < l + kb; ++i) sum += (p.wide_scale * wide[i]) * narrow[i - start];
+                    T* out = p.out + row * p.row_stride;
+                    *out = overwrite && l == 0 ? sum : *out + sum;
+                }
+        });
+    }
 }
 
 // ---- choice ---------------------------------------------------------------------------------------------------------
@@ -274,26 +299,34 @@ Thin<T> wide_b(const Product<T>& p)
     return {p.b, p.a, p.n, p.m, p.k, T(1), p.alpha, p.c, p.ldc, 1};
 }
 
+template <bool overwrite, class T>
+void multiply_block(const Product<T>& p)
+{
+    constexpr Int long_side = 32; // rows from which streaming beats tiles
+    if (p.m > 1 && p.n > 1 && p.m < long_side && p.n < long_side)
+        multiply_tiles<overwrite>(p);
+    else if (p.n < 8 && p.a.outer_stride == 1)
+        multiply_thin<overwrite>(wide_a(p));
+    else if (p.m < 8 && p.b.outer_stride == 1)
+        multiply_thin<overwrite>(wide_b(p));
+    else
+        multiply_tiles<overwrite>(p);
+}
+
 // kb: the depth of a block, at most deepest_block.
 template <class T>
 void multiply_direct(const Product<T>& p, Int kb)
 {
-    constexpr Int long_side = 32; // rows from which streaming beats tiles
     const Int step = kb < deepest_block ? kb : deepest_block;
+    if (p.n == 1 && p.a.outer_stride != 1) return multiply_vector(wide_a(p), step, p.overwrite);
+    if (p.m == 1 && p.b.outer_stride != 1) return multiply_vector(wide_b(p), step, p.overwrite);
+    if (p.k <= step) {
+        with_flag(p.overwrite, [&]<bool overwrite>() { multiply_block<overwrite>(p); });
+        return;
+    }
     for (Int first = 0; first < p.k; first += step) {
         const Product<T> part = p.block(first, p.k - first < step ? p.k - first : step);
-        with_flag(part.overwrite, [&]<bool overwrite>() {
-            if (p.n == 1 && p.a.outer_stride != 1)
-                multiply_vector<overwrite>(wide_a(part));
-            else if (p.m == 1 && p.b.outer_stride != 1)
-                multiply_vector<overwrite>(wide_b(part));
-            else if (p.n < 8 && p.a.outer_stride == 1 && p.m >= long_side)
-                multiply_thin<overwrite>(wide_a(part));
-            else if (p.m < 8 && p.b.outer_stride == 1 && (p.n >= long_side || p.m == 1))
-                multiply_thin<overwrite>(wide_b(part));
-            else
-                multiply_tiles<overwrite>(part);
-        });
+        with_flag(part.overwrite, [&]<bool overwrite>() { multiply_block<overwrite>(part); });
     }
 }
 

@@ -31,7 +31,8 @@ void drive(char transa, char transb, Int m, Int n, Int k, T alpha, const T* a, I
     const bool nothing_to_add = alpha == T(0) || k <= 0;
     if (!beta_is_one && (!beta_is_zero || nothing_to_add)) scale(m, n, beta, c, ldc);
     if (nothing_to_add) return;
-    if (m < U::m || n < U::n || k < U::k) return multiply_direct(product, block_depth(k, U::k));
+    if (m < U::m || n < U::n || k < U::k || !packing_pays(product)) // nothing is packed: no descriptor is needed
+        return multiply_direct(product, block_depth(k, U::k));
 
     Desc desc{};
     const std::uint32_t row = Routines<T>::best_row();
