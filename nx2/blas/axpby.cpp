@@ -13,7 +13,7 @@ struct Axpby {
     template <int width>
     [[gnu::always_inline]] void at(const T* x, T* y) const
     {
-        store<width>(y, alpha * load<width>(x) + beta * load<width>(y));
+        store<width>(y, sum(alpha * load<width>(x), beta * load<width>(y)));
     }
 };
 

@@ -13,7 +13,7 @@ struct Axpy {
     template <int width>
     [[gnu::always_inline]] void at(const T* x, T* y) const
     {
-        store<width>(y, load<width>(y) + alpha * load<width>(x));
+        store<width>(y, sum(alpha * load<width>(x), load<width>(y)));
     }
 };
 

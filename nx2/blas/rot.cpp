@@ -19,7 +19,7 @@ struct Rot {
     {
         const auto a = load<width>(x), b = load<width>(y);
         store<width>(y, c * b - conj_s * a);
-        store<width>(x, c * a + s * b);
+        store<width>(x, sum(c * a, s * b));
     }
 };
 

@@ -16,8 +16,8 @@ struct Rotm {
     [[gnu::always_inline]] void at(T* x, T* y) const
     {
         const auto a = load<width>(x), b = load<width>(y);
-        store<width>(x, h11 * a + h12 * b);
-        store<width>(y, h21 * a + h22 * b);
+        store<width>(x, sum(h11 * a, h12 * b));
+        store<width>(y, sum(h21 * a, h22 * b));
     }
 };
 

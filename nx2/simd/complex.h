@@ -45,8 +45,8 @@ struct Vec<Complex<R>> {
     static constexpr int lanes = Vec<R>::lanes / 2;
     Vec<R> v;
 
-    friend Vec operator+(Vec a, Vec b) { return {a.v + b.v}; }
     friend Vec operator-(Vec a, Vec b) { return {a.v - b.v}; }
+    friend Vec sum(Vec a, Vec b) { return {sum(a.v, b.v)}; }
 };
 
 template <int width, class R>
@@ -64,7 +64,7 @@ inline void store(Complex<R>* p, Vec<Complex<R>> a)
 inline Vec<double> exchanged(Vec<double> a) { return {_mm_shuffle_pd(a.v, a.v, 1)}; }
 inline Vec<float> exchanged(Vec<float> a) { return {_mm_shuffle_ps(a.v, a.v, _MM_SHUFFLE(2, 3, 0, 1))}; }
 
-// A scalar S spread over registers so that it can multiply a register of T: factor * x.
+// A scalar S spread over registers so that it can multiply a register of T: factor * x. Of two NaNs, x's goes on.
 template <class T, class S = T>
 struct Factor { // real scalar: every real lane by the same number
     Vec<Real<T>> v;
@@ -72,16 +72,19 @@ struct Factor { // real scalar: every real lane by the same number
     friend Vec<T> operator*(Factor a, Vec<T> x)
     {
         if constexpr (is_complex<T>)
-            return {a.v * x.v};
+            return {product(x.v, a.v)};
         else
-            return a.v * x;
+            return product(x, a.v);
     }
 };
 template <class R>
 struct Factor<Complex<R>, Complex<R>> {
     Vec<R> re, im; // (re, re, ...), (-im, im, ...)
     explicit Factor(Complex<R> a) : re(broadcast(a.re)), im(alternate(-a.im, a.im)) {}
-    friend Vec<Complex<R>> operator*(Factor a, Vec<Complex<R>> x) { return {a.re * x.v + a.im * exchanged(x.v)}; }
+    friend Vec<Complex<R>> operator*(Factor a, Vec<Complex<R>> x)
+    {
+        return {sum(product(x.v, a.re), product(exchanged(x.v), a.im))};
+    }
 
 private:
     static Vec<double> alternate(double even, double odd) { return {_mm_set_pd(odd, even)}; }

@@ -85,6 +85,29 @@ inline Vec<float> operator-(Vec<float> a, Vec<float> b) { return {_mm_sub_ps(a.v
 inline Vec<double> operator*(Vec<double> a, Vec<double> b) { return {_mm_mul_pd(a.v, b.v)}; }
 inline Vec<float> operator*(Vec<float> a, Vec<float> b) { return {_mm_mul_ps(a.v, b.v)}; }
 
+// Of two NaNs the processor returns the first operand's, and the compiler may exchange the operands of + and *, here so
+// and there so. Where the payload must not depend on which copy of a loop ran, these two keep a first.
+inline Vec<double> sum(Vec<double> a, Vec<double> b)
+{
+    asm("addpd %1, %0" : "+x"(a.v) : "x"(b.v));
+    return a;
+}
+inline Vec<float> sum(Vec<float> a, Vec<float> b)
+{
+    asm("addps %1, %0" : "+x"(a.v) : "x"(b.v));
+    return a;
+}
+inline Vec<double> product(Vec<double> a, Vec<double> b)
+{
+    asm("mulpd %1, %0" : "+x"(a.v) : "x"(b.v));
+    return a;
+}
+inline Vec<float> product(Vec<float> a, Vec<float> b)
+{
+    asm("mulps %1, %0" : "+x"(a.v) : "x"(b.v));
+    return a;
+}
+
 inline Vec<double> abs(Vec<double> a) { return {_mm_andnot_pd(_mm_set1_pd(-0.0), a.v)}; }
 inline Vec<float> abs(Vec<float> a) { return {_mm_andnot_ps(_mm_set1_ps(-0.0f), a.v)}; }
 
