@@ -1,1 +1,27 @@
-# install rules
+# Install rules. The result can be moved as a whole: libraries find each other by $ORIGIN, the CMake package and ork.pc
+# find the prefix from where they stand.
+include(CMakePackageConfigHelpers)
+
+# The kernel library stands beside the core, which looks for it there and nowhere else.
+set_target_properties(ork_core PROPERTIES EXPORT_NAME core INSTALL_RPATH "$ORIGIN")
+install(TARGETS ork_core EXPORT orkTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS ork_nx2 LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(DIRECTORY include/ork DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+
+# The drop-ins carry the names of the system's BLAS, so they keep to a folder that no program searches unasked.
+set(ORK_DROP_IN_DIR ${CMAKE_INSTALL_LIBDIR}/ork)
+foreach(name blas blas64)
+  set_target_properties(ork_${name} PROPERTIES EXPORT_NAME ${name} INSTALL_RPATH "$ORIGIN/..")
+  install(TARGETS ork_${name} EXPORT orkTargets LIBRARY DESTINATION ${ORK_DROP_IN_DIR})
+endforeach()
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ork)
+install(EXPORT orkTargets NAMESPACE ork:: DESTINATION ${package_dir})
+configure_package_config_file(cmake/orkConfig.cmake.in ${CMAKE_BINARY_DIR}/orkConfig.cmake INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(${CMAKE_BINARY_DIR}/orkConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${CMAKE_BINARY_DIR}/orkConfig.cmake ${CMAKE_BINARY_DIR}/orkConfigVersion.cmake DESTINATION ${package_dir})
+
+file(RELATIVE_PATH ORK_PC_TO_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+string(REGEX REPLACE "/$" "" ORK_PC_TO_PREFIX "${ORK_PC_TO_PREFIX}")
+configure_file(cmake/ork.pc.in ${CMAKE_BINARY_DIR}/ork.pc @ONLY)
+install(FILES ${CMAKE_BINARY_DIR}/ork.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
