@@ -76,11 +76,12 @@ public:
     ~Locked() { pthread_mutex_unlock(&pool.mutex); }
 };
 
-// Watches a word for some 20 microseconds, about what it costs to be woken; true when it changed.
+// Watches a word for some 100 microseconds, a few times what it takes to wake a thread that sleeps; true when it
+// changed.
 template <class Changed>
 bool spin_until(Changed changed)
 {
-    constexpr std::uint64_t cycles = 60'000;
+    constexpr std::uint64_t cycles = 300'000;
     const std::uint64_t start = __rdtsc();
     do {
         for (int i = 0; i < 16; ++i) {

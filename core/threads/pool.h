@@ -9,8 +9,8 @@ namespace ork::threads {
 int limit();
 
 // Runs body(context, part) for part = 0 .. parts - 1, at most limit() at a time, and returns when all are done. Which
-// thread runs which part is left open; the parts must not wait for each other. Every part runs in the caller's rounding
-// mode, and exception flags that it raises are raised in the caller.
+// thread runs which part is left open; the parts must not wait for each other, nor return in the child of a fork. Every
+// part runs in the caller's rounding mode, and exception flags that it raises are raised in the caller.
 void run(int parts, void (*body)(void* context, int part), void* context);
 
 // The same for a callable.

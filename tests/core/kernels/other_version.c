@@ -1,0 +1,3 @@
+/* SPDX-License-Identifier: MIT */
+/* A kernel library for another code path. */
+int dll_cpu_version(void) { return 7; }
