@@ -89,6 +89,12 @@ public:
     std::string symbol() const override { return std::string(routine_.name) + "_"; }
     double work() const override { return bytes_moved(traffic_of(routine_.kind), static_cast<size_t>(n_) * sizeof(T)); }
 
+    bool two_vectors() const override
+    {
+        const Traffic pattern = traffic_of(routine_.kind);
+        return pattern != Traffic::load && pattern != Traffic::update;
+    }
+
     void run(void* routine, long calls) override
     {
         using R = Real<T>;
@@ -169,8 +175,7 @@ public:
         const size_t bytes = std::max<size_t>(static_cast<size_t>(n_) * sizeof(T), room * sizeof(T)) / 128 * 128;
         const Traffic pattern = traffic_of(routine_.kind);
         std::vector<Limit> all;
-        const bool both = pattern != Traffic::load && pattern != Traffic::update;
-        for (const Traffic candidate : candidates(pattern, bytes * (both ? 2 : 1)))
+        for (const Traffic candidate : candidates(pattern, bytes * (two_vectors() ? 2 : 1)))
             all.push_back({[this, candidate, bytes](long calls) {
                                traffic(candidate, reinterpret_cast<char*>(x_.data()),
                                        reinterpret_cast<char*>(y_.data()), bytes, calls);

@@ -15,9 +15,8 @@
 #include <unistd.h>
 #include <utility>
 
+#include "ork/ork.h"
 #include "peers/eigen.h"
-
-extern "C" const char* ork_version();
 
 namespace ork::peers {
 namespace {

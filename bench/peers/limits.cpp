@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <emmintrin.h>
+#include <fstream>
 #include <memory>
-#include <unistd.h>
 
 #include "peers/measure.h"
 
@@ -100,10 +100,21 @@ void store_stream(char* y, size_t bytes, long times, bool past)
     if (past) _mm_sfence();
 }
 
-size_t size_or(int name, size_t otherwise)
+// Size of the first core's data or unified cache of a level, as the kernel describes it: what sysconf says may be the
+// sum over a whole package.
+size_t cache_size(int level, size_t otherwise)
 {
-    const long size = sysconf(name);
-    return size > 0 ? static_cast<size_t>(size) : otherwise;
+    for (int index = 0; index < 8; ++index) {
+        const std::string folder = "/sys/devices/system/cpu/cpu0/cache/index" + std::to_string(index) + "/";
+        std::ifstream level_file(folder + "level"), type_file(folder + "type"), size_file(folder + "size");
+        int its_level = 0;
+        std::string type;
+        size_t kilobytes = 0;
+        if (level_file >> its_level && type_file >> type && size_file >> kilobytes && its_level == level &&
+            type != "Instruction")
+            return kilobytes << 10;
+    }
+    return otherwise;
 }
 
 // Best rate of the patterns over arrays of `bytes` each, at least 20 samples.
@@ -189,14 +200,14 @@ std::vector<Traffic> candidates(Traffic pattern, size_t total_bytes)
 
 CacheSizes cache_sizes()
 {
-    return {size_or(_SC_LEVEL1_DCACHE_SIZE, 32 << 10), size_or(_SC_LEVEL2_CACHE_SIZE, 256 << 10),
-            size_or(_SC_LEVEL3_CACHE_SIZE, 8 << 20)};
+    static const CacheSizes sizes = {cache_size(1, 32 << 10), cache_size(2, 256 << 10), cache_size(3, 8 << 20)};
+    return sizes;
 }
 
 std::vector<LevelRates> level_rates()
 {
     const CacheSizes cache = cache_sizes();
-    const size_t memory = std::max<size_t>(4 * cache.l3, 128 << 20);
+    const size_t memory = std::clamp<size_t>(4 * cache.l3, 128 << 20, 512 << 20);
     const std::vector<std::pair<const char*, size_t>> levels = {
         {"L1", cache.l1 / 2}, {"L2", cache.l2 / 2}, {"8 MiB", 8 << 20}, {"memory", memory}};
     const std::unique_ptr<char, decltype(&std::free)> block(static_cast<char*>(std::aligned_alloc(4096, memory + 4096)),

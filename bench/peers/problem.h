@@ -24,11 +24,12 @@ struct Limit {
 class Problem {
 public:
     virtual ~Problem() = default;
-    virtual std::string symbol() const = 0;          // the Fortran BLAS name: "dgemm_"
-    virtual double work() const = 0;                 // of one call: flops, or bytes read and written
-    virtual std::string check(void* routine) = 0;    // what is wrong with its result; empty when it is right
-    virtual void run(void* routine, long calls) = 0; // values stay bounded however many calls there are
-    virtual std::vector<Limit> limits() = 0;         // candidates; the fastest is the limit
+    virtual std::string symbol() const = 0;            // the Fortran BLAS name: "dgemm_"
+    virtual bool two_vectors() const { return false; } // of level 1: takes x and y
+    virtual double work() const = 0;                   // of one call: flops, or bytes read and written
+    virtual std::string check(void* routine) = 0;      // what is wrong with its result; empty when it is right
+    virtual void run(void* routine, long calls) = 0;   // values stay bounded however many calls there are
+    virtual std::vector<Limit> limits() = 0;           // candidates; the fastest is the limit
 };
 
 // An array at a chosen distance from a page boundary, so that no two operands fall on the same cache sets.

@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: MIT
+#include <algorithm>
+#include <charconv>
+#include <fmt/format.h>
+#include <iterator>
+#include <stdexcept>
+
+#include "bench/result.h"
+#include "commands.h"
+#include "ork/ork.h"
+#include "terminal.h"
+
+namespace ork::tool {
+namespace {
+
+struct Options {
+    std::vector<std::string> families, sizes, routines, trans, also;
+    std::vector<double> beta;
+    int threads = 1;
+    std::string json, svg;
+    bool quick = false, all = false;
+};
+
+// "512" or "1000x1000x4".
+bench::Shape shape_from(const std::string& text)
+{
+    int sides[3] = {0, 0, 0}, count = 0;
+    const char *p = text.data(), *end = p + text.size();
+    while (count < 3) {
+        const auto [next, error] = std::from_chars(p, end, sides[count]);
+        if (error != std::errc() || sides[count] < 1) break;
+        ++count;
+        p = next;
+        if (p == end || *p != 'x') break;
+        ++p;
+    }
+    if (p != end || (count != 1 && count != 3))
+        throw std::runtime_error("--sizes: \"" + text +
+                                 "\" is neither a size such as 512 nor m x n x k such as 1000x1000x4");
+    return count == 1 ? bench::Shape{sides[0], sides[0], sides[0]} : bench::Shape{sides[0], sides[1], sides[2]};
+}
+
+bench::Selection selection_from(const Options& options)
+{
+    bench::Selection selection{options.routines, {}, {}, options.beta, options.quick};
+    for (const std::string& size : options.sizes) selection.sizes.push_back(shape_from(size));
+    for (std::string pair : options.trans) {
+        std::transform(pair.begin(), pair.end(), pair.begin(),
+                       [](char c) { return c >= 'a' ? static_cast<char>(c - 32) : c; });
+        if (pair.size() != 2 || pair.find_first_not_of("NTC") != std::string::npos)
+            throw std::runtime_error("--trans: \"" + pair + "\" is not a pair of the letters N, T and C");
+        selection.trans.push_back(pair);
+    }
+    return selection;
+}
+
+bench::Machine describe_machine()
+{
+    char name[128];
+    ork_processor_name(name, sizeof(name));
+    return {name, peers::arithmetic_rate(false), peers::arithmetic_rate(true), peers::level_rates()};
+}
+
+void print_head(const bench::Machine& machine, const std::vector<peers::Library>& libraries,
+                const std::vector<std::string>& notes, const Options& options)
+{
+    fmt::print("{}\n", machine.processor);
+    fmt::print("128-bit arithmetic: {:.2f} GF/s double, {:.2f} single (multiplications and additions in registers)\n",
+               machine.arithmetic_double / 1e9, machine.arithmetic_single / 1e9);
+    fmt::print("128-bit traffic, GB/s:");
+    for (const char* what : {"load", "copy", "store"}) {
+        fmt::print("  {}", what);
+        for (const peers::LevelRates& level : machine.levels)
+            fmt::print("{} {:.0f}", level.level == machine.levels.front().level ? "" : " /",
+                       (*what == 'l'   ? level.load
+                        : *what == 'c' ? level.copy
+                                       : level.store) /
+                           1e9);
+    }
+    fmt::print("  (L1 / L2 / 8 MiB / memory)\n\n");
+    for (const peers::Library& library : libraries)
+        fmt::print("{:<14}{}{}\n", library.name, library.detail,
+                   library.kind == peers::Kind::wide ? " (free to use wider registers: no peer)" : "");
+    for (const std::string& note : notes) fmt::print("{:<14}{}\n", "-", note);
+    fmt::print("\nork on {} thread{}, peers on one. Medians; ork/peer is the median of the ratios within rounds.\n",
+               options.threads, options.threads > 1 ? "s" : "");
+}
+
+int run(const Options& options)
+{
+    const bench::Selection selection = selection_from(options);
+    std::vector<std::pair<const bench::Family*, bench::Case>> cases;
+    for (const bench::Family& family : bench::families())
+        if (options.families.empty() || std::count(options.families.begin(), options.families.end(), family.name) > 0)
+            for (bench::Case& c : family.cases(selection)) cases.emplace_back(&family, std::move(c));
+    if (cases.empty()) throw std::runtime_error("bench: no case has such a routine in the families asked for");
+    if (ork_initialize() != ORK_OK) throw std::runtime_error(ork_error_text());
+
+    std::vector<std::string> notes;
+    std::vector<peers::Library> libraries = peers::find_peers(notes);
+    libraries.insert(libraries.begin(), peers::core_library());
+    for (const std::string& file : options.also) libraries.push_back(peers::open_library(file));
+    ork_set_num_threads(options.threads);
+    const bench::Machine machine = describe_machine();
+    print_head(machine, libraries, notes, options);
+
+    const peers::Effort effort = options.quick ? peers::Effort{1e-3, 0.1, 3, 7} : peers::Effort{};
+    bench::Table table(libraries, options.all);
+    Progress progress(cases.size());
+    std::vector<bench::Result> results;
+    bool wrong = false;
+    for (const auto& [family, c] : cases) {
+        progress.show(results.size(), c.label());
+        ork_set_num_threads(options.threads);
+        results.push_back(bench::measure(*family, c, libraries, effort));
+        progress.clear();
+        table.row(results.back());
+        const bench::Figure* subject = results.back().subject();
+        wrong = wrong || (subject != nullptr && !subject->fault.empty());
+    }
+    table.summary(results);
+    if (!options.json.empty()) {
+        bench::write_json(options.json, machine, libraries, results);
+        fmt::print("Wrote {}\n", options.json);
+    }
+    if (!options.svg.empty()) {
+        bench::write_plot(options.svg, machine, results);
+        fmt::print("Wrote {}\n", options.svg);
+    }
+    return wrong ? 1 : 0;
+}
+
+} // namespace
+
+void add_bench(CLI::App& app, int& status)
+{
+    auto options = std::make_shared<Options>();
+    CLI::App* command = app.add_subcommand("bench", "Measure routines against the libraries found on this machine");
+    std::vector<std::string> names;
+    std::string about = "Families:";
+    for (const bench::Family& family : bench::families()) {
+        names.emplace_back(family.name);
+        about += fmt::format("\n  {:<10}{}", family.name, family.summary);
+    }
+    command->footer(about);
+    command->add_option("family", options->families, "Families to measure; all of them by default")
+        ->check(CLI::IsMember(names));
+    command->add_option("--routine", options->routines, "Routines, such as dgemm,ddot")->delimiter(',');
+    command->add_option("--sizes", options->sizes, "Sizes: 512, or m x n x k as in 1000x1000x4")->delimiter(',');
+    command->add_option("--trans", options->trans, "Transposition pairs, such as NN,TN")->delimiter(',');
+    command->add_option("--beta", options->beta, "Values of beta for gemm")->delimiter(',');
+    command->add_option("--threads", options->threads, "Threads that ork may use; peers run on one")
+        ->check(CLI::Range(1, 256));
+    command->add_option("--also", options->also, "Another library with Fortran BLAS symbols, as a further peer")
+        ->check(CLI::ExistingFile);
+    command->add_option("--json", options->json, "Write everything that was measured to this file");
+    command->add_option("--svg", options->svg, "Plot rate over size into this file");
+    command->add_flag("--quick", options->quick, "Fewer cases and rounds");
+    command->add_flag("--all", options->all, "Show every contender, not only the best peer");
+    command->callback([options, &status] { status = run(*options); });
+}
+
+} // namespace ork::tool

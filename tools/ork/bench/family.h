@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+// A family of benchmark cases. A new family is one file with a function that lists its cases, and a row in families().
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "peers/libraries.h"
+#include "peers/problem.h"
+
+namespace ork::tool::bench {
+
+struct Contender {
+    std::string name;
+    peers::Kind kind;
+    peers::Entrant run;
+    std::string fault; // not empty: the result was wrong, and there is nothing to time
+};
+
+// A case made ready: operands in place, every contender's result checked.
+struct Contest {
+    std::vector<Contender> contenders;
+    double work = 0;                  // of one call, in the family's unit times 1e9
+    std::vector<peers::Limit> limits; // may be empty
+    std::shared_ptr<void> operands;   // what the entrants refer to
+};
+
+struct Case {
+    std::string routine; // "dgemm"
+    std::string variant; // "NN beta=0"; cases of one routine and variant make one curve
+    std::string shape;   // "512", "1000x1000x4"
+    double size;         // abscissa of the plot, 0: not on a curve
+    std::function<Contest(const std::vector<peers::Library>&)> prepare;
+
+    std::string label() const { return routine + (variant.empty() ? "" : " " + variant) + " " + shape; }
+};
+
+struct Shape {
+    int m, n, k;
+};
+
+struct Selection {
+    std::vector<std::string> routines; // empty: the family's usual ones
+    std::vector<Shape> sizes;          // empty: the family's usual ones
+    std::vector<std::string> trans;    // "NN"
+    std::vector<double> beta;
+    bool quick = false;
+};
+
+struct Family {
+    const char* name;
+    const char* summary;
+    const char* unit; // "GF/s" or "GB/s"
+    std::vector<Case> (*cases)(const Selection&);
+};
+
+const std::vector<Family>& families();
+std::vector<Case> gemm_cases(const Selection& selection);
+std::vector<Case> level1_cases(const Selection& selection);
+std::vector<Case> thread_cases(const Selection& selection);
+
+// Every library that has the problem's routine, checked one after another.
+Contest contest(std::unique_ptr<peers::Problem> problem, const std::vector<peers::Library>& libraries);
+
+} // namespace ork::tool::bench

@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: MIT
+#include <algorithm>
+
+#include "bench/result.h"
+
+namespace ork::tool::bench {
+namespace {
+
+// The candidate that runs fastest here and now.
+const peers::Limit& fastest(const std::vector<peers::Limit>& limits)
+{
+    const peers::Limit* best = &limits.front();
+    double best_rate = 0;
+    for (const peers::Limit& limit : limits) {
+        const long calls = peers::calibrate(limit.run, 5e-4);
+        for (int sample = 0; sample < 3; ++sample) {
+            const double rate = limit.work * static_cast<double>(calls) / peers::time_of(limit.run, calls);
+            if (rate > best_rate) best_rate = rate, best = &limit;
+        }
+    }
+    return *best;
+}
+
+} // namespace
+
+const Figure* Result::subject() const
+{
+    for (const Figure& f : figures)
+        if (f.kind == peers::Kind::subject) return &f;
+    return nullptr;
+}
+
+const Figure* Result::find(const std::string& name) const
+{
+    for (const Figure& f : figures)
+        if (f.name == name) return &f;
+    return nullptr;
+}
+
+Result measure(const Family& family, const Case& c, const std::vector<peers::Library>& libraries,
+               const peers::Effort& effort)
+{
+    Contest contest = c.prepare(libraries);
+    Result result{family.name, c.routine, c.variant, c.shape, family.unit, c.size, contest.work, 0, {}, "", 0, 0, 0};
+
+    std::vector<peers::Entrant> entrants;
+    std::vector<size_t> figure_of; // entrant -> figure
+    for (const Contender& contender : contest.contenders) {
+        result.figures.push_back({contender.name, contender.kind, 0, 0, contender.fault});
+        if (!contender.fault.empty()) continue; // a wrong result has no speed
+        entrants.push_back(contender.run);
+        figure_of.push_back(result.figures.size() - 1);
+    }
+    if (entrants.empty()) return result;
+    double limit_work = 0;
+    if (!contest.limits.empty()) {
+        const peers::Limit& limit = fastest(contest.limits);
+        limit_work = limit.work;
+        entrants.push_back(limit.run);
+    }
+
+    const peers::Samples seconds = peers::interleave(entrants, effort);
+    result.rounds = static_cast<int>(seconds.front().size());
+    const std::vector<double>*subject = nullptr, *best = nullptr;
+    double best_seconds = 0;
+    for (size_t e = 0; e < figure_of.size(); ++e) {
+        Figure& figure = result.figures[figure_of[e]];
+        figure.seconds = peers::median(seconds[e]);
+        figure.rate = contest.work / figure.seconds / 1e9;
+        if (figure.kind == peers::Kind::subject) subject = &seconds[e];
+        if (figure.kind == peers::Kind::peer && (best == nullptr || figure.seconds < best_seconds)) {
+            best = &seconds[e];
+            best_seconds = figure.seconds;
+            result.best_peer = figure.name;
+        }
+    }
+    if (subject && best) result.ratio = peers::speed_ratio(*subject, *best);
+    if (limit_work > 0) {
+        const std::vector<double>& samples = seconds.back();
+        result.limit = limit_work / *std::min_element(samples.begin(), samples.end()) / 1e9;
+        if (const Figure* f = result.subject()) result.of_limit = f->rate / result.limit;
+    }
+    return result;
+}
+
+} // namespace ork::tool::bench
