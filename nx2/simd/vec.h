@@ -108,8 +108,11 @@ inline Vec<float> product(Vec<float> a, Vec<float> b)
     return a;
 }
 
-inline Vec<double> abs(Vec<double> a) { return {_mm_andnot_pd(_mm_set1_pd(-0.0), a.v)}; }
-inline Vec<float> abs(Vec<float> a) { return {_mm_andnot_ps(_mm_set1_ps(-0.0f), a.v)}; }
+inline Vec<double> abs(Vec<double> a)
+{
+    return {_mm_and_pd(a.v, _mm_castsi128_pd(_mm_set1_epi64x(0x7fffffffffffffff)))};
+}
+inline Vec<float> abs(Vec<float> a) { return {_mm_and_ps(a.v, _mm_castsi128_ps(_mm_set1_epi32(0x7fffffff)))}; }
 
 inline double lane(Vec<double> a, int i)
 {
@@ -133,6 +136,8 @@ inline float fold(Vec<float> a)
 // Rows become columns in a square of lanes x lanes elements.
 inline void transpose(Vec<double> (&x)[2])
 {
+    // Both in registers first: otherwise GCC loads halves over again (movhpd, movlpd), twice the loads.
+    asm("" : "+x"(x[0].v), "+x"(x[1].v));
     const __m128d low = _mm_unpacklo_pd(x[0].v, x[1].v), high = _mm_unpackhi_pd(x[0].v, x[1].v);
     x[0].v = low, x[1].v = high;
 }

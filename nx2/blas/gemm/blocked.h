@@ -14,7 +14,8 @@ template <class T>
 bool packing_pays(const Product<T>& p)
 {
     if (p.m <= 8 || p.n < 8) return false;
-    return p.m * p.n * p.k > Int(48) * 48 * 48;
+    const Int crossover = p.m % Units<T>::m == 0 && p.n % Units<T>::n == 0 ? 24 : 40; // edges of tiles cost packing more
+    return p.m * p.n * p.k > crossover * crossover * crossover;
 }
 
 // beta has been applied to C, or is 0 and C is written without being read.

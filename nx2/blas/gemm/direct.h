@@ -93,7 +93,7 @@ inline void copy_panel(const Product<T>& p, Int row, T* to)
 #pragma GCC unroll 2
             for (int r = 0; r < width; r += Vec<T>::lanes) store_aligned(to + r, scale(load(from + r)));
     } else {
-        pack_transposing<width>(from, p.a.outer_stride, p.k, to, scale);
+        pack_transposing<width>(from, p.a.outer_stride, p.k, p.k, to, scale);
     }
 }
 
@@ -214,32 +214,38 @@ void multiply_thin(const Thin<T>& p)
 // ---- vector ---------------------------------------------------------------------------------------------------------
 
 // Thin with one column, `wide` contiguous in the depth: `groups` vectors of rows at a time, whose squares of elements are
-// transposed in registers, so that a lane sums one row in order. wide: the first row of the group at the first step.
+// transposed in registers, so that a lane sums one row in order. Eight rows of doubles keep the adders busy (four chains of
+// two additions), and their addresses fit the addressing modes; sixteen lost a third to address arithmetic.
 template <bool scaled, int groups, class T>
 inline void vector_sums(Int depth, const T* wide, Int stride, T scale, const T* narrow, T* sums)
 {
-    constexpr int lanes = Vec<T>::lanes, ahead = 512 / sizeof(T), line = 64 / sizeof(T);
+    constexpr int lanes = Vec<T>::lanes;
     const Vec<T> factor = broadcast(scale);
     Vec<T> sum[groups] = {};
-    Int l = 0;
-    for (; l + lanes <= depth; l += lanes) {
-        if (groups > 2 && l % line == 0)
-            for (int r = 0; r < groups * lanes; ++r)
-                _mm_prefetch(reinterpret_cast<const char*>(wide + r * stride + l + ahead), _MM_HINT_T0);
-#pragma GCC unroll 8
+    const T* row[groups];
+#pragma GCC unroll 4
+    for (int g = 0; g < groups; ++g) row[g] = wide + g * lanes * stride;
+    const auto step = [&](Int l) __attribute__((always_inline)) {
+        Vec<T> element[lanes];
+#pragma GCC unroll 4
+        for (int i = 0; i < lanes; ++i) element[i] = broadcast(narrow[l + i]);
+#pragma GCC unroll 4
         for (int g = 0; g < groups; ++g) {
             Vec<T> square[lanes];
 #pragma GCC unroll 4
-            for (int i = 0; i < lanes; ++i) square[i] = load(wide + (g * lanes + i) * stride + l);
+            for (int i = 0; i < lanes; ++i) square[i] = load(row[g] + i * stride + l);
             transpose(square);
 #pragma GCC unroll 4
             for (int i = 0; i < lanes; ++i) {
                 if constexpr (scaled) square[i] = factor * square[i];
-                sum[g] = sum[g] + square[i] * broadcast(narrow[l + i]);
+                sum[g] = sum[g] + square[i] * element[i];
             }
         }
-    }
-#pragma GCC unroll 8
+    };
+    Int l = 0;
+#pragma GCC unroll 1
+    for (; l + lanes <= depth; l += lanes) step(l);
+#pragma GCC unroll 4
     for (int g = 0; g < groups; ++g) store_aligned(sums + g * lanes, sum[g]);
     for (; l < depth; ++l)
         for (int r = 0; r < groups * lanes; ++r) {
@@ -252,7 +258,7 @@ inline void vector_sums(Int depth, const T* wide, Int stride, T scale, const T* 
 template <class T>
 void multiply_vector(const Thin<T>& p, Int kb, bool overwrite)
 {
-    constexpr int lanes = Vec<T>::lanes, groups = 16 / lanes;
+    constexpr int lanes = Vec<T>::lanes, groups = 4;
     constexpr Int most = 8192 / sizeof(T);
     alignas(16) T narrow[most], sums[groups * lanes];
     const Int stride = p.wide.outer_stride, chunk = most / kb * kb;

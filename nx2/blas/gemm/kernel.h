@@ -47,22 +47,40 @@ void panel8(Int rows, Int depth, const double* a, Int a_stride, const double* b,
 }
 
 // The same for a panel of `width` columns of which `columns` exist: a pair's missing column is never multiplied, so it
-// raises no flag.
+// raises no flag. `together` row panels at a time keep eight sums under way.
+template <Finish finish, int width, int columns, int together, class T>
+inline Int panel_edge_rows(Int row, Int rows, Int depth, const T* a, Int a_stride, const T* b, T* c, Int ldc)
+{
+    constexpr int lanes = Vec<T>::lanes;
+    for (; row + together * lanes <= rows; row += together * lanes) {
+        const T* panel = a + row / lanes * a_stride;
+        Vec<T> sum[columns][together] = {};
+        for (Int l = 0; l < depth; ++l) {
+            Vec<T> rows_of_a[together];
+#pragma GCC unroll 4
+            for (int i = 0; i < together; ++i) rows_of_a[i] = load_aligned(panel + i * a_stride + l * lanes);
+#pragma GCC unroll 4
+            for (int j = 0; j < columns; ++j) {
+                const Vec<T> element = broadcast(b[l * width + j]);
+#pragma GCC unroll 4
+                for (int i = 0; i < together; ++i) sum[j][i] = sum[j][i] + rows_of_a[i] * element;
+            }
+        }
+#pragma GCC unroll 4
+        for (int j = 0; j < columns; ++j)
+#pragma GCC unroll 4
+            for (int i = 0; i < together; ++i) finish_column<finish>(c + row + i * lanes + j * ldc, sum[j][i]);
+    }
+    return row;
+}
+
 template <Finish finish, int width, int columns, class T>
 void panel_edge(Int rows, Int depth, const T* a, Int a_stride, const T* b, T* c, Int ldc)
 {
-    constexpr int lanes = Vec<T>::lanes;
-    static_assert(Units<T>::m == lanes);
-    for (Int i = 0; i < rows; i += lanes, a += a_stride, c += lanes) {
-        Vec<T> sum[columns] = {};
-        for (Int l = 0; l < depth; ++l) {
-            const Vec<T> rows_of_a = load_aligned(a + l * lanes);
-#pragma GCC unroll 4
-            for (int j = 0; j < columns; ++j) sum[j] = sum[j] + rows_of_a * broadcast(b[l * width + j]);
-        }
-#pragma GCC unroll 4
-        for (int j = 0; j < columns; ++j) finish_column<finish>(c + j * ldc, sum[j]);
-    }
+    static_assert(Units<T>::m == Vec<T>::lanes);
+    constexpr int together = columns == 4 ? 2 : 4;
+    const Int row = panel_edge_rows<finish, width, columns, together>(0, rows, depth, a, a_stride, b, c, ldc);
+    panel_edge_rows<finish, width, columns, 1>(row, rows, depth, a, a_stride, b, c, ldc);
 }
 
 // One row of A, the last of an odd number, against a panel.

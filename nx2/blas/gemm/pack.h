@@ -48,9 +48,10 @@ void pack_contiguous(const T* from, Int depth_stride, Int panels, Int depth, T* 
     }
 }
 
-// One full panel of an operand whose depth is contiguous: squares of lanes x lanes elements are transposed in registers.
+// One full panel of an operand whose depth is contiguous, filled up with zeros to a depth of `padded`: squares of
+// lanes x lanes elements are transposed in registers.
 template <int width, class T, class Scale>
-void pack_transposing(const T* from, Int outer_stride, Int depth, T* to, Scale scale)
+inline void pack_transposing(const T* from, Int outer_stride, Int depth, Int padded, T* to, Scale scale)
 {
     constexpr int lanes = Vec<T>::lanes;
     Int l = 0;
@@ -64,7 +65,6 @@ void pack_transposing(const T* from, Int outer_stride, Int depth, T* to, Scale s
 #pragma GCC unroll 4
             for (int i = 0; i < lanes; ++i) store_aligned(to + i * width + r, scale(square[i]));
         }
-    const Int padded = round_up(depth, Units<T>::k);
     for (; l < padded; ++l)
         for (int r = 0; r < width; ++r) *to++ = l < depth ? scale(from[r * outer_stride + l]) : T{};
 }
@@ -78,7 +78,8 @@ Int pack_full(const Operand<T>& x, Int count, Int depth, T* to, Int panel_stride
         pack_contiguous<width>(x.data, x.depth_stride, panels, depth, to, panel_stride, scale);
     else
         for (Int p = 0; p < panels; ++p)
-            pack_transposing<width>(x.at(p * width, 0), x.outer_stride, depth, to + p * panel_stride, scale);
+            pack_transposing<width>(x.at(p * width, 0), x.outer_stride, depth, round_up(depth, Units<T>::k),
+                                    to + p * panel_stride, scale);
     return panels * width;
 }
 

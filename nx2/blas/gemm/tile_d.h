@@ -98,7 +98,7 @@ struct TileD {
 
 // depth is a positive multiple of 4; a and b are 16-byte aligned packed panels.
 template <Arrangement arrangement>
-inline TileD<arrangement> multiply_tile(const double* a, const double* b, Int depth)
+[[gnu::always_inline]] inline TileD<arrangement> multiply_tile(const double* a, const double* b, Int depth)
 {
     TileD<arrangement> tile;
     __m128d a0, a1, t0, t1, t2, t3, t4, t5;
