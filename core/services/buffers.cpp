@@ -131,8 +131,8 @@ void release_all()
 
 ORK_EXPORT void* ork_serv_allocate(size_t size, size_t alignment)
 {
-    if (alignment < header_room) alignment = header_room;
     if ((alignment & (alignment - 1)) != 0 || size > PTRDIFF_MAX / 2 || alignment > PTRDIFF_MAX / 4) return nullptr;
+    if (alignment < header_room) alignment = header_room;
     // Mappings begin on a page, so up to a page the first `alignment` bytes make room for the header and align as well.
     const int size_class = class_of(size + (alignment <= page ? alignment : alignment + page));
     uintptr_t word = take_best(size_class);

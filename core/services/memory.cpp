@@ -10,8 +10,8 @@
 
 ORK_EXPORT void* ork_serv_malloc(size_t size, size_t alignment)
 {
-    if (alignment < alignof(max_align_t)) alignment = alignof(max_align_t);
     if ((alignment & (alignment - 1)) != 0 || size > PTRDIFF_MAX) return nullptr;
+    if (alignment < alignof(max_align_t)) alignment = alignof(max_align_t);
     void* ptr;
     return posix_memalign(&ptr, alignment, size ? size : 1) == 0 ? ptr : nullptr;
 }

@@ -47,8 +47,8 @@ TEST(Loader, FindsItAfterAChangeOfDirectoryAndThroughALink)
 {
     CoreFolder folder, elsewhere;
     folder.with_kernels(ORK_KERNEL_FILE);
-    const auto moved = run_program({"sh", "-c", "cd " + folder.path().string() + " && exec " ORK_CORE_USER
-                                                " ./libork_core.so.0 moved"});
+    const auto moved = run_program(
+        {"sh", "-c", "cd " + folder.path().string() + " && exec " ORK_CORE_USER " ./libork_core.so.0 moved"});
     EXPECT_TRUE(moved.ok()) << moved.describe();
 
     files::remove(elsewhere.core());
@@ -107,9 +107,10 @@ TEST(Loader, NeverSearches)
 {
     CoreFolder folder, other;
     other.with_kernels(ORK_KERNEL_FILE);
-    const auto result = run_program({"sh", "-c", "cd " + other.path().string() + " && exec " ORK_CORE_USER " " +
-                                                     folder.core().string() + " initialize"},
-                                    {"LD_LIBRARY_PATH=" + other.path().string()});
+    const auto result = run_program(
+        {"sh", "-c",
+         "cd " + other.path().string() + " && exec " ORK_CORE_USER " " + folder.core().string() + " initialize"},
+        {"LD_LIBRARY_PATH=" + other.path().string()});
     EXPECT_EQ(result.exit_code, ORK_LIBRARY_MISSING) << result.describe();
 }
 
