@@ -306,7 +306,7 @@ Thin<T> wide_b(const Product<T>& p)
 }
 
 template <bool overwrite, class T>
-void multiply_block(const Product<T>& p)
+inline void multiply_block(const Product<T>& p)
 {
     constexpr Int long_side = 32; // rows from which streaming beats tiles
     if (p.m > 1 && p.n > 1 && p.m < long_side && p.n < long_side)
@@ -319,21 +319,29 @@ void multiply_block(const Product<T>& p)
         multiply_tiles<overwrite>(p);
 }
 
+// The depth in more than one block.
+template <class T>
+[[gnu::noinline]] void multiply_blocks(const Product<T>& p, Int step)
+{
+    for (Int first = 0; first < p.k; first += step) {
+        const Product<T> part = p.block(first, p.k - first < step ? p.k - first : step);
+        with_flag(part.overwrite, [&]<bool overwrite>() { multiply_block<overwrite>(part); });
+    }
+}
+
 // kb: the depth of a block, at most deepest_block.
 template <class T>
 void multiply_direct(const Product<T>& p, Int kb)
 {
     const Int step = kb < deepest_block ? kb : deepest_block;
-    if (p.n == 1 && p.a.outer_stride != 1) return multiply_vector(wide_a(p), step, p.overwrite);
-    if (p.m == 1 && p.b.outer_stride != 1) return multiply_vector(wide_b(p), step, p.overwrite);
-    if (p.k <= step) {
+    if (p.n == 1 && p.a.outer_stride != 1)
+        multiply_vector(wide_a(p), step, p.overwrite);
+    else if (p.m == 1 && p.b.outer_stride != 1)
+        multiply_vector(wide_b(p), step, p.overwrite);
+    else if (p.k > step)
+        multiply_blocks(p, step);
+    else
         with_flag(p.overwrite, [&]<bool overwrite>() { multiply_block<overwrite>(p); });
-        return;
-    }
-    for (Int first = 0; first < p.k; first += step) {
-        const Product<T> part = p.block(first, p.k - first < step ? p.k - first : step);
-        with_flag(part.overwrite, [&]<bool overwrite>() { multiply_block<overwrite>(part); });
-    }
 }
 
 } // namespace ork::gemm

@@ -15,7 +15,17 @@ constexpr std::int64_t interface_version = 2;
 inline bool is_transposed(char letter) { return (letter & ~0x20) != 'N'; }
 
 template <class T>
-void drive(char transa, char transb, Int m, Int n, Int k, T alpha, const T* a, Int lda, const T* b, Int ldb, T beta, T* c,
+[[gnu::noinline]] void multiply_with_descriptor(const Product<T>& product)
+{
+    Desc desc{};
+    const std::uint32_t row = Routines<T>::best_row();
+    Descriptor<T>::fill(desc, row, Routines<T>::rows[row]);
+    desc.routines.get_blks_size(&product.m, &product.n, &product.k, &desc);
+    multiply_blocked(product, desc);
+}
+
+template <class T>
+[[gnu::always_inline]] inline void drive(char transa, char transb, Int m, Int n, Int k, T alpha, const T* a, Int lda, const T* b, Int ldb, T beta, T* c,
            Int ldc)
 {
     using U = Units<T>;
@@ -33,12 +43,7 @@ void drive(char transa, char transb, Int m, Int n, Int k, T alpha, const T* a, I
     if (nothing_to_add) return;
     if (m < U::m || n < U::n || k < U::k || !packing_pays(product)) // nothing is packed: no descriptor is needed
         return multiply_direct(product, block_depth(k, U::k));
-
-    Desc desc{};
-    const std::uint32_t row = Routines<T>::best_row();
-    Descriptor<T>::fill(desc, row, Routines<T>::rows[row]);
-    desc.routines.get_blks_size(&m, &n, &k, &desc);
-    multiply_blocked(product, desc);
+    multiply_with_descriptor(product);
 }
 
 } // namespace ork::gemm
