@@ -175,12 +175,12 @@ public:
         const size_t bytes = std::max<size_t>(static_cast<size_t>(n_) * sizeof(T), room * sizeof(T)) / 128 * 128;
         const Traffic pattern = traffic_of(routine_.kind);
         std::vector<Limit> all;
-        for (const Traffic candidate : candidates(pattern, bytes * (two_vectors() ? 2 : 1)))
+        for (const Stream candidate : candidates(pattern, bytes * (two_vectors() ? 2 : 1)))
             all.push_back({[this, candidate, bytes](long calls) {
                                traffic(candidate, reinterpret_cast<char*>(x_.data()),
                                        reinterpret_cast<char*>(y_.data()), bytes, calls);
                            },
-                           bytes_moved(candidate, bytes)});
+                           bytes_moved(candidate.pattern, bytes)});
         return all;
     }
 

@@ -45,40 +45,57 @@ ORK_ARITHMETIC(single_6x8, "ps", ORK_SIX, 8)
 ORK_ARITHMETIC(single_7x4, "ps", ORK_SEVEN, 4)
 ORK_ARITHMETIC(single_7x16, "ps", ORK_SEVEN, 16)
 
-// Keeps a loaded register alive without using it.
-inline void use(__m128d value) { asm volatile("" ::"x"(value)); }
+// Loads into a register, whether or not the value is used, and hides where it came from: a store of it stays a store.
+inline __m128d loaded(const double* from)
+{
+    __m128d value = _mm_load_pd(from);
+    asm volatile("" : "+x"(value));
+    return value;
+}
 
 template <Traffic pattern>
 inline void step(double* x, double* y)
 {
     using enum Traffic;
-    if constexpr (pattern == load) use(_mm_load_pd(x));
-    if constexpr (pattern == load_two) use(_mm_load_pd(x)), use(_mm_load_pd(y));
-    if constexpr (pattern == update) _mm_store_pd(x, _mm_load_pd(x));
-    if constexpr (pattern == copy) _mm_store_pd(y, _mm_load_pd(x));
-    if constexpr (pattern == copy_past) _mm_stream_pd(y, _mm_load_pd(x));
+    if constexpr (pattern == load) loaded(x);
+    if constexpr (pattern == load_two) loaded(x), loaded(y);
+    if constexpr (pattern == update) _mm_store_pd(x, loaded(x));
+    if constexpr (pattern == copy) _mm_store_pd(y, loaded(x));
+    if constexpr (pattern == copy_past) _mm_stream_pd(y, loaded(x));
     if constexpr (pattern == update_from) {
-        use(_mm_load_pd(x));
-        _mm_store_pd(y, _mm_load_pd(y));
+        loaded(x);
+        _mm_store_pd(y, loaded(y));
     }
     if constexpr (pattern == exchange) {
-        const __m128d u = _mm_load_pd(x), v = _mm_load_pd(y);
+        const __m128d u = loaded(x), v = loaded(y);
         _mm_store_pd(x, v);
         _mm_store_pd(y, u);
     }
 }
 
-template <Traffic pattern>
+constexpr bool touches_both(Traffic pattern)
+{
+    return pattern == Traffic::load_two || pattern == Traffic::copy || pattern == Traffic::update_from ||
+           pattern == Traffic::exchange;
+}
+
+template <Traffic pattern, bool ahead = false>
 void stream(char* x, char* y, size_t bytes, long times)
 {
-    constexpr ptrdiff_t block = 16; // doubles
+    constexpr ptrdiff_t block = 16, distance = 128; // doubles
     for (; times > 0; --times) {
         double* p = reinterpret_cast<double*>(x);
         double* q = reinterpret_cast<double*>(y);
         for (double* end = p + bytes / sizeof(double); p != end; p += block, q += block) {
+            if constexpr (ahead)
+                for (ptrdiff_t i = 0; i < block; i += 8) { // a line each; prefetching past the end is harmless
+                    _mm_prefetch(reinterpret_cast<const char*>(p + distance + i), _MM_HINT_T0);
+                    if constexpr (touches_both(pattern))
+                        _mm_prefetch(reinterpret_cast<const char*>(q + distance + i), _MM_HINT_T0);
+                }
 #pragma GCC unroll 8
             for (ptrdiff_t i = 0; i < block; i += 2) step<pattern>(p + i, q + i);
-            asm volatile("" ::: "memory"); // values written back unchanged are still to be written
+            asm volatile("" ::: "memory"); // passes over the same data are not to be merged
         }
     }
     if constexpr (pattern == Traffic::copy_past) _mm_sfence();
@@ -117,17 +134,43 @@ size_t cache_size(int level, size_t otherwise)
     return otherwise;
 }
 
-// Best rate of the patterns over arrays of `bytes` each, at least 20 samples.
-double best_rate(const std::vector<Traffic>& patterns, char* x, char* y, size_t bytes)
+// Best rate of the streams over arrays of `bytes` each, at least 20 samples.
+double best_rate(const std::vector<Stream>& streams, char* x, char* y, size_t bytes)
 {
     double best = 0;
-    for (const Traffic pattern : patterns) {
-        const auto run = [&](long times) { traffic(pattern, x, y, bytes, times); };
+    for (const Stream& stream : streams) {
+        const auto run = [&](long times) { traffic(stream, x, y, bytes, times); };
         const long times = calibrate(run, 1e-3);
         for (int sample = 0; sample < 20; ++sample)
-            best = std::max(best, static_cast<double>(times) * bytes_moved(pattern, bytes) / time_of(run, times));
+            best =
+                std::max(best, static_cast<double>(times) * bytes_moved(stream.pattern, bytes) / time_of(run, times));
     }
     return best;
+}
+
+template <bool ahead>
+void run_stream(Traffic pattern, char* x, char* y, size_t bytes, long times)
+{
+    switch (pattern) {
+    case Traffic::load:
+        return stream<Traffic::load, ahead>(x, y, bytes, times);
+    case Traffic::load_two:
+        return stream<Traffic::load_two, ahead>(x, y, bytes, times);
+    case Traffic::store:
+        return store_stream(y, bytes, times, false);
+    case Traffic::store_past:
+        return store_stream(y, bytes, times, true);
+    case Traffic::update:
+        return stream<Traffic::update, ahead>(x, y, bytes, times);
+    case Traffic::copy:
+        return stream<Traffic::copy, ahead>(x, y, bytes, times);
+    case Traffic::copy_past:
+        return stream<Traffic::copy_past>(x, y, bytes, times);
+    case Traffic::update_from:
+        return stream<Traffic::update_from, ahead>(x, y, bytes, times);
+    case Traffic::exchange:
+        return stream<Traffic::exchange, ahead>(x, y, bytes, times);
+    }
 }
 
 } // namespace
@@ -145,28 +188,12 @@ const std::vector<ArithmeticLoop>& arithmetic_loops(bool single_precision)
     return single_precision ? singles : doubles;
 }
 
-void traffic(Traffic pattern, char* x, char* y, size_t bytes, long times)
+void traffic(Stream stream, char* x, char* y, size_t bytes, long times)
 {
-    switch (pattern) {
-    case Traffic::load:
-        return stream<Traffic::load>(x, y, bytes, times);
-    case Traffic::load_two:
-        return stream<Traffic::load_two>(x, y, bytes, times);
-    case Traffic::store:
-        return store_stream(y, bytes, times, false);
-    case Traffic::store_past:
-        return store_stream(y, bytes, times, true);
-    case Traffic::update:
-        return stream<Traffic::update>(x, y, bytes, times);
-    case Traffic::copy:
-        return stream<Traffic::copy>(x, y, bytes, times);
-    case Traffic::copy_past:
-        return stream<Traffic::copy_past>(x, y, bytes, times);
-    case Traffic::update_from:
-        return stream<Traffic::update_from>(x, y, bytes, times);
-    case Traffic::exchange:
-        return stream<Traffic::exchange>(x, y, bytes, times);
-    }
+    if (stream.ahead)
+        run_stream<true>(stream.pattern, x, y, bytes, times);
+    else
+        run_stream<false>(stream.pattern, x, y, bytes, times);
 }
 
 double bytes_moved(Traffic pattern, size_t bytes)
@@ -190,12 +217,13 @@ double bytes_moved(Traffic pattern, size_t bytes)
     return 0;
 }
 
-std::vector<Traffic> candidates(Traffic pattern, size_t total_bytes)
+std::vector<Stream> candidates(Traffic pattern, size_t total_bytes)
 {
-    const bool in_cache = total_bytes <= cache_sizes().l3;
-    if (!in_cache && pattern == Traffic::copy) return {Traffic::copy, Traffic::copy_past};
-    if (!in_cache && pattern == Traffic::store) return {Traffic::store, Traffic::store_past};
-    return {pattern};
+    std::vector<Stream> all = {{pattern, false}};
+    if (total_bytes > cache_sizes().l1 && pattern != Traffic::store) all.push_back({pattern, true});
+    if (total_bytes > cache_sizes().l3 && pattern == Traffic::copy) all.push_back({Traffic::copy_past, false});
+    if (total_bytes > cache_sizes().l3 && pattern == Traffic::store) all.push_back({Traffic::store_past, false});
+    return all;
 }
 
 CacheSizes cache_sizes()

@@ -30,11 +30,15 @@ enum class Traffic {
     update_from, // read x, read and write y
     exchange,    // read and write x and y
 };
-void traffic(Traffic pattern, char* x, char* y, size_t bytes, long times);
+struct Stream {
+    Traffic pattern;
+    bool ahead; // with a prefetch 1 KiB ahead
+};
+void traffic(Stream stream, char* x, char* y, size_t bytes, long times);
 double bytes_moved(Traffic pattern, size_t bytes); // reads and writes
 
 // The variants worth trying for one pattern; the past-the-caches forms only where the data can't stay in them.
-std::vector<Traffic> candidates(Traffic pattern, size_t total_bytes);
+std::vector<Stream> candidates(Traffic pattern, size_t total_bytes);
 
 struct CacheSizes {
     size_t l1, l2, l3;

@@ -11,15 +11,15 @@ Samples interleave(const std::vector<Entrant>& entrants, const Effort& effort)
     std::vector<long> calls;
     double round = 0; // seconds
     for (const Entrant& run : entrants) {
-        calls.push_back(calibrate(run, effort.sample));
-        round += std::max(effort.sample, calls.back() == 1 ? time_of(run, 1) : 0.0);
+        calls.push_back(calibrate(run, effort.sample, effort.clock));
+        round += std::max(effort.sample, calls.back() == 1 ? time_of(run, 1, effort.clock) : 0.0);
     }
     const int rounds = std::clamp(static_cast<int>(effort.budget / std::max(round, 1e-9)), effort.fewest, effort.most);
     Samples seconds(count, std::vector<double>(static_cast<size_t>(rounds)));
     for (size_t r = 0; r < static_cast<size_t>(rounds); ++r)
         for (size_t i = 0; i < count; ++i) {
             const size_t e = (i + r) % count;
-            seconds[e][r] = time_of(entrants[e], calls[e]) / static_cast<double>(calls[e]);
+            seconds[e][r] = time_of(entrants[e], calls[e], effort.clock) / static_cast<double>(calls[e]);
         }
     return seconds;
 }

@@ -4,26 +4,37 @@
 // ratios within rounds.
 #pragma once
 
-#include <chrono>
+#include <ctime>
 #include <functional>
 #include <vector>
 
 namespace ork::peers {
 
-template <class Run>
-double time_of(const Run& run, long calls)
+// What a time is. Processor time of the whole process leaves out the moments when something else ran on our core, and
+// can't be cheated by work on other threads, so it is the fair clock where everything runs on one thread.
+enum class Clock { wall = CLOCK_MONOTONIC, processor = CLOCK_PROCESS_CPUTIME_ID };
+
+inline double now(Clock clock)
 {
-    const auto start = std::chrono::steady_clock::now();
+    timespec time;
+    clock_gettime(static_cast<clockid_t>(clock), &time);
+    return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
+template <class Run>
+double time_of(const Run& run, long calls, Clock clock = Clock::processor)
+{
+    const double start = now(clock);
     run(calls);
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    return now(clock) - start;
 }
 
 // Calls that take at least `seconds`, at least one.
 template <class Run>
-long calibrate(const Run& run, double seconds)
+long calibrate(const Run& run, double seconds, Clock clock = Clock::processor)
 {
     for (long calls = 1;; calls *= 4) {
-        const double taken = time_of(run, calls);
+        const double taken = time_of(run, calls, clock);
         if (taken >= seconds) return calls;
         if (taken >= seconds / 8 || calls > (1L << 40))
             return static_cast<long>(static_cast<double>(calls) * seconds / taken) + 1;
@@ -34,6 +45,7 @@ struct Effort {
     double sample = 2e-3; // seconds an entrant and round, at least; one call where a call takes longer
     double budget = 0.6;  // seconds for all rounds of a case, as far as `fewest` allows
     int fewest = 5, most = 25;
+    Clock clock = Clock::processor;
 };
 
 using Entrant = std::function<void(long calls)>;

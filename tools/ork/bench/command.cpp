@@ -82,8 +82,9 @@ void print_head(const bench::Machine& machine, const std::vector<peers::Library>
         fmt::print("{:<14}{}{}\n", library.name, library.detail,
                    library.kind == peers::Kind::wide ? " (free to use wider registers: no peer)" : "");
     for (const std::string& note : notes) fmt::print("{:<14}{}\n", "-", note);
-    fmt::print("\nork on {} thread{}, peers on one. Medians; ork/peer is the median of the ratios within rounds.\n",
-               options.threads, options.threads > 1 ? "s" : "");
+    fmt::print(
+        "\nork on {} thread{}, peers on one. Medians of {} time; ork/peer is the median of the ratios within rounds.\n",
+        options.threads, options.threads > 1 ? "s" : "", options.threads > 1 ? "wall-clock" : "processor");
 }
 
 int run(const Options& options)
@@ -104,7 +105,9 @@ int run(const Options& options)
     const bench::Machine machine = describe_machine();
     print_head(machine, libraries, notes, options);
 
-    const peers::Effort effort = options.quick ? peers::Effort{1e-3, 0.1, 3, 7} : peers::Effort{};
+    peers::Effort effort;
+    if (options.quick) effort = {1e-3, 0.1, 3, 7, peers::Clock::processor};
+    if (options.threads > 1) effort.clock = peers::Clock::wall;
     bench::Table table(libraries, options.all);
     Progress progress(cases.size());
     std::vector<bench::Result> results;

@@ -16,7 +16,7 @@ const std::vector<Family>& families()
 Contest contest(std::unique_ptr<peers::Problem> problem, const std::vector<peers::Library>& libraries)
 {
     const std::shared_ptr<peers::Problem> shared = std::move(problem);
-    Contest result{{}, shared->work(), shared->limits(), shared};
+    Contest result{{}, shared->work(), shared->limits(), shared, false};
     for (const peers::Library& library : libraries) {
         void* routine = library.find(shared->symbol().c_str());
         if (routine == nullptr) continue;

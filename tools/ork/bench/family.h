@@ -25,6 +25,7 @@ struct Contest {
     double work = 0;                  // of one call, in the family's unit times 1e9
     std::vector<peers::Limit> limits; // may be empty
     std::shared_ptr<void> operands;   // what the entrants refer to
+    bool threaded = false;            // a contender uses several threads, so only the wall clock is fair
 };
 
 struct Case {

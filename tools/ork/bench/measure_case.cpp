@@ -37,10 +37,10 @@ const Figure* Result::find(const std::string& name) const
     return nullptr;
 }
 
-Result measure(const Family& family, const Case& c, const std::vector<peers::Library>& libraries,
-               const peers::Effort& effort)
+Result measure(const Family& family, const Case& c, const std::vector<peers::Library>& libraries, peers::Effort effort)
 {
     Contest contest = c.prepare(libraries);
+    if (contest.threaded) effort.clock = peers::Clock::wall;
     Result result{family.name, c.routine, c.variant, c.shape, family.unit, c.size, contest.work, 0, {}, "", 0, 0, 0};
 
     std::vector<peers::Entrant> entrants;

@@ -54,7 +54,7 @@ public:
             low_ = std::min(low_, std::log2(r->size));
             high_ = std::max(high_, std::log2(r->size));
         }
-        // The wide build and caches above the limit may leave the frame; ork, the peers and the limit don't.
+        // The wide build may leave the frame; ork, the peers and the limit don't.
         for (const Curve& c : curves_)
             for (const auto& point : c.points)
                 if (c.name != "OB-wide") highest_ = std::max(highest_, point.second);
@@ -101,8 +101,18 @@ private:
 
     void draw(const Curve& c)
     {
-        std::vector<std::pair<double, double>> points;
-        for (const auto& [size, rate] : c.points) points.emplace_back(across(size), up(rate));
+        std::vector<std::pair<double, double>> points; // a stretch within the frame
+        for (const auto& [size, rate] : c.points) {
+            if (rate <= highest_) points.emplace_back(across(size), up(rate));
+            if (rate > highest_ || size == c.points.back().first) {
+                draw_stretch(c, points);
+                points.clear();
+            }
+        }
+    }
+
+    void draw_stretch(const Curve& c, const std::vector<std::pair<double, double>>& points)
+    {
         if (c.name == "limit") return svg_.polyline(points, "#222", 1.3, "6 4");
         const char* colour = category_colour(colours_.at(c.name));
         svg_.polyline(points, colour, c.name == "ork" ? 3 : 1.4);
@@ -143,13 +153,19 @@ void write_plot(const std::string& file, const Machine& machine, const std::vect
     double line = 50;
     names.emplace_back("limit");
     for (const std::string& name : names) {
-        const double needed = 44 + 7.2 * static_cast<double>(name.size());
+        const double needed = 44 + 7.2 * static_cast<double>(name.size() + (name == "OB-wide" ? 14
+                                                                            : name == "limit" ? 7
+                                                                                              : 0));
         if (at + needed > width) at = 16, line += 18;
         if (name == "limit")
             svg.line(at, line - 4, at + 22, line - 4, "#222", 1.3, "6 4");
         else
             svg.line(at, line - 4, at + 22, line - 4, category_colour(colours.at(name)), name == "ork" ? 3 : 1.6);
-        svg.text(at + 28, line, name == "limit" ? "128-bit limit" : name, 12);
+        svg.text(at + 28, line,
+                 name == "limit"     ? "128-bit limit"
+                 : name == "OB-wide" ? "OB-wide (where it fits)"
+                                     : name,
+                 12);
         at += needed;
     }
     for (size_t g = 0; g < groups.size(); ++g)

@@ -32,8 +32,7 @@ struct Result {
     const Figure* find(const std::string& name) const;
 };
 
-Result measure(const Family& family, const Case& c, const std::vector<peers::Library>& libraries,
-               const peers::Effort& effort);
+Result measure(const Family& family, const Case& c, const std::vector<peers::Library>& libraries, peers::Effort effort);
 
 // The machine, as measured at the start of the run.
 struct Machine {

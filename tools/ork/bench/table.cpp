@@ -36,7 +36,7 @@ void Table::row(const Result& result)
             }
         else
             fmt::print("{:>8}  {:<13}", "peer", "");
-        fmt::print("{:>8} {:>8} {:>8}", "ork/peer", "limit", "of limit");
+        fmt::print(" {:>8} {:>8} {:>8}", "ork/peer", "limit", "of limit");
         fmt::print("{}\n", all_ ? "" : "     wide");
     }
     const Figure *subject = result.subject(), *best = result.find(result.best_peer), *wide = nullptr;
@@ -49,7 +49,7 @@ void Table::row(const Result& result)
         }
     else
         fmt::print("{:>8}  {:<13}", rate_of(best), result.best_peer);
-    fmt::print("{:>8} {:>8} {:>8}", result.ratio > 0 ? fmt::format("{:.3f}", result.ratio) : "-", number(result.limit),
+    fmt::print(" {:>8} {:>8} {:>8}", result.ratio > 0 ? fmt::format("{:.3f}", result.ratio) : "-", number(result.limit),
                percent(result.of_limit));
     fmt::print("{}\n", all_ ? "" : fmt::format(" {:>8}", rate_of(wide)));
     for (const Figure& f : result.figures)

@@ -17,7 +17,7 @@ Contest speed_up(const peers::Library& ork, int n, int threads)
 {
     const std::shared_ptr<peers::Problem> problem = square(n);
     void* routine = ork.find(problem->symbol().c_str());
-    Contest contest{{}, problem->work(), {}, problem};
+    Contest contest{{}, problem->work(), {}, problem, true};
     if (routine == nullptr) return contest;
     for (const int count : {threads, 1}) {
         ork_set_num_threads(count);
@@ -40,7 +40,7 @@ Contest callers(const peers::Library& ork, int n, int threads)
     const auto problems = std::make_shared<std::vector<std::unique_ptr<peers::Problem>>>();
     for (size_t i = 0; i < count; ++i) problems->push_back(square(n));
     void* routine = ork.find(problems->front()->symbol().c_str());
-    Contest contest{{}, problems->front()->work() * count, {}, problems};
+    Contest contest{{}, problems->front()->work() * count, {}, problems, true};
     if (routine == nullptr) return contest;
     const auto at_once = [all = problems.get(), routine](long calls, int limit) {
         std::vector<std::thread> callers;
