@@ -14,7 +14,8 @@ template <class T>
 bool packing_pays(const Product<T>& p)
 {
     if (p.m <= 8 || p.n < 8) return false;
-    const Int crossover = p.m % Units<T>::m == 0 && p.n % Units<T>::n == 0 ? 24 : 40; // edges of tiles cost packing more
+    const Int crossover =
+        p.m % Units<T>::m == 0 && p.n % Units<T>::n == 0 ? 24 : 40; // edges of tiles cost packing more
     return p.m * p.n * p.k > crossover * crossover * crossover;
 }
 
@@ -32,8 +33,10 @@ void multiply_blocked(const Product<T>& p, Desc& desc)
     }
     T* packed_a = static_cast<T*>(buffer_a);
     T* packed_b = static_cast<T*>(buffer_b);
-    const auto copy_a = reinterpret_cast<CopyA<T>*>(p.a.outer_stride == 1 ? desc.routines.copyan : desc.routines.copyat);
-    const auto copy_b = reinterpret_cast<CopyB<T>*>(p.b.depth_stride == 1 ? desc.routines.copybn : desc.routines.copybt);
+    const auto copy_a =
+        reinterpret_cast<CopyA<T>*>(p.a.outer_stride == 1 ? desc.routines.copyan : desc.routines.copyat);
+    const auto copy_b =
+        reinterpret_cast<CopyB<T>*>(p.b.depth_stride == 1 ? desc.routines.copybn : desc.routines.copybt);
     const auto kernel = reinterpret_cast<PackedKernel<T>*>(desc.routines.kernel);
     const Int lda = p.a.outer_stride == 1 ? p.a.depth_stride : p.a.outer_stride;
     const Int ldb = p.b.depth_stride == 1 ? p.b.outer_stride : p.b.depth_stride;

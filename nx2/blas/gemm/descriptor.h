@@ -72,7 +72,8 @@ struct Descriptor {
         return 0;
     }
 
-    // One allocation for the buffers whose sizes are set; `base` is what free_bufs takes. 0, or 1 when there is no memory.
+    // One allocation for the buffers whose sizes are set; `base` is what free_bufs takes. 0, or 1 when there is no
+    // memory.
     static Int get_buffers(const Desc& desc, void** base, void** a, void** b, void** c)
     {
         constexpr Int page = Int(1) << code_a_b;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The multiply that packs nothing, for products too small or too thin to repay it. Every element of C is summed over the
-// depth in order from zero and then added to C, block of depth by block of depth, exactly as the packed multiply does.
+// The multiply that packs nothing, for products too small or too thin to repay it. Every element of C is summed over
+// the depth in order from zero and then added to C, block of depth by block of depth, exactly as the packed multiply
+// does.
 //
 //   tiles    4 rows x 4 columns in registers: vectors of A's rows times broadcast elements of B
 //   thin     few columns of B: A streams by column after column, the sums wait in a buffer of the first level of cache
@@ -25,7 +26,8 @@ struct Tail {
 
 // `vectors` vectors of rows by `columns` columns; a_stride from one step of depth to the next.
 template <bool overwrite, int vectors, bool full, int columns, class T>
-inline void direct_tile(Int depth, const T* a, Int a_stride, const T* b, Int b_depth, Int b_column, T* c, Int ldc, Tail tail)
+inline void direct_tile(Int depth, const T* a, Int a_stride, const T* b, Int b_depth, Int b_column, T* c, Int ldc,
+                        Tail tail)
 {
     constexpr int lanes = Vec<T>::lanes;
     const auto offset = [&](int v) { return full || v < vectors - 1 ? v * lanes : tail.offset; };
@@ -70,15 +72,22 @@ inline void direct_panel(const Product<T>& p, Int row, const T* a, Int a_stride,
     };
     for (; j + 4 <= p.n; j += 4, b += 4 * b_column, c += 4 * p.ldc) tile.template operator()<4>();
     switch (p.n - j) {
-    case 3: tile.template operator()<3>(); break;
-    case 2: tile.template operator()<2>(); break;
-    case 1: tile.template operator()<1>(); break;
-    default: break;
+    case 3:
+        tile.template operator()<3>();
+        break;
+    case 2:
+        tile.template operator()<2>();
+        break;
+    case 1:
+        tile.template operator()<1>();
+        break;
+    default:
+        break;
     }
 }
 
-// A panel of `width` rows of alpha A that can't be read as it stands: transposed, scaled, or short of rows. The last row
-// stands in for rows that do not exist, so that their products raise no flag that its own would not.
+// A panel of `width` rows of alpha A that can't be read as it stands: transposed, scaled, or short of rows. The last
+// row stands in for rows that do not exist, so that their products raise no flag that its own would not.
 template <int width, class T>
 inline void copy_panel(const Product<T>& p, Int row, T* to)
 {
@@ -132,8 +141,8 @@ void multiply_tiles(const Product<T>& p)
 
 // ---- thin -----------------------------------------------------------------------------------------------------------
 
-// A product seen from its long side: out(r, j) = sum of wide(r, l) * narrow(l, j), j < count, where `wide` is contiguous in
-// r. Either A is wide and the narrow side is B, or, transposed, B is wide and the narrow side is A.
+// A product seen from its long side: out(r, j) = sum of wide(r, l) * narrow(l, j), j < count, where `wide` is
+// contiguous in r. Either A is wide and the narrow side is B, or, transposed, B is wide and the narrow side is A.
 template <class T>
 struct Thin {
     Operand<T> wide, narrow;
@@ -171,7 +180,8 @@ inline void thin_step(Int rows, const T* wide, Int depth_stride, T scale, const 
 template <bool overwrite, class T>
 void multiply_thin(const Thin<T>& p)
 {
-    constexpr Int most = 8, waiting = 8192 / sizeof(T); // sums that wait: a quarter of the first level of cache, or less
+    constexpr Int most = 8,
+                  waiting = 8192 / sizeof(T); // sums that wait: a quarter of the first level of cache, or less
     const Int chunk = waiting / p.count / 16 * 16;
     alignas(16) T sums[waiting];
     alignas(16) T narrow[most * deepest_block];
@@ -213,9 +223,9 @@ void multiply_thin(const Thin<T>& p)
 
 // ---- vector ---------------------------------------------------------------------------------------------------------
 
-// Thin with one column, `wide` contiguous in the depth: `groups` vectors of rows at a time, whose squares of elements are
-// transposed in registers, so that a lane sums one row in order. Eight rows of doubles keep the adders busy (four chains of
-// two additions), and their addresses fit the addressing modes; sixteen lost a third to address arithmetic.
+// Thin with one column, `wide` contiguous in the depth: `groups` vectors of rows at a time, whose squares of elements
+// are transposed in registers, so that a lane sums one row in order. Eight rows of doubles keep the adders busy (four
+// chains of two additions), and their addresses fit the addressing modes; sixteen lost a third to address arithmetic.
 template <bool scaled, int groups, class T>
 inline void vector_sums(Int depth, const T* wide, Int stride, T scale, const T* narrow, T* sums)
 {
@@ -225,7 +235,8 @@ inline void vector_sums(Int depth, const T* wide, Int stride, T scale, const T* 
     const T* row[groups];
 #pragma GCC unroll 4
     for (int g = 0; g < groups; ++g) row[g] = wide + g * lanes * stride;
-    const auto step = [&](Int l) __attribute__((always_inline)) {
+    const auto step = [&](Int l) __attribute__((always_inline))
+    {
         Vec<T> element[lanes];
 #pragma GCC unroll 4
         for (int i = 0; i < lanes; ++i) element[i] = broadcast(narrow[l + i]);
@@ -268,7 +279,8 @@ void multiply_vector(const Thin<T>& p, Int kb, bool overwrite)
         const auto rows = [&]<int vectors, bool scaled>(Int row) {
             for (Int l = start; l < end; l += kb) {
                 const Int depth = end - l < kb ? end - l : kb;
-                vector_sums<scaled, vectors>(depth, p.wide.at(row, l), stride, p.wide_scale, narrow + (l - start), sums);
+                vector_sums<scaled, vectors>(depth, p.wide.at(row, l), stride, p.wide_scale, narrow + (l - start),
+                                             sums);
                 for (int r = 0; r < vectors * lanes; ++r) {
                     T* out = p.out + (row + r) * p.row_stride;
                     *out = overwrite && l == 0 ? sums[r] : *out + sums[r];

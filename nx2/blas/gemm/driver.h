@@ -25,8 +25,8 @@ template <class T>
 }
 
 template <class T>
-[[gnu::always_inline]] inline void drive(char transa, char transb, Int m, Int n, Int k, T alpha, const T* a, Int lda, const T* b, Int ldb, T beta, T* c,
-           Int ldc)
+[[gnu::always_inline]] inline void drive(char transa, char transb, Int m, Int n, Int k, T alpha, const T* a, Int lda,
+                                         const T* b, Int ldb, T beta, T* c, Int ldc)
 {
     using U = Units<T>;
     if (m <= 0 || n <= 0) return;
@@ -37,7 +37,8 @@ template <class T>
         if (alpha != T(0)) multiply_direct(product, block_depth(k, U::k));
         return;
     }
-    // beta = 0 is left to whoever writes an element of C first, so that C is touched once; anything else is applied now.
+    // beta = 0 is left to whoever writes an element of C first, so that C is touched once; anything else is applied
+    // now.
     const bool nothing_to_add = alpha == T(0) || k <= 0;
     if (!beta_is_one && (!beta_is_zero || nothing_to_add)) scale(m, n, beta, c, ldc);
     if (nothing_to_add) return;

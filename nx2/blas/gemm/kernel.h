@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The micro-kernel over packed panels: C (m x n, column-major) = C + A B, or C = A B, where A stands in panels of Units::m
-// rows and B in panels of 8, then 4, then 2 columns (packing in pack_a.h and pack_b.h). A panel of B stays in the first
-// level of cache while every panel of A passes by it.
+// The micro-kernel over packed panels: C (m x n, column-major) = C + A B, or C = A B, where A stands in panels of
+// Units::m rows and B in panels of 8, then 4, then 2 columns (packing in pack_a.h and pack_b.h). A panel of B stays in
+// the first level of cache while every panel of A passes by it.
 #pragma once
 
 #include "blas/gemm/tile_d.h"

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Packing: A into panels of Units::m rows multiplied by alpha, B into panels of 8 columns, both with the depth padded with
-// zeros to a multiple of Units::k. Panels are read by the micro-kernel front to back.
+// Packing: A into panels of Units::m rows multiplied by alpha, B into panels of 8 columns, both with the depth padded
+// with zeros to a multiple of Units::k. Panels are read by the micro-kernel front to back.
 //
 //   A panel, one step of depth: alpha a(i, l), alpha a(i+1, l)     a row that does not exist is 0
-//   B panel, one step of depth: b(l, j) ... b(l, j+7)              then a panel of 4 columns and pairs; a missing column is 0
+//   B panel, one step of depth: b(l, j) ... b(l, j+7)              then a panel of 4 columns and pairs; a missing
+//   column is 0
 //
 // Loads are unaligned throughout: on operands that happen to be aligned they cost the same and give the same bytes.
 #pragma once
@@ -23,8 +24,8 @@ void pack_edge(const T* from, Int outer_stride, Int depth_stride, Int present, I
             *to++ = l < depth && r < present ? scale(from[r * outer_stride + l * depth_stride]) : T{};
 }
 
-// Full panels of an operand whose outer direction is contiguous. Four steps of depth at a time run along all panels: the
-// operand is read down its columns, and each visit fills whole cache lines of a panel.
+// Full panels of an operand whose outer direction is contiguous. Four steps of depth at a time run along all panels:
+// the operand is read down its columns, and each visit fills whole cache lines of a panel.
 template <int width, class T, class Scale>
 void pack_contiguous(const T* from, Int depth_stride, Int panels, Int depth, T* to, Int panel_stride, Scale scale)
 {
@@ -42,7 +43,8 @@ void pack_contiguous(const T* from, Int depth_stride, Int panels, Int depth, T* 
                         store_aligned(panel + s * width + r, scale(load(x + s * depth_stride + r)));
             } else {
                 for (int s = 0; s < unit; ++s)
-                    for (int r = 0; r < width; ++r) panel[s * width + r] = s < steps ? scale(x[s * depth_stride + r]) : T{};
+                    for (int r = 0; r < width; ++r)
+                        panel[s * width + r] = s < steps ? scale(x[s * depth_stride + r]) : T{};
             }
         }
     }

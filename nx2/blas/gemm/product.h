@@ -7,8 +7,8 @@
 
 namespace ork::gemm {
 
-// Where an operand's elements are. `outer` counts the rows of op(A) or the columns of op(B), `depth` what is summed over;
-// one of the strides is 1.
+// Where an operand's elements are. `outer` counts the rows of op(A) or the columns of op(B), `depth` what is summed
+// over; one of the strides is 1.
 template <class T>
 struct Operand {
     const T* data;
@@ -29,8 +29,9 @@ struct Product {
 
     Product(bool transa, bool transb, Int m, Int n, Int k, T alpha, const T* a, Int lda, const T* b, Int ldb, T* c,
             Int ldc, bool overwrite)
-        : m(m), n(n), k(k), alpha(alpha), a{a, transa ? lda : 1, transa ? 1 : lda},
-          b{b, transb ? 1 : ldb, transb ? ldb : 1}, c(c), ldc(ldc), overwrite(overwrite)
+        : m(m), n(n), k(k),
+          alpha(alpha), a{a, transa ? lda : 1, transa ? 1 : lda}, b{b, transb ? 1 : ldb, transb ? ldb : 1}, c(c),
+          ldc(ldc), overwrite(overwrite)
     {
     }
 

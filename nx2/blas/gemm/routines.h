@@ -16,8 +16,8 @@ template <class T>
 using CopyB = std::int64_t(const std::int64_t* k, const std::int64_t* n, const T* b, const std::int64_t* ldb, T* buffer,
                            const std::int64_t* panel_stride);
 
-// C (m x n) = scalar * C + packed A * packed B for scalar 0 (C is not read) or 1. `depth` is the padded depth, mode 2 asks
-// for the lines of C ahead of the sums, and bit 0 of flags says that columns of C may differ in alignment.
+// C (m x n) = scalar * C + packed A * packed B for scalar 0 (C is not read) or 1. `depth` is the padded depth, mode 2
+// asks for the lines of C ahead of the sums, and bit 0 of flags says that columns of C may differ in alignment.
 template <class T>
 using PackedKernel = std::int64_t(const std::int64_t* mode, const std::int64_t* m, const std::int64_t* n,
                                   const std::int64_t* depth, const T* a, const std::int64_t* a_stride, const T* b,

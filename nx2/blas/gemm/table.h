@@ -50,8 +50,8 @@ struct Routines {
         with_flag(*scalar == T(0), [&]<bool overwrite>() {
             with_flag(*mode == 2, [&]<bool prefetch>() {
                 with_flag(aligned16(c) && *flags % 2 == 0, [&]<bool aligned>() {
-                    multiply_packed<Finish{overwrite, prefetch, aligned}, arrangement>(*m, *n, *depth, a, *a_stride, b, *b_stride, c,
-                                                                          *ldc);
+                    multiply_packed<Finish{overwrite, prefetch, aligned}, arrangement>(*m, *n, *depth, a, *a_stride, b,
+                                                                                       *b_stride, c, *ldc);
                 });
             });
         });

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The 2 x 8 tile of the double-precision multiply: 2 packed rows of A (already times alpha) by 8 packed columns of B.
 //
-// A step of depth is exactly eight multiplies and eight additions of pairs; each of the sixteen elements is one sum over the
-// depth, in order, from zero. Two arrangements of the same sums, hence the same bits:
+// A step of depth is exactly eight multiplies and eight additions of pairs; each of the sixteen elements is one sum
+// over the depth, in order, from zero. Two arrangements of the same sums, hence the same bits:
 //
 //   crossed    (a0, a1) and its swapped copy (a1, a0) times (b[2p], b[2p+1]); the lanes are recombined at the end.
 //              The swapped copy needs the shuffle unit, which on some processors shares its pipes with the arithmetic.
@@ -43,29 +43,28 @@ struct TileD {
     "movddup " #oa "(%[a]), %[a0]\n\t"                                                                                 \
     "movddup " #oa "+8(%[a]), %[a1]\n\t"
 #define ORK_STEP(load, oa, ob)                                                                                         \
-    load(oa)                                                                                                           \
-    "movapd " #ob "(%[b]), %[t0]\n\t"                                                                                  \
-    "movapd %[t0], %[t1]\n\t"                                                                                          \
-    "mulpd %[a0], %[t0]\n\t"                                                                                           \
-    "mulpd %[a1], %[t1]\n\t"                                                                                           \
-    "addpd %[t0], %[f0]\n\t"                                                                                           \
-    "addpd %[t1], %[s0]\n\t"                                                                                           \
-    "movapd " #ob "+16(%[b]), %[t2]\n\t"                                                                               \
-    "movapd %[t2], %[t3]\n\t"                                                                                          \
-    "mulpd %[a0], %[t2]\n\t"                                                                                           \
-    "mulpd %[a1], %[t3]\n\t"                                                                                           \
-    "addpd %[t2], %[f1]\n\t"                                                                                           \
-    "addpd %[t3], %[s1]\n\t"                                                                                           \
-    "movapd %[a0], %[t4]\n\t"                                                                                          \
-    "mulpd " #ob "+32(%[b]), %[t4]\n\t"                                                                                \
-    "movapd %[a1], %[t5]\n\t"                                                                                          \
-    "mulpd " #ob "+32(%[b]), %[t5]\n\t"                                                                                \
-    "addpd %[t4], %[f2]\n\t"                                                                                           \
-    "addpd %[t5], %[s2]\n\t"                                                                                           \
-    "mulpd " #ob "+48(%[b]), %[a0]\n\t"                                                                                \
-    "mulpd " #ob "+48(%[b]), %[a1]\n\t"                                                                                \
-    "addpd %[a0], %[f3]\n\t"                                                                                           \
-    "addpd %[a1], %[s3]\n\t"
+    load(oa) "movapd " #ob "(%[b]), %[t0]\n\t"                                                                         \
+             "movapd %[t0], %[t1]\n\t"                                                                                 \
+             "mulpd %[a0], %[t0]\n\t"                                                                                  \
+             "mulpd %[a1], %[t1]\n\t"                                                                                  \
+             "addpd %[t0], %[f0]\n\t"                                                                                  \
+             "addpd %[t1], %[s0]\n\t"                                                                                  \
+             "movapd " #ob "+16(%[b]), %[t2]\n\t"                                                                      \
+             "movapd %[t2], %[t3]\n\t"                                                                                 \
+             "mulpd %[a0], %[t2]\n\t"                                                                                  \
+             "mulpd %[a1], %[t3]\n\t"                                                                                  \
+             "addpd %[t2], %[f1]\n\t"                                                                                  \
+             "addpd %[t3], %[s1]\n\t"                                                                                  \
+             "movapd %[a0], %[t4]\n\t"                                                                                 \
+             "mulpd " #ob "+32(%[b]), %[t4]\n\t"                                                                       \
+             "movapd %[a1], %[t5]\n\t"                                                                                 \
+             "mulpd " #ob "+32(%[b]), %[t5]\n\t"                                                                       \
+             "addpd %[t4], %[f2]\n\t"                                                                                  \
+             "addpd %[t5], %[s2]\n\t"                                                                                  \
+             "mulpd " #ob "+48(%[b]), %[a0]\n\t"                                                                       \
+             "mulpd " #ob "+48(%[b]), %[a1]\n\t"                                                                       \
+             "addpd %[a0], %[f3]\n\t"                                                                                  \
+             "addpd %[a1], %[s3]\n\t"
 #define ORK_FOUR_STEPS(load, oa)                                                                                       \
     ORK_STEP(load, oa, -128) ORK_STEP(load, oa + 16, -64) ORK_STEP(load, oa + 32, 0) ORK_STEP(load, oa + 48, 64)
 
@@ -83,12 +82,13 @@ struct TileD {
         "jz 2f\n\t"                                                                                                    \
         ".p2align 6\n"                                                                                                 \
         "1:\n\t" ORK_FOUR_STEPS(load, 0) "sub $-256, %[b]\n\t" ORK_FOUR_STEPS(load, 64) "sub $-128, %[a]\n\t"          \
-        "sub $-256, %[b]\n\t"                                                                                          \
-        "dec %[n]\n\t"                                                                                                 \
-        "jnz 1b\n"                                                                                                     \
-        "2:\n\t"                                                                                                       \
-        "test %[rest], %[rest]\n\t"                                                                                    \
-        "jz 3f\n\t" ORK_FOUR_STEPS(load, 0) "3:\n"                                                                     \
+                                                                                        "sub $-256, %[b]\n\t"          \
+                                                                                        "dec %[n]\n\t"                 \
+                                                                                        "jnz 1b\n"                     \
+                                                                                        "2:\n\t"                       \
+                                                                                        "test %[rest], %[rest]\n\t"    \
+                                                                                        "jz 3f\n\t" ORK_FOUR_STEPS(    \
+                                                                                            load, 0) "3:\n"            \
         : [f0] "=&x"(tile.first[0]), [f1] "=&x"(tile.first[1]), [f2] "=&x"(tile.first[2]), [f3] "=&x"(tile.first[3]),  \
           [s0] "=&x"(tile.second[0]), [s1] "=&x"(tile.second[1]), [s2] "=&x"(tile.second[2]),                          \
           [s3] "=&x"(tile.second[3]), [a0] "=&x"(a0), [a1] "=&x"(a1), [t0] "=&x"(t0), [t1] "=&x"(t1), [t2] "=&x"(t2),  \

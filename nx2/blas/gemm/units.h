@@ -21,8 +21,8 @@ struct Units<double> {
 
 constexpr Int round_up(Int value, Int unit) { return (value + unit - 1) / unit * unit; }
 
-// Depth of a block of a product whose whole depth is k. Every way through the multiply sums blocks of this depth one after
-// another, so an element of C has the same bits on all of them.
+// Depth of a block of a product whose whole depth is k. Every way through the multiply sums blocks of this depth one
+// after another, so an element of C has the same bits on all of them.
 constexpr Int block_depth(Int k, Int unit)
 {
     if (k > 255) return k > 256 && k < 512 ? round_up((k + 1) / 2, unit) : 256; // two halves rather than 256 and a rest

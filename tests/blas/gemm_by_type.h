@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+// The exports of the blocked multiply by element type, the reference that fixes their bits, and shorthands.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "ork/abi/gemm.h"
+#include "ork/types.h"
+
+// clang-format off
+#define GEMM_EXPORTS(p, T) \
+    extern "C" { \
+    void ork_blas_nx2_x##p##gemm(const char*, const char*, const int64_t*, const int64_t*, const int64_t*, const T*, const T*, \
+                                 const int64_t*, const T*, const int64_t*, const T*, T*, const int64_t*); \
+    void ork_blas_nx2_x##p##gemm_par(const char*, const char*, const int64_t*, const int64_t*, const int64_t*, const T*, \
+                                     const T*, const int64_t*, const T*, const int64_t*, const T*, T*, const int64_t*, \
+                                     ork_gemm_desc*, const int64_t*); \
+    void ork_blas_nx2_##p##gemm_num_kernels(int64_t*); \
+    int64_t ork_blas_nx2_##p##gemm_api_support(); \
+    int64_t ork_blas_nx2_##p##gemm_get_kernel(const int64_t*, ork_gemm_desc*); \
+    const ork_gemm_row* ork_blas_nx2_##p##gemm_get_optimal_kernel(ork_gemm_desc*); \
+    int64_t ork_blas_nx2_##p##gemm_get_blks_size(const int64_t*, const int64_t*, const int64_t*, ork_gemm_desc*); \
+    int64_t ork_blas_nx2_##p##gemm_get_bufs_size(const int64_t*, const int64_t*, const int64_t*, const int64_t*, \
+                                                 const int64_t*, ork_gemm_desc*); \
+    int64_t ork_blas_nx2_##p##gemm_get_bufs(ork_gemm_desc*, void**, void**, void**, void**); \
+    void ork_blas_nx2_##p##gemm_free_bufs(void*); \
+    void ork_blas_nx2_##p##gemm_set_blks_size(const int64_t*, const int64_t*, const int64_t*, ork_gemm_desc*); \
+    void ork_blas_nx2_##p##gemm_zero_desc(ork_gemm_desc*); \
+    void ork_blas_nx2_##p##gemm_mscale(const int64_t*, const int64_t*, const T*, T*, const int64_t*); \
+    int64_t ork_blas_nx2_##p##gemm_pack_get_size(const char*, const int64_t*, const int64_t*, const int64_t*); \
+    int64_t ork_blas_nx2_##p##gemm_copyan(const int64_t*, const int64_t*, const T*, const int64_t*, T*, const int64_t*, \
+                                          const T*); \
+    int64_t ork_blas_nx2_##p##gemm_copyat(const int64_t*, const int64_t*, const T*, const int64_t*, T*, const int64_t*, \
+                                          const T*); \
+    int64_t ork_blas_nx2_##p##gemm_copybn(const int64_t*, const int64_t*, const T*, const int64_t*, T*, const int64_t*); \
+    int64_t ork_blas_nx2_##p##gemm_copybt(const int64_t*, const int64_t*, const T*, const int64_t*, T*, const int64_t*); \
+    }
+GEMM_EXPORTS(d, double)
+#undef GEMM_EXPORTS
+// clang-format on
+
+namespace ork::test {
+
+// Depth of a block of a product of depth k: 256, or two halves below 512; one block up to 255.
+inline std::int64_t gemm_block(std::int64_t k)
+{
+    if (k <= 255) return k;
+    return k > 256 && k < 512 ? ((k + 1) / 2 + 3) / 4 * 4 : 256;
+}
+
+// One element: beta * c (not read for beta = 0), then block after block the sum from zero of (alpha a(l)) b(l) in
+// order.
+template <class T, class A, class B>
+T gemm_element(std::int64_t k, T alpha, A&& a, B&& b, T beta, T c)
+{
+    T result = beta == T(0) ? T(0) : beta == T(1) ? c : beta * c;
+    if (alpha == T(0)) return result;
+    const std::int64_t block = gemm_block(k);
+    for (std::int64_t first = 0; first < k; first += block) {
+        T sum = 0;
+        for (std::int64_t l = first; l < k && l < first + block; ++l) sum += (alpha * a(l)) * b(l);
+        result = beta == T(0) && first == 0 ? sum : result + sum;
+    }
+    return result;
+}
+
+} // namespace ork::test
