@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <charconv>
 #include <fmt/format.h>
+#include <fstream>
 #include <iterator>
 #include <stdexcept>
 
@@ -94,7 +95,12 @@ int run(const Options& options)
     for (const bench::Family& family : bench::families())
         if (options.families.empty() || std::count(options.families.begin(), options.families.end(), family.name) > 0)
             for (bench::Case& c : family.cases(selection)) cases.emplace_back(&family, std::move(c));
-    if (cases.empty()) throw std::runtime_error("bench: no case has such a routine in the families asked for");
+    for (const std::string& routine : options.routines)
+        if (std::none_of(cases.begin(), cases.end(),
+                         [&](const auto& entry) { return entry.second.routine == routine; }))
+            throw std::runtime_error("--routine: \"" + routine + "\" is in none of the families asked for");
+    for (const std::string& file : {options.json, options.svg}) // rather now than after an hour of measuring
+        if (!file.empty() && !std::ofstream(file, std::ios::app)) throw std::runtime_error(file + ": can't be written");
     if (ork_initialize() != ORK_OK) throw std::runtime_error(ork_error_text());
 
     std::vector<std::string> notes;

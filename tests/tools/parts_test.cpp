@@ -1,0 +1,199 @@
+// SPDX-License-Identifier: MIT
+// What decides whether a number may be shown: the checks of results, reports of demos, readers of input, medians.
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+
+#include "demos/csv.h"
+#include "demos/demo.h"
+#include "ork/blas.h"
+#include "peers/measure.h"
+#include "peers/problem.h"
+#include "svg.h"
+#include "tools/well_formed.h"
+
+namespace {
+
+using namespace ork;
+using testing::HasSubstr;
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+
+// Routines with one fault each, by the signatures of the right ones.
+template <int fault>
+void gemm(const char* ta, const char* tb, const int* m, const int* n, const int* k, const double* alpha,
+          const double* a, const int* lda, const double* b, const int* ldb, const double* beta, double* c,
+          const int* ldc)
+{
+    const double zero = 0, minus = -*alpha;
+    const int less = *k - 1;
+    const char other = *ta == 'N' ? 'T' : 'N';
+    if constexpr (fault == 1) return dgemm_(ta, tb, m, n, k, &minus, a, lda, b, ldb, beta, c, ldc);
+    if constexpr (fault == 2) return dgemm_(ta, tb, m, n, &less, alpha, a, lda, b, ldb, beta, c, ldc);
+    if constexpr (fault == 3) return dgemm_(ta, tb, m, n, k, alpha, a, lda, b, ldb, *beta == 0 ? alpha : &zero, c, ldc);
+    if constexpr (fault == 4) return dgemm_(&other, tb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
+    const double kept = c[*m - 1];
+    dgemm_(ta, tb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
+    if constexpr (fault == 5) c[*m - 1] = kept;
+    if constexpr (fault == 6) c[0] = nan;
+    if constexpr (fault == 7) c[0] = std::numeric_limits<double>::infinity();
+    if constexpr (fault == 8) c[*m * *n / 2] *= 1 + 1e-9;
+    if constexpr (fault == 9) std::swap(c[0], c[1]);
+}
+
+TEST(ResultChecks, RejectEveryFaultyProduct)
+{
+    using Gemm = decltype(&gemm<0>);
+    const Gemm faulty[] = {gemm<1>, gemm<2>, gemm<3>, gemm<4>, gemm<5>, gemm<6>, gemm<7>, gemm<8>, gemm<9>};
+    for (const double beta : {0.0, 1.0, -0.5}) {
+        const auto problem = peers::make_gemm({'d', 'N', 'T', 9, 9, 9, 1.5, beta});
+        EXPECT_EQ(problem->check(reinterpret_cast<void*>(gemm<0>)), "");
+        for (const Gemm& f : faulty)
+            EXPECT_NE(problem->check(reinterpret_cast<void*>(f)), "")
+                << "fault " << &f - faulty + 1 << ", beta " << beta;
+    }
+}
+
+template <int fault>
+void axpy(const int* n, const double* alpha, const double* x, const int* incx, double* y, const int* incy)
+{
+    const int less = *n - 1, one = 1;
+    if constexpr (fault == 1) return daxpy_(&less, alpha, x, incx, y, incy);
+    if constexpr (fault == 2) return daxpy_(n, alpha, x, &one, y, incy);
+    daxpy_(n, alpha, x, incx, y, incy);
+    if constexpr (fault == 3) y[0] = nan;
+    if constexpr (fault == 4) y[1] = 0; // between two elements of the vector
+}
+
+template <int fault>
+double dot(const int* n, const double* x, const int* incx, const double* y, const int* incy)
+{
+    const int less = *n - 1;
+    if constexpr (fault == 1) return ddot_(&less, x, incx, y, incy);
+    if constexpr (fault == 2) return -ddot_(n, x, incx, y, incy);
+    if constexpr (fault == 3) return nan;
+    return ddot_(n, x, incx, y, incy);
+}
+
+template <int fault>
+int iamax(const int* n, const double* x, const int* incx)
+{
+    return fault == 1 ? 1 : fault == 2 ? 0 : idamax_(n, x, incx);
+}
+
+TEST(ResultChecks, RejectEveryFaultyVectorRoutine)
+{
+    const auto fault = [](const char* routine, auto* function) {
+        return peers::make_level1({routine, 37, 3, 2})->check(reinterpret_cast<void*>(function));
+    };
+    EXPECT_EQ(fault("daxpy", axpy<0>), "");
+    EXPECT_NE(fault("daxpy", axpy<1>), "");
+    EXPECT_NE(fault("daxpy", axpy<2>), "");
+    EXPECT_NE(fault("daxpy", axpy<3>), "");
+    EXPECT_NE(fault("daxpy", axpy<4>), "");
+    EXPECT_EQ(fault("ddot", dot<0>), "");
+    EXPECT_NE(fault("ddot", dot<1>), "");
+    EXPECT_NE(fault("ddot", dot<2>), "");
+    EXPECT_NE(fault("ddot", dot<3>), "");
+    EXPECT_EQ(fault("idamax", iamax<0>), "");
+    EXPECT_NE(fault("idamax", iamax<1>), "");
+    EXPECT_NE(fault("idamax", iamax<2>), "");
+}
+
+TEST(DemoReport, HoldsOnlyIfSomethingWasCheckedAndAllOfItHolds)
+{
+    tool::Report nothing, held, failed, poisoned;
+    EXPECT_FALSE(nothing.all_hold());
+    held.check("a", 1, 1);
+    EXPECT_TRUE(held.all_hold());
+    failed.check("a", 0, 1);
+    failed.check("b", 1.1, 1);
+    EXPECT_FALSE(failed.all_hold());
+    poisoned.check("a", nan, 1);
+    EXPECT_FALSE(poisoned.all_hold());
+    testing::internal::CaptureStdout();
+    failed.line("the answer");
+    EXPECT_EQ(failed.print(true), 1);
+    EXPECT_THAT(testing::internal::GetCapturedStdout(), testing::Not(HasSubstr("the answer")));
+}
+
+TEST(IntegerCsv, NamesLineAndFieldOfWhatIsWrong)
+{
+    const std::string file = testing::TempDir() + "ork-table.csv";
+    const auto read = [&](const std::string& text) -> std::string {
+        std::ofstream(file) << text;
+        try {
+            std::string all;
+            for (const auto& row : tool::read_csv(file, {3, 0, 16, 0, 9}))
+                for (const int value : row) all += std::to_string(value) + ' ';
+            return all;
+        } catch (const std::runtime_error& error) {
+            const std::string what = error.what();
+            return what.substr(what.find(".csv") + 4);
+        }
+    };
+    EXPECT_EQ(read("1,2,3\n16,0,9\n"), "1 2 3 16 0 9 ");
+    EXPECT_EQ(read("1,2,3\r\n4,5,6\r\n\r\n\n"), "1 2 3 4 5 6 ");
+    EXPECT_EQ(read("1,2,3"), "1 2 3 ");
+    EXPECT_EQ(read(""), ":1: no rows");
+    EXPECT_EQ(read("1,2,3\n\n4,5,6\n"), ":2: blank line between rows");
+    EXPECT_EQ(read("1,2,3\n4,5\n"), ":2: 2 fields instead of 3");
+    EXPECT_EQ(read("1,2,3,4\n"), ":1: more than 3 fields");
+    EXPECT_EQ(read("1,2,3\n4,x,6\n"), ":2: field 2 is \"x\", not an integer");
+    EXPECT_EQ(read("1,2.5,3\n"), ":1: field 2 is \"2.5\", not an integer");
+    EXPECT_EQ(read("1,,3\n"), ":1: field 2 is \"\", not an integer");
+    EXPECT_EQ(read("1,99999999999,3\n"), ":1: field 2 is \"99999999999\", not an integer");
+    EXPECT_EQ(read("1,17,3\n"), ":1: field 2 is 17, outside 0 to 16");
+    EXPECT_EQ(read("1,2,10\n"), ":1: field 3 is 10, outside 0 to 9");
+    EXPECT_EQ(read(std::string("1,2,3\n\0\0\0", 9)).substr(0, 12), ":2: field 1 ");
+    std::filesystem::remove(file);
+}
+
+TEST(Measurement, MediansAndRatios)
+{
+    EXPECT_EQ(peers::median({3, 1, 2}), 2);
+    EXPECT_EQ(peers::median({4, 1, 3, 2}), 2.5);
+    EXPECT_EQ(peers::median({}), 0);
+    EXPECT_EQ(peers::speed_ratio({1, 1, 10}, {2, 2, 2}), 2); // twice as fast; one round was disturbed
+}
+
+TEST(Measurement, EveryRoundSamplesEveryEntrantInRotatingOrder)
+{
+    std::vector<int> order;
+    const auto entrant = [&](int name) {
+        return [&order, name](long) {
+            order.push_back(name);
+            const double until = peers::now(peers::Clock::wall) + 2e-3;
+            while (peers::now(peers::Clock::wall) < until) {
+            }
+        };
+    };
+    const peers::Samples samples =
+        peers::interleave({entrant(0), entrant(1), entrant(2)}, {1e-3, 0, 4, 4, peers::Clock::wall});
+    ASSERT_EQ(samples.size(), 3u);
+    for (const auto& rounds : samples) {
+        ASSERT_EQ(rounds.size(), 4u);
+        for (const double seconds : rounds) EXPECT_GE(seconds, 2e-3);
+    }
+    ASSERT_GE(order.size(), 12u);
+    EXPECT_THAT(std::vector<int>(order.end() - 12, order.end()),
+                testing::ElementsAre(0, 1, 2, 1, 2, 0, 2, 0, 1, 0, 1, 2));
+}
+
+TEST(SvgText, SurvivesMarkup)
+{
+    tool::Svg svg(100, 50);
+    svg.text(1, 2, "a < b && \"c\" > d");
+    svg.line(0, 0, 1, 1, "#000");
+    EXPECT_EQ(test::xml_fault(svg.str()), "");
+    EXPECT_THAT(svg.str(), HasSubstr("a &lt; b &amp;&amp; &quot;c&quot; &gt; d"));
+    EXPECT_NE(test::xml_fault("<svg><g></svg>"), "");
+    EXPECT_NE(test::xml_fault("<svg>a & b</svg>"), "");
+    EXPECT_NE(test::xml_fault("<svg/><svg/>"), "");
+}
+
+} // namespace

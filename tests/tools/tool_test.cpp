@@ -1,0 +1,223 @@
+// SPDX-License-Identifier: MIT
+// `ork` run as a user runs it.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <regex>
+#include <sstream>
+
+#include "support/process.h"
+#include "tools/well_formed.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace ork::test;
+using testing::ContainsRegex;
+using testing::HasSubstr;
+using testing::Not;
+
+std::string read(const fs::path& file)
+{
+    std::ifstream in(file);
+    std::ostringstream all;
+    all << in.rdbuf();
+    return all.str();
+}
+
+class Tool : public testing::Test {
+protected:
+    Tool()
+    {
+        std::string name = testing::TempDir() + "ork-tool-XXXXXX";
+        folder = mkdtemp(name.data());
+    }
+    ~Tool() override { fs::remove_all(folder); }
+
+    ChildResult ork(std::vector<std::string> arguments, const std::vector<std::string>& environment = {})
+    {
+        arguments.insert(arguments.begin(), ORK_TOOL);
+        return run_program(arguments, environment, 120);
+    }
+
+    // Value of a line "name   value" of `ork info`.
+    static std::string value(const std::string& text, const std::string& name)
+    {
+        std::smatch match;
+        return std::regex_search(text, match, std::regex("(^|\n)" + name + " +([^\n]+)")) ? match[2].str() : "";
+    }
+
+    fs::path folder;
+};
+
+TEST_F(Tool, InfoNamesTheKernelLibraryAndCountsItsExports)
+{
+    const ChildResult run = ork({"info"}, {"ORK_NUM_THREADS=3"});
+    ASSERT_TRUE(run.ok()) << run.describe();
+    EXPECT_EQ(fs::canonical(value(run.out, "file")), fs::canonical(ORK_LIB_DIR "/libork_nx2.so"));
+    EXPECT_EQ(value(run.out, "code path"), "3 (SSE4.2)");
+    EXPECT_EQ(value(run.out, "threads"), "3");
+    for (const char* name : {"version", "processor", "caches"}) EXPECT_NE(value(run.out, name), "") << name;
+    const ChildResult nm = run_program({"nm", "-D", "--defined-only", ORK_LIB_DIR "/libork_nx2.so"});
+    ASSERT_TRUE(nm.ok()) << nm.describe();
+    EXPECT_EQ(value(run.out, "exports"), std::to_string(std::count(nm.out.begin(), nm.out.end(), '\n')));
+}
+
+TEST_F(Tool, CheckFindsTheKernelsRight)
+{
+    const ChildResult run = ork({"check"});
+    EXPECT_TRUE(run.ok()) << run.describe();
+    EXPECT_THAT(run.out, ContainsRegex("[0-9]+ routines, [0-9]+ calls .*: all right"));
+}
+
+TEST_F(Tool, DemoPrintsSoundNumbersAndAPicture)
+{
+    const ChildResult run = ork({"demo", "pca", "--out", folder, "--checks"});
+    ASSERT_TRUE(run.ok()) << run.describe();
+    const auto numbers = [&](const std::string& line) {
+        std::vector<double> all;
+        std::istringstream in(value(run.out, "  " + line));
+        for (std::string word; in >> word;)
+            if (word != "%") all.push_back(std::stod(word));
+        return all;
+    };
+    const auto variance = numbers("variance"), kept = numbers("kept"), explained = numbers("explained");
+    ASSERT_EQ(variance.size(), 8u);
+    EXPECT_TRUE(std::is_sorted(variance.rbegin(), variance.rend()));
+    ASSERT_EQ(explained.size(), kept.size());
+    EXPECT_TRUE(std::is_sorted(explained.begin(), explained.end()));
+    EXPECT_GT(explained.front(), 0);
+    EXPECT_LT(explained.back(), 100);
+    EXPECT_NEAR(explained.front(), variance[0] + variance[1], 0.011); // two components kept, both rounded
+    EXPECT_THAT(run.out, HasSubstr("held: covariance"));
+    const std::string picture = read(folder / "ork-demo-pca.svg");
+    EXPECT_EQ(xml_fault(picture), "");
+    EXPECT_THAT(run.out, HasSubstr((folder / "ork-demo-pca.svg").string()));
+}
+
+TEST_F(Tool, DemoShowsNothingOfAWrongComputation)
+{
+    if (sanitized) GTEST_SKIP() << "a sanitizer's run-time must be preloaded first";
+    for (const char* fault : {"nan", "small"}) {
+        const ChildResult run = ork({"demo", "pca", "--out", folder},
+                                    {"LD_PRELOAD=" ORK_WRONG_BLAS, std::string("ORK_TEST_FAULT=") + fault});
+        EXPECT_EQ(run.exit_code, 1) << fault << run.describe();
+        EXPECT_THAT(run.out, HasSubstr("CHECK FAILED")) << fault;
+        EXPECT_THAT(run.out, Not(HasSubstr("explained"))) << fault;
+        EXPECT_FALSE(fs::exists(folder / "ork-demo-pca.svg")) << fault;
+    }
+}
+
+TEST_F(Tool, DemoNamesTheLineOfABadInputFile)
+{
+    const ChildResult missing = ork({"demo", "pca", "--data", folder, "--out", folder});
+    EXPECT_EQ(missing.exit_code, 1);
+    EXPECT_THAT(missing.err, HasSubstr((folder / "digits.csv: No such file").string()));
+
+    std::istringstream original(read(ORK_SOURCE_DIR "/examples/data/digits.csv"));
+    std::ofstream cut(folder / "digits.csv");
+    std::string line;
+    for (int row = 1; row <= 5 && std::getline(original, line); ++row)
+        cut << (row == 4 ? line.substr(0, line.size() / 2) : line) << '\n';
+    cut.close();
+    const ChildResult malformed = ork({"demo", "pca", "--data", folder, "--out", folder});
+    EXPECT_EQ(malformed.exit_code, 1);
+    EXPECT_THAT(malformed.err, HasSubstr("digits.csv:4: "));
+    EXPECT_THAT(malformed.out, Not(HasSubstr("explained")));
+}
+
+// Rank-deficient and nearly empty input: what is left of the checks must still hold.
+TEST_F(Tool, DemoTakesFewImages)
+{
+    std::istringstream original(read(ORK_SOURCE_DIR "/examples/data/digits.csv"));
+    std::string first, second, third;
+    std::getline(original, first);
+    std::getline(original, second);
+    std::getline(original, third);
+    for (const std::string& rows :
+         {first + '\n' + second, first + '\n' + second + '\n' + third + '\n' + second + '\n'}) {
+        std::ofstream(folder / "digits.csv") << rows;
+        const ChildResult run = ork({"demo", "pca", "--data", folder, "--out", folder});
+        EXPECT_TRUE(run.ok()) << run.describe();
+        EXPECT_THAT(run.out, Not(HasSubstr("nan")));
+        EXPECT_EQ(xml_fault(read(folder / "ork-demo-pca.svg")), "");
+    }
+    for (const std::string& rows : {first, first + '\n' + first}) {
+        std::ofstream(folder / "digits.csv") << rows;
+        const ChildResult run = ork({"demo", "pca", "--data", folder, "--out", folder});
+        EXPECT_EQ(run.exit_code, 1) << run.describe();
+        EXPECT_THAT(run.err, HasSubstr("alike"));
+    }
+}
+
+TEST_F(Tool, BenchWritesWhatItMeasured)
+{
+    const std::string json = folder / "bench.json", svg = folder / "bench.svg";
+    const ChildResult run = ork({"bench", "gemm", "level1", "--routine", "dgemm,ddot", "--sizes", "5,16", "--trans",
+                                 "nt", "--quick", "--json", json, "--svg", svg});
+    ASSERT_TRUE(run.ok()) << run.describe();
+    EXPECT_EQ(xml_fault(read(svg)), "");
+    const auto root = nlohmann::json::parse(read(json));
+    EXPECT_GT(root["machine"]["sse_double_gflops"].get<double>(), 0);
+    ASSERT_EQ(root["machine"]["levels"].size(), 4u);
+    EXPECT_EQ(root["contenders"][0]["kind"], "ork");
+    ASSERT_EQ(root["cases"].size(), 4u);
+    for (const auto& c : root["cases"]) {
+        SCOPED_TRACE(c.dump());
+        EXPECT_EQ(c["variant"], c["routine"] == "dgemm" ? "NT beta=0" : "");
+        EXPECT_GE(c["rounds"].get<int>(), 3);
+        EXPECT_GT(c["limit"].get<double>(), 0);
+        EXPECT_GT(c["of_limit"].get<double>(), 0);
+        double fastest_peer = 0, ork = 0, best_peer = 0;
+        for (const auto& figure : c["figures"]) {
+            EXPECT_TRUE(figure["right"].get<bool>());
+            const double rate = figure["rate"];
+            EXPECT_NEAR(rate, c["work"].get<double>() / figure["median_seconds"].get<double>() / 1e9, 1e-6 * rate);
+            if (figure["kind"] == "ork") ork = rate;
+            if (figure["kind"] == "peer") fastest_peer = std::max(fastest_peer, rate);
+            if (figure["name"] == c["best_peer"]) best_peer = rate;
+        }
+        EXPECT_GT(ork, 0);
+        EXPECT_EQ(best_peer, fastest_peer);
+        EXPECT_EQ(c["ratio"].is_null(), c["best_peer"].is_null());
+    }
+}
+
+TEST_F(Tool, BadArgumentsAreNamedAndFail)
+{
+    struct Case {
+        std::vector<std::string> arguments;
+        const char* says;
+    };
+    const Case cases[] = {
+        {{"nonsense"}, "nonsense"},
+        {{"info", "--colour"}, "--colour"},
+        {{"demo", "nosuchdemo"}, "nosuchdemo"},
+        {{"demo", "--out", folder / "missing"}, "missing"},
+        {{"bench", "nosuchfamily"}, "nosuchfamily"},
+        {{"bench", "gemm", "--routine", "dgemmm"}, "dgemmm"},
+        {{"bench", "gemm", "--sizes", "12,3y"}, "3y"},
+        {{"bench", "gemm", "--sizes", "0"}, "\"0\""},
+        {{"bench", "gemm", "--sizes", "10x20"}, "10x20"},
+        {{"bench", "gemm", "--sizes", "99999999999"}, "99999999999"},
+        {{"bench", "gemm", "--trans", "NX"}, "NX"},
+        {{"bench", "--threads", "0"}, "--threads"},
+        {{"bench", "--also", "/nonexistent/libblas.so"}, "/nonexistent/libblas.so"},
+        {{"bench", "level1", "--routine", "ddot", "--sizes", "8", "--quick", "--json", folder / "missing" / "x.json"},
+         "x.json"},
+    };
+    for (const Case& c : cases) {
+        const ChildResult run = ork(c.arguments);
+        EXPECT_GT(run.exit_code, 0) << c.says << run.describe();
+        EXPECT_THAT(run.err + run.out, HasSubstr(c.says));
+    }
+    const ChildResult nothing = ork({});
+    EXPECT_GT(nothing.exit_code, 0);
+    EXPECT_THAT(nothing.err, HasSubstr("demo"));
+    for (const char* help : {"info", "demo", "bench", "check"}) EXPECT_TRUE(ork({help, "--help"}).ok()) << help;
+}
+
+} // namespace
