@@ -3,8 +3,10 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <regex>
 #include <sstream>
@@ -184,6 +186,36 @@ TEST_F(Tool, BenchWritesWhatItMeasured)
         EXPECT_EQ(best_peer, fastest_peer);
         EXPECT_EQ(c["ratio"].is_null(), c["best_peer"].is_null());
     }
+}
+
+// Counted independently: by the same rule in plain loops over the file.
+TEST_F(Tool, ExampleNamesAsManyDigitsAsPlainLoopsDo)
+{
+    std::ifstream in(ORK_SOURCE_DIR "/examples/data/digits.csv");
+    std::vector<std::vector<double>> rows;
+    for (std::string line; std::getline(in, line);) {
+        std::replace(line.begin(), line.end(), ',', ' ');
+        std::istringstream fields(line);
+        rows.emplace_back(std::istream_iterator<double>(fields), std::istream_iterator<double>());
+        ASSERT_EQ(rows.back().size(), 65u);
+    }
+    const size_t half = rows.size() / 2;
+    std::vector<std::vector<double>> mean(10, std::vector<double>(65, 0));
+    for (size_t i = 0; i < half; ++i)
+        for (size_t j = 0; j < 65; ++j) mean[static_cast<size_t>(rows[i][64])][j] += j < 64 ? rows[i][j] : 1;
+    int right = 0;
+    for (size_t i = half; i < rows.size(); ++i) {
+        double least = 1e30, named = -1;
+        for (size_t c = 0; c < 10; ++c) {
+            double distance = 0;
+            for (size_t j = 0; j < 64; ++j) distance += std::pow(rows[i][j] - mean[c][j] / mean[c][64], 2);
+            if (distance < least) least = distance, named = static_cast<double>(c);
+        }
+        right += named == rows[i][64];
+    }
+    const ChildResult run = run_program({ORK_EXAMPLE, ORK_SOURCE_DIR "/examples/data/digits.csv"});
+    EXPECT_TRUE(run.ok()) << run.describe();
+    EXPECT_THAT(run.out, testing::StartsWith(std::to_string(right) + " of " + std::to_string(rows.size() - half)));
 }
 
 TEST_F(Tool, BadArgumentsAreNamedAndFail)
