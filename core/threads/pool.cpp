@@ -252,7 +252,8 @@ void strand(void* context, int)
     set_thread_word(self);
 }
 
-// Stops the workers. Those in a part finish it, so a call under way ends right, by its caller's own work.
+// Stops the workers. Those in a part finish it, so a call under way ends right, by its caller's own work. A worker that
+// leaves the process itself, or waits for another thread to do so, can't be waited for.
 [[gnu::destructor]] void close_pool()
 {
     int workers;
@@ -260,12 +261,15 @@ void strand(void* context, int)
         Locked lock;
         pool.closing.store(true);
         workers = pool.workers;
+        pool.workers = 0;
     }
-    if (pool.leaving.load()) return;
     pool.epoch.fetch_add(1);
     wake(pool.epoch, INT_MAX);
-    for (int i = 0; i < workers; ++i) pthread_join(pool.threads[i], nullptr);
-    pool.workers = 0;
+    for (int i = 0; i < workers; ++i)
+        if (pool.leaving.load())
+            pthread_detach(pool.threads[i]);
+        else
+            pthread_join(pool.threads[i], nullptr);
 }
 
 } // namespace

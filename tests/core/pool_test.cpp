@@ -143,6 +143,7 @@ TEST_F(Pool, CallsFromPartsRunSerial)
 // Eight callers don't bring eight sets of workers.
 TEST_F(Pool, CallersShareTheWorkers)
 {
+    if (thread_sanitized) GTEST_SKIP() << "its run-time gives up after such a fork";
     const ChildResult child = run_child([] {
         ork_set_num_threads(3);
         std::vector<std::thread> callers;
@@ -210,6 +211,7 @@ TEST_F(Pool, WorkersLeaveSignalsToTheApplication)
 
 TEST_F(Pool, AThreadThatCannotStartIsDoneWithout)
 {
+    if (thread_sanitized) GTEST_SKIP() << "its run-time gives up after such a fork";
     for (int refused : {1, 1'000'000}) {
         const ChildResult child = run_child([&] {
             ork_set_num_threads(4);

@@ -101,6 +101,7 @@ TEST(DefaultThreads, FollowTheEnvironmentThenTheAffinity)
 // A program that runs with the rights of another user must not be steered by who starts it.
 TEST(DefaultThreads, IgnoreTheEnvironmentInSetUserIdPrograms)
 {
+    if (sanitized) GTEST_SKIP() << "sanitizers refuse to run so";
     if (geteuid() != 0) GTEST_SKIP() << "only the superuser can make such a program of another user";
     CoreFolder folder;
     const files::path program = folder.path() / "core_user";
