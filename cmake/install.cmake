@@ -15,6 +15,8 @@ foreach(name blas blas64)
   install(TARGETS ork_${name} EXPORT orkTargets LIBRARY DESTINATION ${ORK_DROP_IN_DIR})
 endforeach()
 
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DATADIR}/ork FILES_MATCHING PATTERN "*.c" PATTERN "README.md")
+
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ork)
 install(EXPORT orkTargets NAMESPACE ork:: DESTINATION ${package_dir})
 configure_package_config_file(cmake/orkConfig.cmake.in ${CMAKE_BINARY_DIR}/orkConfig.cmake INSTALL_DESTINATION ${package_dir})

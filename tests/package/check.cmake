@@ -45,9 +45,15 @@ if(pkg_config)
   foreach(program from_pc_c from_pc_cpp)
     run(env LD_LIBRARY_PATH=${prefix}/${LIBDIR} ${WORK}/${program})
   endforeach()
+
+  # The examples are built as they say at their heads, and read the data that came with them.
+  set(examples ${prefix}/share/ork/examples)
+  run(${CC} ${flags} ${examples}/nearest_mean.c -o ${WORK}/nearest_mean ${options})
+  run(env LD_LIBRARY_PATH=${prefix}/${LIBDIR} ${WORK}/nearest_mean ${examples}/data/digits.csv)
 endif()
 
 if(TOOLS)
   run(${prefix}/${BINDIR}/ork info)
+  run(${prefix}/${BINDIR}/ork demo --out ${WORK})
 endif()
 file(REMOVE_RECURSE ${WORK})
