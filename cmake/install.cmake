@@ -3,7 +3,7 @@
 include(CMakePackageConfigHelpers)
 
 # The kernel library stands beside the core, which looks for it there and nowhere else.
-set_target_properties(ork_core PROPERTIES EXPORT_NAME core INSTALL_RPATH "$ORIGIN")
+set_target_properties(ork_core PROPERTIES EXPORT_NAME core)
 install(TARGETS ork_core EXPORT orkTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(TARGETS ork_nx2 LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY include/ork DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
@@ -11,7 +11,9 @@ install(DIRECTORY include/ork DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 # The drop-ins carry the names of the system's BLAS, so they keep to a folder that no program searches unasked.
 set(ORK_DROP_IN_DIR ${CMAKE_INSTALL_LIBDIR}/ork)
 foreach(name blas blas64)
-  set_target_properties(ork_${name} PROPERTIES EXPORT_NAME ${name} INSTALL_RPATH "$ORIGIN/..")
+  # Both paths from the start: CMake would fill a shorter one up with colons, which stand for the working directory.
+  set_target_properties(ork_${name} PROPERTIES EXPORT_NAME ${name} INSTALL_RPATH "$ORIGIN/..;$ORIGIN"
+                        BUILD_WITH_INSTALL_RPATH ON)
   install(TARGETS ork_${name} EXPORT orkTargets LIBRARY DESTINATION ${ORK_DROP_IN_DIR})
 endforeach()
 
