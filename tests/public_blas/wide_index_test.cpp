@@ -78,7 +78,7 @@ TEST_F(WideDouble, MatricesInThirtyTwoBitIntegers)
 {
     const std::int32_t two = 2, four = 4;
     const double zero = 0, b[] = {1, 1, 1, 1};
-    double c[4] = {};
+    double c[8] = {};
     // A is 1 x 4 with columns 2^30 apart, or the same four elements as rows of a 4 x 1 matrix by rows.
     const std::int32_t single = 1;
     const double alpha = 1;
