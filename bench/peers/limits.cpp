@@ -13,22 +13,21 @@
 namespace ork::peers {
 namespace {
 
-// xmm14 holds ones and xmm15 zeros; multiplications run in xmm0.., additions in xmm7... All values stay 1, so no round
-// is slowed down by denormals or infinities.
-#define ORK_PAIR(type, i, j) "mul" type " %%xmm14, %%xmm" #i "\n\tadd" type " %%xmm15, %%xmm" #j "\n\t"
-#define ORK_SIX(type)                                                                                                  \
-    ORK_PAIR(type, 0, 7)                                                                                               \
-    ORK_PAIR(type, 1, 8) ORK_PAIR(type, 2, 9) ORK_PAIR(type, 3, 10) ORK_PAIR(type, 4, 11) ORK_PAIR(type, 5, 12)
-#define ORK_SEVEN(type) ORK_SIX(type) ORK_PAIR(type, 6, 13)
+// Multiplications of ones and additions of zeros: values that no round changes or slows down. The chains of the first
+// body are bound by latency where a processor starts more than 8 of a kind within one latency; the second body breaks
+// them with copies, which cost a slot of the front end but no arithmetic.
+#define ORK_CHAINS(type)                                                                                               \
+    ".irp r,0,1,2,3,4,5,6,7\n\tmul" type " %%xmm\\r, %%xmm\\r\n\t.endr\n\t"                                            \
+    ".irp r,8,9,10,11,12,13,14,15\n\tadd" type " %%xmm\\r, %%xmm\\r\n\t.endr\n\t"
+#define ORK_COPIES(type)                                                                                               \
+    ".irp r,2,3,4,5,6,7,8,9,10,11,12,13,14\n\tmovapd %%xmm1, %%xmm0\n\tmul" type " %%xmm1, %%xmm0\n\tadd" type         \
+    " %%xmm15, %%xmm\\r\n\t.endr\n\t"
 #define ORK_ARITHMETIC(name, type, body, repeat)                                                                       \
     void name(long rounds)                                                                                             \
     {                                                                                                                  \
         const __m128d one = type[1] == 'd' ? _mm_set1_pd(1) : _mm_castps_pd(_mm_set1_ps(1));                           \
-        asm volatile("movapd %1, %%xmm14\n\txorpd %%xmm15, %%xmm15\n\t"                                                \
-                     "movapd %1, %%xmm0\n\tmovapd %1, %%xmm1\n\tmovapd %1, %%xmm2\n\tmovapd %1, %%xmm3\n\t"            \
-                     "movapd %1, %%xmm4\n\tmovapd %1, %%xmm5\n\tmovapd %1, %%xmm6\n\tmovapd %1, %%xmm7\n\t"            \
-                     "movapd %1, %%xmm8\n\tmovapd %1, %%xmm9\n\tmovapd %1, %%xmm10\n\tmovapd %1, %%xmm11\n\t"          \
-                     "movapd %1, %%xmm12\n\tmovapd %1, %%xmm13\n\t"                                                    \
+        asm volatile(".irp r,0,1,2,3,4,5,6,7\n\tmovapd %1, %%xmm\\r\n\t.endr\n\t"                                      \
+                     ".irp r,8,9,10,11,12,13,14,15\n\txorpd %%xmm\\r, %%xmm\\r\n\t.endr\n\t"                           \
                      ".p2align 6\n1:\n\t.rept " #repeat "\n\t" body(type) ".endr\n\tdec %0\n\tjnz 1b"                  \
                      : "+r"(rounds)                                                                                    \
                      : "m"(one)                                                                                        \
@@ -36,14 +35,12 @@ namespace {
                        "xmm11", "xmm12", "xmm13", "xmm14", "xmm15");                                                   \
     }
 
-ORK_ARITHMETIC(double_6x2, "pd", ORK_SIX, 2)
-ORK_ARITHMETIC(double_6x8, "pd", ORK_SIX, 8)
-ORK_ARITHMETIC(double_7x1, "pd", ORK_SEVEN, 1)
-ORK_ARITHMETIC(double_7x4, "pd", ORK_SEVEN, 4)
-ORK_ARITHMETIC(double_7x16, "pd", ORK_SEVEN, 16)
-ORK_ARITHMETIC(single_6x8, "ps", ORK_SIX, 8)
-ORK_ARITHMETIC(single_7x4, "ps", ORK_SEVEN, 4)
-ORK_ARITHMETIC(single_7x16, "ps", ORK_SEVEN, 16)
+ORK_ARITHMETIC(double_chains, "pd", ORK_CHAINS, 1)
+ORK_ARITHMETIC(double_chains_unrolled, "pd", ORK_CHAINS, 4)
+ORK_ARITHMETIC(double_copies, "pd", ORK_COPIES, 2)
+ORK_ARITHMETIC(single_chains, "ps", ORK_CHAINS, 1)
+ORK_ARITHMETIC(single_chains_unrolled, "ps", ORK_CHAINS, 4)
+ORK_ARITHMETIC(single_copies, "ps", ORK_COPIES, 2)
 
 // Loads into a register, whether or not the value is used, and hides where it came from: a store of it stays a store.
 inline __m128d loaded(const double* from)
@@ -177,14 +174,12 @@ void run_stream(Traffic pattern, char* x, char* y, size_t bytes, long times)
 
 const std::vector<ArithmeticLoop>& arithmetic_loops(bool single_precision)
 {
-    static const std::vector<ArithmeticLoop> doubles = {{"7 + 7 chains, 16 times", 16 * 14 * 2, double_7x16},
-                                                        {"7 + 7 chains, 4 times", 4 * 14 * 2, double_7x4},
-                                                        {"7 + 7 chains", 14 * 2, double_7x1},
-                                                        {"6 + 6 chains, 8 times", 8 * 12 * 2, double_6x8},
-                                                        {"6 + 6 chains, twice", 2 * 12 * 2, double_6x2}};
-    static const std::vector<ArithmeticLoop> singles = {{"7 + 7 chains, 16 times", 16 * 14 * 4, single_7x16},
-                                                        {"7 + 7 chains, 4 times", 4 * 14 * 4, single_7x4},
-                                                        {"6 + 6 chains, 8 times", 8 * 12 * 4, single_6x8}};
+    static const std::vector<ArithmeticLoop> doubles = {{"8 + 8 chains", 16 * 2, double_chains},
+                                                        {"8 + 8 chains, 4 times", 4 * 16 * 2, double_chains_unrolled},
+                                                        {"13 copies, twice", 2 * 26 * 2, double_copies}};
+    static const std::vector<ArithmeticLoop> singles = {{"8 + 8 chains", 16 * 4, single_chains},
+                                                        {"8 + 8 chains, 4 times", 4 * 16 * 4, single_chains_unrolled},
+                                                        {"13 copies, twice", 2 * 26 * 4, single_copies}};
     return single_precision ? singles : doubles;
 }
 
