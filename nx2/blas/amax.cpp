@@ -129,19 +129,55 @@ template <class T>
     return find(x, 0, n, [](auto m) { return unordered(m, m); });
 }
 
+// One to four registers of elements, which overlap as they must.
+template <Extreme e, class T>
+inline Int among_four(Int n, const T* x)
+{
+    using V = Vec<Real<T>>;
+    constexpr Int lanes = V::lanes, last = 3;
+    const Int at[] = {0, n < 2 * lanes ? n - lanes : lanes, n < 2 * lanes ? 0 : n - 2 * lanes, n - lanes};
+    V m[4];
+#pragma GCC unroll 4
+    for (int j = 0; j < 4; ++j) m[j] = magnitudes(x + at[j]);
+    if (mask(unordered(m[0], m[1]) | unordered(m[2], m[3])) != 0) return first_nan(x, n);
+    const V best = best_lane<e>(better<e>(better<e>(m[0], m[1]), better<e>(m[2], m[3])));
+    unsigned hits = 0;
+#pragma GCC unroll 4
+    for (int j = last; j >= 0; --j) hits |= static_cast<unsigned>(mask(equal(m[j], best))) << at[j];
+    return __builtin_ctz(hits);
+}
+
+// Blocks of eight registers, and what is left over.
 template <Extreme e, class T>
 inline Int among_few(Int n, const T* x)
 {
     using V = Vec<Real<T>>;
-    constexpr int lanes = V::lanes;
-    V best = magnitudes(x + n - lanes), nan = unordered(best, best); // the last ones, some of them twice
-    for (Int i = 0; i < n - lanes; i += lanes) {
-        const V m = magnitudes(x + i);
-        best = better<e>(best, m);
+    constexpr int lanes = V::lanes, width = 8, block = width * lanes;
+    V best = broadcast(e == Extreme::largest ? Real<T>{} : std::numeric_limits<Real<T>>::infinity());
+    V nan = broadcast(Real<T>{});
+    Int winner = 0, i = 0;
+    const auto challenge = [&](V block_best) {
+        if (mask(beats<e>(block_best, best)) != 0) best = best_lane<e>(block_best), winner = i;
+    };
+    for (; i <= n - block; i += block) {
+        V m[width];
+#pragma GCC unroll 8
+        for (int j = 0; j < width; ++j) m[j] = magnitudes(x + i + j * lanes);
+#pragma GCC unroll 4
+        for (int j = 0; j < width; j += 2) nan = nan | unordered(m[j], m[j + 1]), m[j] = better<e>(m[j], m[j + 1]);
+        challenge(better<e>(better<e>(m[0], m[2]), better<e>(m[4], m[6])));
+    }
+    if (i < n) {
+        V m = magnitudes(x + n - lanes);
         nan = nan | unordered(m, m);
+        for (Int k = i; k < n - lanes; k += lanes) {
+            const V a = magnitudes(x + k);
+            nan = nan | unordered(a, a), m = better<e>(m, a);
+        }
+        challenge(m);
     }
     if (mask(nan) != 0) return first_nan(x, n);
-    return first_extreme<e>(x, 0, n, best_lane<e>(best));
+    return first_extreme<e>(x, winner, winner + block < n ? winner + block : n, best);
 }
 
 template <Extreme e, class T>
@@ -196,6 +232,7 @@ Int position(Int n, const T* x, Int incx)
     constexpr Int lanes = Vec<Real<T>>::lanes, many = 64 * lanes;
     if (n < 1) return 0;
     if (incx != 1 || n < lanes) return 1 + one_by_one<e>(n, x, incx);
+    if (n <= 4 * lanes) return 1 + among_four<e>(n, x);
     return 1 + (n < many ? among_few<e>(n, x) : among_many<e>(n, x));
 }
 

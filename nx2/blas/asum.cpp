@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Sum of magnitudes |x[i]|, of |re| + |im| for complex numbers; and that magnitude of one number.
 //
-// The order of additions, by n alone. Increment 1: over blocks of 8 registers, register j goes to accumulator A(j); the
-// registers that fill no block go to A0, A1, ... in turn; the sum is ((A0 + A1) + (A2 + A3)) + ((A4 + A5) + (A6 + A7)),
-// then its lanes (0 + 1, or (0 + 2) + (1 + 3)), then the numbers that fill no register, in order. A complex vector is
-// summed as the real one of twice the length. Other increments: one accumulator, in the order of the elements.
+// The order of additions, by n alone. Increment 1: over blocks of 8 registers, register j goes to accumulator A(j); of
+// the registers that fill no block, 4 go to A0 .. A3 if there are as many, 2 to A4 and A5, one to A6, and two last single
+// numbers to the lower lanes of A7; the sum is ((A0 + A1) + (A2 + A3)) + ((A4 + A5) + (A6 + A7)), then its lanes (0 + 1,
+// or (0 + 2) + (1 + 3)), then the last odd number. A complex vector is summed as the real one of twice the length. Other
+// increments: one accumulator, in the order of the elements.
 #include "blas/elementwise.h"
 #include "blas/level1_kernels.h"
 
@@ -30,14 +31,17 @@ R sum_of_adjacent(Int n, const R* x)
     for (; left >= block; left -= block, x += block)
 #pragma GCC unroll 8
         for (int j = 0; j < width; ++j) a[j] = a[j] + abs(load(x + j * lanes));
-#pragma GCC unroll 8
-    for (int j = 0; j < width; ++j)
-        if (left >= lanes) {
-            a[j] = a[j] + abs(load(x));
-            x += lanes, left -= lanes;
-        }
+    const auto add = [&](int to, int count) {
+        if ((left & (count * lanes)) == 0) return;
+#pragma GCC unroll 4
+        for (int j = 0; j < count; ++j) a[to + j] = a[to + j] + abs(load(x + j * lanes));
+        x += count * lanes;
+    };
+    add(0, 4), add(4, 2), add(6, 1);
+    if constexpr (lanes == 4)
+        if (left & 2) a[7] = a[7] + abs(load_low(x)), x += 2;
     R sum = fold(((a[0] + a[1]) + (a[2] + a[3])) + ((a[4] + a[5]) + (a[6] + a[7])));
-    for (; left > 0; --left, ++x) sum += magnitude(get(x));
+    if (left & 1) sum += magnitude(get(x));
     return sum;
 }
 

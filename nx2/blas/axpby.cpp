@@ -13,7 +13,7 @@ struct Axpby {
     template <int width>
     [[gnu::always_inline]] void at(const T* x, T* y) const
     {
-        store<width>(y, sum(alpha * load<width>(x), beta * load<width>(y)));
+        store<width>(y, sum(times<width>(alpha, x), times<width>(beta, y)));
     }
 };
 
@@ -24,7 +24,7 @@ struct Ax {
     template <int width>
     [[gnu::always_inline]] void at(const T* x, T* y) const
     {
-        store<width>(y, alpha * load<width>(x));
+        store<width>(y, times<width>(alpha, x));
     }
 };
 

@@ -13,14 +13,16 @@ struct Axpy {
     template <int width>
     [[gnu::always_inline]] void at(const T* x, T* y) const
     {
-        store<width>(y, sum(alpha * load<width>(x), load<width>(y)));
+        store<width>(y, sum(times<width>(alpha, x), load<width>(y)));
     }
 };
 
 template <class T>
 void axpy(Int n, T alpha, const T* x, Int incx, T* y, Int incy)
 {
-    if (n <= 0 || alpha == T{}) return;            // nothing of x reaches y, be it NaN
+    if (n <= 0) return;
+    if (alpha == T{}) [[unlikely]]
+        return;                                    // nothing of x reaches y, be it NaN
     if (incx == -1 && incy == -1) incx = incy = 1; // the same pairs, also where the vectors overlap
     each(n, Axpy<T>{Factor<T>(alpha)}, x, incx, y, incy);
 }

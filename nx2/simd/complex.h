@@ -60,9 +60,64 @@ inline void store(Complex<R>* p, Vec<Complex<R>> a)
     store<2 * width>(reinterpret_cast<R*>(p), a.v);
 }
 
-// (im, re) of every pair.
-inline Vec<double> exchanged(Vec<double> a) { return {_mm_shuffle_pd(a.v, a.v, 1)}; }
-inline Vec<float> exchanged(Vec<float> a) { return {_mm_shuffle_ps(a.v, a.v, _MM_SHUFFLE(2, 3, 0, 1))}; }
+// (im, re) of every pair. pshufd, unlike shufpd and shufps, leaves its operand as it was and so saves a move; written as
+// an intrinsic, it makes the compiler load the operand twice.
+inline Vec<double> exchanged(Vec<double> a)
+{
+    Vec<double> result;
+    asm("pshufd $0x4e, %1, %0" : "=x"(result.v) : "x"(a.v));
+    return result;
+}
+inline Vec<float> exchanged(Vec<float> a)
+{
+    Vec<float> result;
+    asm("pshufd $0xb1, %1, %0" : "=x"(result.v) : "x"(a.v));
+    return result;
+}
+
+// (a0 - b0, a1 + b1, ...).
+inline Vec<double> alternating_sum(Vec<double> a, Vec<double> b) { return {_mm_addsub_pd(a.v, b.v)}; }
+inline Vec<float> alternating_sum(Vec<float> a, Vec<float> b) { return {_mm_addsub_ps(a.v, b.v)}; }
+
+template <class R>
+inline Vec<Complex<R>> conj(Vec<Complex<R>> a)
+{
+    const __m128d sign = sizeof(R) == 8 ? _mm_castsi128_pd(_mm_set_epi64x(INT64_MIN, 0))
+                                        : _mm_castsi128_pd(_mm_set1_epi64x(INT64_MIN));
+    if constexpr (sizeof(R) == 8)
+        return {{_mm_xor_pd(a.v.v, sign)}};
+    else
+        return {{_mm_xor_ps(a.v.v, _mm_castpd_ps(sign))}};
+}
+
+// Rows become columns in a square of lanes x lanes numbers.
+inline void transpose(Vec<Complex<double>> (&)[1]) {}
+inline void transpose(Vec<Complex<float>> (&x)[2])
+{
+    Vec<double> halves[2] = {{_mm_castps_pd(x[0].v.v)}, {_mm_castps_pd(x[1].v.v)}};
+    transpose(halves);
+    x[0].v.v = _mm_castpd_ps(halves[0].v), x[1].v.v = _mm_castpd_ps(halves[1].v);
+}
+
+// The real numbers of an element, or of a register of elements.
+template <class T>
+inline Real<T>* reals(T* p)
+{
+    return reinterpret_cast<Real<T>*>(p);
+}
+template <class T>
+inline const Real<T>* reals(const T* p)
+{
+    return reinterpret_cast<const Real<T>*>(p);
+}
+template <class T>
+inline Vec<Real<T>> reals(Vec<T> a)
+{
+    if constexpr (is_complex<T>)
+        return a.v;
+    else
+        return a;
+}
 
 // A scalar S spread over registers so that it can multiply a register of T: factor * x. Of two NaNs, x's goes on.
 template <class T, class S = T>
@@ -90,6 +145,21 @@ private:
     static Vec<double> alternate(double even, double odd) { return {_mm_set_pd(odd, even)}; }
     static Vec<float> alternate(float even, float odd) { return {_mm_set_ps(odd, even, odd, even)}; }
 };
+
+// factor times the elements at p. For pairs of double numbers two loads that repeat re and im replace a load and an
+// exchange: a quarter faster in x <- alpha x.
+template <int width, class T, class S>
+inline Vec<T> times(Factor<T, S> a, const T* p)
+{
+    return a * load<width>(p);
+}
+template <int width>
+inline Vec<Complex<double>> times(Factor<Complex<double>, Complex<double>> a, const Complex<double>* p)
+{
+    const Vec<double> along{_mm_shuffle_pd(a.re.v, a.im.v, 2)};  // (re, im)
+    const Vec<double> across{_mm_shuffle_pd(a.im.v, a.re.v, 0)}; // (-im, re)
+    return {sum(product(load<1>(reals(p)), along), product(load<1>(reals(p) + 1), across))};
+}
 
 // Between the types of the boundary and these.
 inline float* pairs(float* p) { return p; }

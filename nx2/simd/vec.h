@@ -58,6 +58,13 @@ inline Vec<float> load(const float* p)
     std::memcpy(&a, p, sizeof a);
     return {_mm_set1_ps(a)};
 }
+// Two numbers, and zeros in the lanes above.
+inline Vec<float> load_low(const float* p)
+{
+    double pair;
+    std::memcpy(&pair, p, sizeof pair);
+    return {_mm_castpd_ps(_mm_set_sd(pair))};
+}
 template <int width>
 inline void store(double* p, Vec<double> a)
 {
