@@ -10,7 +10,6 @@
 namespace ork::services {
 namespace {
 
-// The loader's lock comes first everywhere: a library is never looked up with the pool's lock held.
 void before()
 {
     loader::before_fork();
@@ -20,13 +19,13 @@ void before()
 void in_parent()
 {
     threads::after_fork_in_parent();
-    loader::after_fork();
+    loader::after_fork_in_parent();
 }
 
 void in_child()
 {
     threads::after_fork_in_child();
-    loader::after_fork();
+    loader::after_fork_in_child();
     reset_lock();
 }
 

@@ -8,6 +8,7 @@
 
 #include <limits.h>
 #include <pthread.h>
+#include <sched.h>
 #include <signal.h>
 #include <sys/prctl.h>
 #include <unistd.h>
@@ -77,18 +78,20 @@ public:
 };
 
 // Watches a word for some 100 microseconds, a few times what it takes to wake a thread that sleeps; true when it
-// changed.
+// changed. After the first few the processor is offered to others at each look, because the thread that is to change
+// the word may be waiting for this very processor.
 template <class Changed>
 bool spin_until(Changed changed)
 {
-    constexpr std::uint64_t cycles = 300'000;
+    constexpr std::uint64_t cycles = 300'000, cycles_alone = 10'000;
     const std::uint64_t start = __rdtsc();
-    do {
-        for (int i = 0; i < 16; ++i) {
-            if (changed()) return true;
+    for (std::uint64_t spent = 0; spent < cycles; spent = __rdtsc() - start) {
+        if (changed()) return true;
+        if (spent < cycles_alone)
             _mm_pause();
-        }
-    } while (__rdtsc() - start < cycles);
+        else
+            sched_yield();
+    }
     return false;
 }
 
