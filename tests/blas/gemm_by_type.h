@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "blas/level1_kernels_by_type.h"
 #include "ork/abi/gemm.h"
 #include "ork/types.h"
 
@@ -36,7 +37,10 @@
     int64_t ork_blas_nx2_##p##gemm_copybn(const int64_t*, const int64_t*, const T*, const int64_t*, T*, const int64_t*); \
     int64_t ork_blas_nx2_##p##gemm_copybt(const int64_t*, const int64_t*, const T*, const int64_t*, T*, const int64_t*); \
     }
+GEMM_EXPORTS(s, float)
 GEMM_EXPORTS(d, double)
+GEMM_EXPORTS(c, ork_complex_float)
+GEMM_EXPORTS(z, ork_complex_double)
 #undef GEMM_EXPORTS
 // clang-format on
 
@@ -49,18 +53,43 @@ inline std::int64_t gemm_block(std::int64_t k)
     return k > 256 && k < 512 ? ((k + 1) / 2 + 3) / 4 * 4 : 256;
 }
 
-// One element: beta * c (not read for beta = 0), then block after block the sum from zero of (alpha a(l)) b(l) in
-// order.
+// clang-format off
+template <class T> inline constexpr auto gemm = of_type<T>(ork_blas_nx2_xsgemm, ork_blas_nx2_xdgemm, ork_blas_nx2_xcgemm, ork_blas_nx2_xzgemm);
+// clang-format on
+
+// One element: beta * c (not read for beta = 0), then block after block the sum from zero of (alpha a(l)) b(l) in order. A
+// complex block has four sums, (re re - im im, im re + re im).
 template <class T, class A, class B>
 T gemm_element(std::int64_t k, T alpha, A&& a, B&& b, T beta, T c)
 {
-    T result = beta == T(0) ? T(0) : beta == T(1) ? c : beta * c;
+    const auto times = [](T x, T y) {
+        if constexpr (is_complex<T>)
+            return T(x.real() * y.real() - x.imag() * y.imag(), x.real() * y.imag() + x.imag() * y.real());
+        else
+            return x * y;
+    };
+    T result = beta == T(0) ? T(0) : beta == T(1) ? c : times(beta, c);
     if (alpha == T(0)) return result;
     const std::int64_t block = gemm_block(k);
     for (std::int64_t first = 0; first < k; first += block) {
-        T sum = 0;
-        for (std::int64_t l = first; l < k && l < first + block; ++l) sum += (alpha * a(l)) * b(l);
-        result = beta == T(0) && first == 0 ? sum : result + sum;
+        Real<T> sum[4] = {};
+        for (std::int64_t l = first; l < k && l < first + block; ++l) {
+            const T x = alpha == T(1) ? T(a(l)) : times(alpha, a(l)), y = b(l);
+            if constexpr (is_complex<T>) {
+                sum[0] += x.real() * y.real();
+                sum[1] += x.imag() * y.imag();
+                sum[2] += x.imag() * y.real();
+                sum[3] += x.real() * y.imag();
+            } else {
+                sum[0] += x * y;
+            }
+        }
+        T value;
+        if constexpr (is_complex<T>)
+            value = {sum[0] - sum[1], sum[2] + sum[3]};
+        else
+            value = sum[0];
+        result = beta == T(0) && first == 0 ? value : result + value;
     }
     return result;
 }

@@ -14,8 +14,8 @@ template <class T>
 bool packing_pays(const Product<T>& p)
 {
     if (p.m <= 8 || p.n < 8) return false;
-    const Int crossover =
-        p.m % Units<T>::m == 0 && p.n % Units<T>::n == 0 ? 24 : 40; // edges of tiles cost packing more
+    const bool whole = p.m % Units<T>::m == 0 && p.n % Units<T>::n == 0; // edges of tiles cost packing more
+    const Int crossover = is_complex<T> ? (whole ? 12 : 16) : whole ? 24 : 40;
     return p.m * p.n * p.k > crossover * crossover * crossover;
 }
 
@@ -33,19 +33,22 @@ void multiply_blocked(const Product<T>& p, Desc& desc)
     }
     T* packed_a = static_cast<T*>(buffer_a);
     T* packed_b = static_cast<T*>(buffer_b);
-    const auto copy_a =
-        reinterpret_cast<CopyA<T>*>(p.a.outer_stride == 1 ? desc.routines.copyan : desc.routines.copyat);
-    const auto copy_b =
-        reinterpret_cast<CopyB<T>*>(p.b.depth_stride == 1 ? desc.routines.copybn : desc.routines.copybt);
+    const auto choose = [](const Operand<T>& x, Int unit_stride, Untyped as_is, Untyped transposed,
+                           Untyped conjugated) {
+        return unit_stride == 1 && !x.conjugated ? as_is : x.conjugated ? conjugated : transposed;
+    };
+    const ork_gemm_routines& r = desc.routines;
+    const auto copy_a = reinterpret_cast<CopyA<T>*>(choose(p.a, p.a.outer_stride, r.copyan, r.copyat, r.copyac));
+    const auto copy_b = reinterpret_cast<CopyB<T>*>(choose(p.b, p.b.depth_stride, r.copybn, r.copybt, r.copybc));
     const auto kernel = reinterpret_cast<PackedKernel<T>*>(desc.routines.kernel);
     const Int lda = p.a.outer_stride == 1 ? p.a.depth_stride : p.a.outer_stride;
     const Int ldb = p.b.depth_stride == 1 ? p.b.outer_stride : p.b.depth_stride;
-    const Int mode = 2, flags = p.ldc % 2;
+    const Int mode = 2, flags = p.ldc % Units<T>::m != 0; // bit 0: columns of C differ in alignment
     for (Int j = 0; j < p.n; j += desc.nb) {
         const Int columns = p.n - j < desc.nb ? p.n - j : desc.nb;
         for (Int l = 0; l < p.k; l += desc.kb) {
             const Int depth = p.k - l < desc.kb ? p.k - l : desc.kb, padded = round_up(depth, Units<T>::k);
-            const T scalar = p.overwrite && l == 0 ? T(0) : T(1);
+            const T scalar = T(p.overwrite && l == 0 ? 0 : 1);
             copy_b(&depth, &columns, p.b.at(j, l), &ldb, packed_b, &desc.b.panel_stride);
             for (Int i = 0; i < p.m; i += desc.mb) {
                 const Int rows = p.m - i < desc.mb ? p.m - i : desc.mb;

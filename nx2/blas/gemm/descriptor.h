@@ -62,9 +62,9 @@ struct Descriptor {
         constexpr Int element = sizeof(T), slack = 512; // slack: room to align a buffer
         const bool all = which == ORK_GEMM_BUFS_ALL, ab = which == ORK_GEMM_BUFS_AB;
         if (all || ab || which == ORK_GEMM_BUFS_A || which == ORK_GEMM_BUFS_AC)
-            desc.a = {rows * depth * element + slack, U::m * depth, code_a_b};
+            desc.a = {rows * depth * element + slack, U::a_step * depth, code_a_b};
         if (all || ab || which == ORK_GEMM_BUFS_B || which == ORK_GEMM_BUFS_BC)
-            desc.b = {columns * depth * element + slack, U::n * depth, code_a_b};
+            desc.b = {columns / U::n * U::b_step * depth * element + slack, U::b_step * depth, code_a_b};
         if (all || which >= ORK_GEMM_BUFS_BC) {
             desc.c_bytes = desc.c_factor * U::n * depth * element + slack;
             desc.c_alignment = code_c;

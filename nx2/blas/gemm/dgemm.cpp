@@ -5,7 +5,6 @@
 
 #define GEMM(suffix) ork_blas_nx2_dgemm_##suffix
 #define XGEMM(suffix) ork_blas_nx2_xdgemm##suffix
-#define TABLE_ROWS 2
 using T = double;
 #include "blas/gemm/exports.inc"
 

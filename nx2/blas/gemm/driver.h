@@ -11,9 +11,6 @@ namespace ork::gemm {
 // Version of the interface between the driver and the blocked multiply.
 constexpr std::int64_t interface_version = 2;
 
-// 'N' in either case is the operand as it stands; every other letter its transpose.
-inline bool is_transposed(char letter) { return (letter & ~0x20) != 'N'; }
-
 template <class T>
 [[gnu::noinline]] void multiply_with_descriptor(const Product<T>& product)
 {
@@ -31,14 +28,13 @@ template <class T>
     using U = Units<T>;
     if (m <= 0 || n <= 0) return;
     const bool beta_is_one = beta == T(1), beta_is_zero = beta == T(0);
-    Product<T> product(is_transposed(transa), is_transposed(transb), m, n, k, alpha, a, lda, b, ldb, c, ldc,
-                       beta_is_zero);
+    const Product<T> product{m, n,   k,           alpha, rows_of(Op(transa), a, lda), columns_of(Op(transb), b, ldb),
+                             c, ldc, beta_is_zero};
     if (m <= 10 && n <= 10 && k >= 1 && k <= 10 && beta_is_one) {
-        if (alpha != T(0)) multiply_direct(product, block_depth(k, U::k));
+        if (!(alpha == T(0))) multiply_direct(product, block_depth(k, U::k));
         return;
     }
-    // beta = 0 is left to whoever writes an element of C first, so that C is touched once; anything else is applied
-    // now.
+    // beta = 0 is left to whoever writes an element of C first, so that C is touched once; the rest is applied now.
     const bool nothing_to_add = alpha == T(0) || k <= 0;
     if (!beta_is_one && (!beta_is_zero || nothing_to_add)) scale(m, n, beta, c, ldc);
     if (nothing_to_add) return;

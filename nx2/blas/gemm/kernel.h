@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // The micro-kernel over packed panels: C (m x n, column-major) = C + A B, or C = A B, where A stands in panels of
-// Units::m rows and B in panels of 8, then 4, then 2 columns (packing in pack_a.h and pack_b.h). A panel of B stays in
-// the first level of cache while every panel of A passes by it.
+// Units::m rows and B in panels of four registers, then two, then one (packing in pack.h). A panel of B stays in the
+// first level of cache while every panel of A passes by it.
 #pragma once
 
-#include "blas/gemm/tile_d.h"
-#include "simd/vec.h"
+#include "blas/gemm/product.h"
+#include "blas/gemm/tile.h"
 
 namespace ork::gemm {
 
@@ -16,117 +16,134 @@ struct Finish {
     bool aligned;   // every column of C is 16-byte aligned
 };
 
+// The first `rows` of the rows in `sum`, fewer than a panel has only at the lower edge of C.
 template <Finish finish, class T>
-inline void finish_column(T* c, Vec<T> sum)
+[[gnu::always_inline]] inline void finish_column(T* c, Vec<Real<T>> sum, Int rows)
 {
-    if constexpr (finish.aligned)
-        store_aligned(c, finish.overwrite ? sum : load_aligned(c) + sum);
-    else
-        store(c, finish.overwrite ? sum : load(c) + sum);
-}
-
-template <Finish finish, class T>
-inline void finish_element(T* c, T sum)
-{
-    *c = finish.overwrite ? sum : *c + sum;
-}
-
-// All full row panels against one panel of 8 columns.
-template <Finish finish, Arrangement arrangement>
-void panel8(Int rows, Int depth, const double* a, Int a_stride, const double* b, double* c, Int ldc)
-{
-    for (Int i = 0; i < rows; i += 2, a += a_stride, c += 2) {
-        if constexpr (finish.prefetch) {
-#pragma GCC unroll 8
-            for (int j = 0; j < 8; ++j) _mm_prefetch(reinterpret_cast<const char*>(c + j * ldc), _MM_HINT_T0);
-        }
-        const TileD<arrangement> tile = multiply_tile<arrangement>(a, b, depth);
-#pragma GCC unroll 8
-        for (int j = 0; j < 8; ++j) finish_column<finish>(c + j * ldc, Vec<double>{tile.column(j)});
+    using R = Real<T>;
+    R* x = reinterpret_cast<R*>(c);
+    if (rows == Units<T>::m) {
+        if constexpr (finish.aligned)
+            store_aligned(x, finish.overwrite ? sum : load_aligned(x) + sum);
+        else
+            store(x, finish.overwrite ? sum : load(x) + sum);
+    } else {
+        alignas(16) R lanes[16 / sizeof(R)];
+        store_aligned(lanes, sum);
+        for (Int i = 0; i < rows * Int(sizeof(T) / sizeof(R)); ++i)
+            x[i] = finish.overwrite ? lanes[i] : x[i] + lanes[i];
     }
 }
 
-// The same for a panel of `width` columns of which `columns` exist: a pair's missing column is never multiplied, so it
-// raises no flag. `together` row panels at a time keep eight sums under way.
-template <Finish finish, int width, int columns, int together, class T>
-inline Int panel_edge_rows(Int row, Int rows, Int depth, const T* a, Int a_stride, const T* b, T* c, Int ldc)
+// `together` row panels against a panel of `vectors` registers, of which `columns` columns exist. A missing column
+// shares its register with the last one and meets zeros instead of A, and a half of A without rows is left out, so that
+// padding raises no flag.
+template <Finish finish, int vectors, int columns, int together, bool both_halves, class T>
+inline void edge_sums(Int rows, Int depth, const T* a, Int a_stride, const T* b, T* c, Int ldc)
 {
-    constexpr int lanes = Vec<T>::lanes;
-    for (; row + together * lanes <= rows; row += together * lanes) {
-        const T* panel = a + row / lanes * a_stride;
-        Vec<T> sum[columns][together] = {};
-        for (Int l = 0; l < depth; ++l) {
-            Vec<T> rows_of_a[together];
+    using R = Real<T>;
+    constexpr int halves = is_complex<T> ? 2 * columns : columns; // of 8 bytes in a row of B
+    constexpr int step = 16 / sizeof(R);
+    Sums<Arrangement::broadcast, vectors> sums[together] = {};
+    const R* x = reinterpret_cast<const R*>(b);
+    const auto half = [](const R* p) -> Vec<R> {
+        const double* pair = reinterpret_cast<const double*>(p);
+        const __m128d v = halves < 2 * vectors ? _mm_load_sd(pair) : _mm_loaddup_pd(pair);
+        if constexpr (sizeof(R) == 8)
+            return {v};
+        else
+            return {_mm_castpd_ps(v)};
+    };
+    const auto add = [](__m128d& sum, Vec<R> product) {
+        if constexpr (sizeof(R) == 8)
+            sum = _mm_add_pd(sum, product.v);
+        else
+            sum = _mm_castps_pd(_mm_add_ps(_mm_castpd_ps(sum), product.v));
+    };
+    for (Int l = 0; l < depth; ++l, x += vectors * step) {
 #pragma GCC unroll 4
-            for (int i = 0; i < together; ++i) rows_of_a[i] = load_aligned(panel + i * a_stride + l * lanes);
+        for (int i = 0; i < together; ++i) {
+            const R* rows_of_a = reinterpret_cast<const R*>(a + i * a_stride) + l * step;
+            const Vec<R> a0 = half(rows_of_a), a1 = both_halves ? half(rows_of_a + step / 2) : a0;
 #pragma GCC unroll 4
-            for (int j = 0; j < columns; ++j) {
-                const Vec<T> element = broadcast(b[l * width + j]);
-#pragma GCC unroll 4
-                for (int i = 0; i < together; ++i) sum[j][i] = sum[j][i] + rows_of_a[i] * element;
+            for (int p = 0; p < vectors; ++p) {
+                add(sums[i].first[p], a0 * load_aligned(x + p * step));
+                if constexpr (both_halves) add(sums[i].second[p], a1 * load_aligned(x + p * step));
             }
         }
+    }
+#pragma GCC unroll 4
+    for (int i = 0; i < together; ++i)
 #pragma GCC unroll 4
         for (int j = 0; j < columns; ++j)
-#pragma GCC unroll 4
-            for (int i = 0; i < together; ++i) finish_column<finish>(c + row + i * lanes + j * ldc, sum[j][i]);
-    }
-    return row;
+            finish_column<finish>(c + i * Units<T>::m + j * ldc, column<T>(sums[i], j), rows);
 }
 
-template <Finish finish, int width, int columns, class T>
-void panel_edge(Int rows, Int depth, const T* a, Int a_stride, const T* b, T* c, Int ldc)
+template <Finish finish, int vectors, int columns, int together, class T>
+inline void edge_tiles(Int rows, Int depth, const T* a, Int a_stride, const T* b, T* c, Int ldc)
 {
-    static_assert(Units<T>::m == Vec<T>::lanes);
-    constexpr int together = columns == 4 ? 2 : 4;
-    const Int row = panel_edge_rows<finish, width, columns, together>(0, rows, depth, a, a_stride, b, c, ldc);
-    panel_edge_rows<finish, width, columns, 1>(row, rows, depth, a, a_stride, b, c, ldc);
+    with_flag(rows * sizeof(T) > 8, [&]<bool both_halves>() {
+        edge_sums<finish, vectors, columns, together, both_halves>(rows, depth, a, a_stride, b, c, ldc);
+    });
 }
 
-// One row of A, the last of an odd number, against a panel.
-template <Finish finish, int width, int columns, class T>
-void single_row(Int depth, const T* a, const T* b, T* c, Int ldc)
+// All row panels against one full panel of columns. What is left below full row panels (the last odd row) goes to the
+// edge.
+template <Finish finish, Arrangement arrangement, class T>
+void full_panel(Int m, Int depth, const T* a, Int a_stride, const T* b, T* c, Int ldc)
 {
-    constexpr int lanes = Vec<T>::lanes, stride = static_cast<int>(Units<T>::m);
-    if constexpr (columns % lanes == 0) {
-        Vec<T> sum[columns / lanes] = {};
-        for (Int l = 0; l < depth; ++l)
-#pragma GCC unroll 4
-            for (int j = 0; j < columns / lanes; ++j)
-                sum[j] = sum[j] + broadcast(a[l * stride]) * load_aligned(b + l * width + j * lanes);
+    using R = Real<T>;
+    constexpr Int unit = Units<T>::m, columns = Units<T>::n;
+    Int i = 0;
+    for (; i + unit <= m; i += unit, a += a_stride, c += unit) {
+        if constexpr (finish.prefetch) {
 #pragma GCC unroll 8
-        for (int j = 0; j < columns; ++j) finish_element<finish>(c + j * ldc, lane(sum[j / lanes], j % lanes));
-    } else {
-        T sum[columns] = {};
-        for (Int l = 0; l < depth; ++l)
-            for (int j = 0; j < columns; ++j) sum[j] += a[l * stride] * b[l * width + j];
-        for (int j = 0; j < columns; ++j) finish_element<finish>(c + j * ldc, sum[j]);
+            for (int j = 0; j < columns; ++j) _mm_prefetch(reinterpret_cast<const char*>(c + j * ldc), _MM_HINT_T0);
+        }
+        const auto sums =
+            multiply_tile<arrangement>(reinterpret_cast<const R*>(a), reinterpret_cast<const R*>(b), depth);
+#pragma GCC unroll 8
+        for (int j = 0; j < columns; ++j) finish_column<finish>(c + j * ldc, column<T>(sums, j), unit);
     }
+    if (i < m) edge_tiles<finish, 4, columns, 1>(m - i, depth, a, a_stride, b, c, ldc);
+}
+
+// All row panels against such a panel: enough of them at a time to keep eight sums under way.
+template <Finish finish, int vectors, int columns, class T>
+void edge_panel(Int m, Int depth, const T* a, Int a_stride, const T* b, T* c, Int ldc)
+{
+    constexpr Int unit = Units<T>::m;
+    constexpr int together = vectors == 2 ? 2 : 4;
+    Int i = 0;
+    for (; i + together * unit <= m; i += together * unit)
+        edge_tiles<finish, vectors, columns, together>(unit, depth, a + i / unit * a_stride, a_stride, b, c + i, ldc);
+    for (; i < m; i += unit)
+        edge_tiles<finish, vectors, columns, 1>(m - i < unit ? m - i : unit, depth, a + i / unit * a_stride, a_stride,
+                                                b, c + i, ldc);
 }
 
 // A block: m x n of C, with `depth` the padded depth of both packed operands (a multiple of Units::k) and the distances
-// from panel to panel in elements. The 4-wide panel and the pairs of B stand where the next 8-wide panel would.
+// from panel to panel in elements. The narrower panels of B stand where the next full one would, one behind the other.
 template <Finish finish, Arrangement arrangement, class T>
 void multiply_packed(Int m, Int n, Int depth, const T* a, Int a_stride, const T* b, Int b_stride, T* c, Int ldc)
 {
-    constexpr Int unit = Units<T>::m;
-    const Int rows = m / unit * unit;
-    const T* last_rows = a + rows / unit * a_stride;
-    const auto panel = [&]<int width, int columns>() {
-        if (rows > 0) {
-            if constexpr (width == 8)
-                panel8<finish, arrangement>(rows, depth, a, a_stride, b, c, ldc);
-            else
-                panel_edge<finish, width, columns>(rows, depth, a, a_stride, b, c, ldc);
-        }
-        for (Int i = rows; i < m; ++i) single_row<finish, width, columns>(depth, last_rows + (i - rows), b, c + i, ldc);
-        c += columns * ldc;
-    };
+    constexpr Int unit = Units<T>::n, half_step = Units<T>::b_step / 2;
+    if (m < 1) return;
     Int j = 0;
-    for (; j + 8 <= n; j += 8, b += b_stride) panel.template operator()<8, 8>();
-    if (n - j >= 4) panel.template operator()<4, 4>(), j += 4, b += 4 * depth;
-    if (n - j >= 2) panel.template operator()<2, 2>(), j += 2, b += 2 * depth;
-    if (n - j >= 1) panel.template operator()<2, 1>();
+    for (; j + unit <= n; j += unit, b += b_stride)
+        full_panel<finish, arrangement>(m, depth, a, a_stride, b, c + j * ldc, ldc);
+    if (n - j >= unit / 2) {
+        edge_panel<finish, 2, unit / 2>(m, depth, a, a_stride, b, c + j * ldc, ldc);
+        j += unit / 2;
+        b += half_step * depth;
+    }
+    if constexpr (unit == 8) // a register holds two real columns, but one complex
+        if (n - j >= 2) {
+            edge_panel<finish, 1, 2>(m, depth, a, a_stride, b, c + j * ldc, ldc);
+            j += 2;
+            b += half_step / 2 * depth;
+        }
+    if (n - j >= 1) edge_panel<finish, 1, 1>(m, depth, a, a_stride, b, c + j * ldc, ldc);
 }
 
 } // namespace ork::gemm

@@ -3,9 +3,16 @@
 #pragma once
 
 #include "blas/gemm/units.h"
-#include "simd/vec.h"
 
 namespace ork::gemm {
+
+// What is done to an operand: a letter of the interface. 'N' in either case is the operand as it stands, 'C' the
+// conjugate transpose, every other letter the transpose.
+struct Op {
+    bool transposed, conjugated;
+
+    explicit Op(char letter) : transposed((letter & ~0x20) != 'N'), conjugated((letter & ~0x20) == 'C') {}
+};
 
 // Where an operand's elements are. `outer` counts the rows of op(A) or the columns of op(B), `depth` what is summed
 // over; one of the strides is 1.
@@ -13,10 +20,22 @@ template <class T>
 struct Operand {
     const T* data;
     Int outer_stride, depth_stride;
+    bool conjugated = false;
 
     const T* at(Int outer, Int depth) const { return data + outer * outer_stride + depth * depth_stride; }
-    Operand from(Int outer, Int depth) const { return {at(outer, depth), outer_stride, depth_stride}; }
+    Operand from(Int outer, Int depth) const { return {at(outer, depth), outer_stride, depth_stride, conjugated}; }
 };
+
+template <class T>
+Operand<T> rows_of(Op op, const T* a, Int lda)
+{
+    return {a, op.transposed ? lda : 1, op.transposed ? 1 : lda, op.conjugated};
+}
+template <class T>
+Operand<T> columns_of(Op op, const T* b, Int ldb)
+{
+    return {b, op.transposed ? 1 : ldb, op.transposed ? ldb : 1, op.conjugated};
+}
 
 template <class T>
 struct Product {
@@ -26,14 +45,6 @@ struct Product {
     T* c;
     Int ldc;
     bool overwrite; // C is written without being read
-
-    Product(bool transa, bool transb, Int m, Int n, Int k, T alpha, const T* a, Int lda, const T* b, Int ldb, T* c,
-            Int ldc, bool overwrite)
-        : m(m), n(n), k(k),
-          alpha(alpha), a{a, transa ? lda : 1, transa ? 1 : lda}, b{b, transb ? 1 : ldb, transb ? ldb : 1}, c(c),
-          ldc(ldc), overwrite(overwrite)
-    {
-    }
 
     // The steps of depth [first, first + depth): what remains to be added once the steps before are in C.
     Product block(Int first, Int depth) const
@@ -55,6 +66,15 @@ inline void with_flag(bool flag, Body&& body)
         body.template operator()<true>();
     else
         body.template operator()<false>();
+}
+
+template <bool conjugated, class X>
+inline X conjugate(X x)
+{
+    if constexpr (conjugated && requires { conj(x); }) // real numbers are their own conjugates
+        return conj(x);
+    else
+        return x;
 }
 
 } // namespace ork::gemm

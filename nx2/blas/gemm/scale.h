@@ -3,7 +3,6 @@
 #pragma once
 
 #include "blas/gemm/units.h"
-#include "simd/vec.h"
 
 namespace ork::gemm {
 
@@ -13,20 +12,21 @@ template <class T>
 void scale(Int m, Int n, T beta, T* c, Int ldc)
 {
     constexpr int lanes = Vec<T>::lanes, step = 2 * lanes;
-    const Vec<T> factor = broadcast(beta);
+    const Factor<T> factor(beta);
+    const bool clear = beta == T(0);
     const auto columns = [&]<int count>(T* first) {
         Int i = 0;
         for (; i + step <= m; i += step)
 #pragma GCC unroll 4
             for (int j = 0; j < count; ++j) {
                 T* x = first + j * ldc + i;
-                store(x, beta == T{} ? Vec<T>{} : factor * load(x));
-                store(x + lanes, beta == T{} ? Vec<T>{} : factor * load(x + lanes));
+                store<lanes>(x, clear ? Vec<T>{} : factor * load<lanes>(x));
+                store<lanes>(x + lanes, clear ? Vec<T>{} : factor * load<lanes>(x + lanes));
             }
         for (; i < m; ++i)
             for (int j = 0; j < count; ++j) {
                 T& x = first[j * ldc + i];
-                x = beta == T{} ? T{} : beta * x;
+                x = clear ? T{} : beta * x;
             }
     };
     Int j = 0;

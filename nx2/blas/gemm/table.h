@@ -25,19 +25,19 @@ struct Routines {
         return Descriptor<T>::get_buffers(*desc, base, a, b, c);
     }
 
-    template <bool transposed>
+    template <char op>
     static Int copy_a(Ptr m, Ptr k, const T* a, Ptr lda, T* buffer, Ptr panel_stride, const T* alpha)
     {
         if (*m < 1 || *k < 1) return 0;
-        pack_a(Operand<T>{a, transposed ? *lda : 1, transposed ? 1 : *lda}, *m, *k, buffer, *panel_stride, *alpha);
+        pack_a(rows_of(Op(op), a, *lda), *m, *k, buffer, *panel_stride, *alpha);
         return 0;
     }
 
-    template <bool transposed>
+    template <char op>
     static Int copy_b(Ptr k, Ptr n, const T* b, Ptr ldb, T* buffer, Ptr panel_stride)
     {
         if (*k < 1 || *n < 1) return 0;
-        pack_b(Operand<T>{b, transposed ? 1 : *ldb, transposed ? *ldb : 1}, *n, *k, buffer, *panel_stride);
+        pack_b(columns_of(Op(op), b, *ldb), *n, *k, buffer, *panel_stride);
         return 0;
     }
 
@@ -63,15 +63,19 @@ struct Routines {
     static Int kernel_with(Ptr mode, Ptr m, Ptr n, Ptr depth, const T* a, Ptr a_stride, const T* b, Ptr b_stride, T* c,
                            Ptr ldc, Ptr flags)
     {
-        const T fixed = scalar;
-        return kernel<Arrangement::crossed>(mode, m, n, depth, a, a_stride, b, b_stride, &fixed, c, ldc, flags);
+        const T fixed = T(scalar);
+        return kernel<Arrangement::broadcast>(mode, m, n, depth, a, a_stride, b, b_stride, &fixed, c, ldc, flags);
     }
 
-    static const ork_gemm_row rows[2];
+    // Of real numbers the conjugated copy is the transposed one, the same routine.
+    static constexpr char conjugate_copy = is_complex<T> ? 'C' : 'T';
+
+    static const ork_gemm_row rows[2]; // of which Units<T>::kernels count
 
     // Row 1 for model 66, the core's word for processors that broadcast in the load unit; row 0 for every other.
     static std::uint32_t best_row()
     {
+        if (Units<T>::kernels == 1) return 0;
         static constexpr std::uint32_t selection[2] = {0, 1};
         return selection[ork_serv_get_microarchitecture() == 66];
     }
@@ -85,12 +89,12 @@ struct Routines {
         {Units<T>::parameters[0], Units<T>::parameters[1], Units<T>::parameters[2]}, Units<T>::flags,                  \
         {                                                                                                              \
             Routines<T>::get_blks_size, Routines<T>::get_bufs_size, Routines<T>::get_bufs,                             \
-            reinterpret_cast<Untyped>(Routines<T>::template copy_a<false>),                                            \
-            reinterpret_cast<Untyped>(Routines<T>::template copy_a<true>),                                             \
-            reinterpret_cast<Untyped>(Routines<T>::template copy_a<true>),                                             \
-            reinterpret_cast<Untyped>(Routines<T>::template copy_b<false>),                                            \
-            reinterpret_cast<Untyped>(Routines<T>::template copy_b<true>),                                             \
-            reinterpret_cast<Untyped>(Routines<T>::template copy_b<true>),                                             \
+            reinterpret_cast<Untyped>(Routines<T>::template copy_a<'N'>),                                            \
+            reinterpret_cast<Untyped>(Routines<T>::template copy_a<'T'>),                                             \
+            reinterpret_cast<Untyped>(Routines<T>::template copy_a<Routines<T>::conjugate_copy>),                                             \
+            reinterpret_cast<Untyped>(Routines<T>::template copy_b<'N'>),                                            \
+            reinterpret_cast<Untyped>(Routines<T>::template copy_b<'T'>),                                             \
+            reinterpret_cast<Untyped>(Routines<T>::template copy_b<Routines<T>::conjugate_copy>),                                             \
             reinterpret_cast<Untyped>(Routines<T>::template kernel<arrangement>),                                              \
             reinterpret_cast<Untyped>(Routines<T>::template kernel_with<1>),                                           \
             reinterpret_cast<Untyped>(Routines<T>::template kernel_with<0>)                                            \
@@ -99,7 +103,9 @@ struct Routines {
 // clang-format on
 
 template <class T>
-const ork_gemm_row Routines<T>::rows[2] = {ORK_GEMM_ROW(Arrangement::crossed), ORK_GEMM_ROW(Arrangement::broadcast)};
+const ork_gemm_row Routines<T>::rows[2] = {
+    ORK_GEMM_ROW((is_complex<T> ? Arrangement::broadcast : Arrangement::crossed)),
+    ORK_GEMM_ROW(Arrangement::broadcast)};
 
 #undef ORK_GEMM_ROW
 
