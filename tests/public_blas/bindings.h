@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include "blas/rows.h"
+#include "ork/ork.h"
 
 namespace ork::test {
 
@@ -171,10 +172,8 @@ auto call_c(void* symbol, Call<Row>& call, std::index_sequence<i...>)
 
 // The result, if there is one, as a double or a complex double; positions count from 1 as in Fortran.
 template <class Row>
-std::complex<double> invoke(const Binding& binding, Call<Row>& call)
+std::complex<double> invoke(const Binding& binding, void* symbol, Call<Row>& call)
 {
-    constexpr bool complex_result = blas::is_complex<typename Row::Result>;
-    void* symbol = binding.find(std::string(Row::name) + (binding.c && complex_result ? "_sub" : ""));
     if (symbol == nullptr) return NAN;
     const auto run = [&]<class Int>(Int) {
         constexpr auto all = std::make_index_sequence<Row::count>();
@@ -196,6 +195,26 @@ std::complex<double> invoke(const Binding& binding, Call<Row>& call)
         }
     };
     return binding.wide ? run(std::int64_t()) : run(std::int32_t());
+}
+
+template <class Row>
+std::complex<double> invoke(const Binding& binding, Call<Row>& call)
+{
+    constexpr bool complex_result = blas::is_complex<typename Row::Result>;
+    return invoke<Row>(binding, binding.find(std::string(Row::name) + (binding.c && complex_result ? "_sub" : "")),
+                       call);
+}
+
+// The same done by the kernel of the routine's name, which has Fortran's conventions too.
+template <class Row>
+std::complex<double> invoke_kernel(Call<Row>& call)
+{
+    static void* const library = (ork_initialize(), dlopen(ork_kernel_library(), RTLD_NOW));
+    void* symbol = nullptr;
+    for (const char* prefix : {"ork_blas_nx2_x", "ork_blas_nx2_"})
+        if (symbol == nullptr) symbol = dlsym(library, (std::string(prefix) + Row::name).c_str());
+    EXPECT_NE(symbol, nullptr) << "no kernel " << Row::name;
+    return invoke<Row>({nullptr, false, true, ""}, symbol, call);
 }
 
 // body.operator()<Row>() for every row of the table.

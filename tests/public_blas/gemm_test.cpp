@@ -195,6 +195,9 @@ TEST(Dgemm, ConcurrentCallersGetTheSerialBits)
 
 TEST(Dgemm, WorksOnBothSidesOfAFork)
 {
+#ifdef __SANITIZE_THREAD__
+    GTEST_SKIP() << "the thread sanitizer lets no child of a threaded process start threads";
+#endif
     const Problem p('N', 'N', {150, 160, 170});
     const Values want = serial(p);
     const ThreadCount two(2);
