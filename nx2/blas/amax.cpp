@@ -87,21 +87,29 @@ inline Vec<float> best_lane(Vec<float> a)
     return better<e>(a, {_mm_shuffle_ps(a.v, a.v, _MM_SHUFFLE(1, 0, 3, 2))});
 }
 
-// The invalid flag, clear while this lives.
+// The invalid flag, clear while this lives. (The compiler takes two readings by _mm_getcsr for one.)
 class InvalidFlag {
 public:
-    InvalidFlag() : before_(_mm_getcsr())
+    InvalidFlag() : before_(status())
     {
-        if (before_ & _MM_EXCEPT_INVALID) _mm_setcsr(before_ & ~static_cast<unsigned>(_MM_EXCEPT_MASK));
+        if (before_ & _MM_EXCEPT_INVALID) set_status(before_ & ~static_cast<unsigned>(_MM_EXCEPT_MASK));
     }
     InvalidFlag(const InvalidFlag&) = delete;
     ~InvalidFlag()
     {
-        if (before_ & _MM_EXCEPT_INVALID) _mm_setcsr(_mm_getcsr() | (before_ & _MM_EXCEPT_MASK));
+        if (before_ & _MM_EXCEPT_INVALID) set_status(status() | (before_ & _MM_EXCEPT_MASK));
     }
-    static bool raised() { return (_mm_getcsr() & _MM_EXCEPT_INVALID) != 0; }
+    static bool raised() { return (status() & _MM_EXCEPT_INVALID) != 0; }
 
 private:
+    static unsigned status()
+    {
+        unsigned mxcsr;
+        asm volatile("stmxcsr %0" : "=m"(mxcsr));
+        return mxcsr;
+    }
+    static void set_status(unsigned mxcsr) { asm volatile("ldmxcsr %0" : : "m"(mxcsr)); }
+
     const unsigned before_;
 };
 
@@ -124,9 +132,12 @@ inline Int first_extreme(const T* x, Int begin, Int end, Vec<Real<T>> best)
     return find(x, begin, end, [=](auto m) { return equal(m, best); });
 }
 template <class T>
-[[gnu::cold]] Int first_nan(const T* x, Int n)
+[[gnu::cold]] Int first_nan(Int n, const T* x)
 {
-    return find(x, 0, n, [](auto m) { return unordered(m, m); });
+    const Int position = find(x, 0, n, [](auto m) { return unordered(m, m); });
+    const auto m = broadcast(magnitude(get(x + position)));
+    asm volatile("" : : "x"(beats<Extreme::largest>(m, m).v)); // raises the flag, if nothing else has
+    return position;
 }
 
 // One to four registers of elements, which overlap as they must.
@@ -139,7 +150,7 @@ inline Int among_four(Int n, const T* x)
     V m[4];
 #pragma GCC unroll 4
     for (int j = 0; j < 4; ++j) m[j] = magnitudes(x + at[j]);
-    if (mask(unordered(m[0], m[1]) | unordered(m[2], m[3])) != 0) return first_nan(x, n);
+    if (mask(unordered(m[0], m[1]) | unordered(m[2], m[3])) != 0) return first_nan(n, x);
     const V best = best_lane<e>(better<e>(better<e>(m[0], m[1]), better<e>(m[2], m[3])));
     unsigned hits = 0;
 #pragma GCC unroll 4
@@ -176,7 +187,7 @@ inline Int among_few(Int n, const T* x)
         }
         challenge(m);
     }
-    if (mask(nan) != 0) return first_nan(x, n);
+    if (mask(nan) != 0) return first_nan(n, x);
     return first_extreme<e>(x, winner, winner + block < n ? winner + block : n, best);
 }
 
@@ -207,7 +218,7 @@ inline Int among_many(Int n, const T* x)
         challenge(m);
     }
     asm volatile("" : "+x"(best.v)); // every comparison has been made before the flag is read
-    if (InvalidFlag::raised()) return first_nan(x, n);
+    if (InvalidFlag::raised()) return first_nan(n, x);
     return first_extreme<e>(x, winner, winner + block < n ? winner + block : n, best);
 }
 
