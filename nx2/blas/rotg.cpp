@@ -42,14 +42,14 @@ void rotg(T* a, T* b, T* c, T* s)
 
 // As much of a complex number as is not its power of two.
 struct ScaledPair {
-    Complex<double> significand; // the larger part in [1, 2)
+    Complex<double> significand; // the larger part in [1, 2^24)
     int e;
     double square; // of the significand's modulus
 
     explicit ScaledPair(Complex<double> a)
     {
-        const double re = absolute(a.re), im = absolute(a.im);
-        e = exponent(re > im ? re : im);
+        const int of_re = exponent(a.re), of_im = exponent(a.im);
+        e = of_re > of_im ? of_re : of_im;
         significand = {scaled(a.re, -e), scaled(a.im, -e)};
         square = significand.re * significand.re + significand.im * significand.im;
     }
@@ -81,7 +81,7 @@ void rotg(Complex<R>* a, const Complex<R>* b, R* c, Complex<R>* s)
     const double modulus = root(f.square), h = root(f2 + g2);
     *c = static_cast<R>(scaled(modulus / h, f.e - e));
     *s = rounded(conj(g.significand) * f.significand, 1 / (modulus * h), g.e - e);
-    *a = rounded(f.significand, h / modulus, f.e);
+    *a = rounded(f.significand, h / modulus, e);
 }
 
 } // namespace

@@ -10,15 +10,17 @@
 namespace ork {
 namespace {
 
-// Steps of 2^24 that bring |d| strictly between 2^-24 and 2^24.
-inline int steps(Scaled d)
+// Rounds d to T, and gives the steps of 2^24 that bring |d| strictly between 2^-24 and 2^24.
+template <class T>
+inline int steps(Scaled& d)
 {
     d = d.normal();
+    d.significand = static_cast<T>(d.significand);
     const double m = d.significand < 0 ? -d.significand : d.significand;
-    if (!(m >= 1 && m < 2)) return 0; // zero, infinity or NaN
-    int k = 0;
-    for (; d.e < -24 || (d.e == -24 && m == 1); d.e += 24) ++k;
-    for (; d.e >= 24; d.e -= 24) --k;
+    if (!(m >= 1 && m <= 2)) return 0; // zero, infinity or NaN
+    int e = d.e, k = 0;
+    for (; e < -24 || (e == -24 && m == 1); e += 24) ++k;
+    for (; e >= 24 || (e == 23 && m == 2); e -= 24) --k;
     return k;
 }
 
@@ -55,12 +57,12 @@ void rotmg(T* d1, T* d2, T* x1, T y1, T* param)
         h11 = p1 / p2, h22 = x / y;
         new_d1 = a2 / u, new_d2 = a1 / u, new_x = y * u;
     }
-    if (const int k = steps(new_d1); k != 0) {
+    if (const int k = steps<T>(new_d1); k != 0) {
         flag = -1;
         new_d1.e += 24 * k;
         new_x.e -= 12 * k, h11.e -= 12 * k, h12.e -= 12 * k;
     }
-    if (const int k = steps(new_d2); k != 0) {
+    if (const int k = steps<T>(new_d2); k != 0) {
         flag = -1;
         new_d2.e += 24 * k;
         h21.e -= 12 * k, h22.e -= 12 * k;
