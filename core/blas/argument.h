@@ -50,7 +50,7 @@ struct Argument {
     const char* legal = nullptr;     // upper-case letters of an option
     Minimum minimum = {};            // of a leading dimension
     const char* row_major = nullptr; // the C argument that takes this place when matrices are stored by rows
-    bool turned = false;             // by rows an option also changes to the opposite one: U and L, L and R, N and T
+    bool turned = false;             // by rows an option also becomes the opposite one: U and L, L and R, N and T
 
     constexpr Argument by_rows(const char* source) const
     {

@@ -49,19 +49,11 @@ constexpr char letter(CBLAS_UPLO v) { return v == CblasUpper ? 'U' : v == CblasL
 constexpr char letter(CBLAS_DIAG v) { return v == CblasUnit ? 'U' : v == CblasNonUnit ? 'N' : '?'; }
 constexpr char letter(CBLAS_SIDE v) { return v == CblasLeft ? 'L' : v == CblasRight ? 'R' : '?'; }
 
-constexpr char opposite(Role role, char letter)
+// The letter of the transposed problem; an illegal one stays illegal.
+constexpr char opposite(const Argument& option, char letter)
 {
-    if (letter == '?') return letter;
-    switch (role) {
-    case Role::transposition:
-        return letter == 'N' ? 'T' : 'N';
-    case Role::triangle:
-        return letter == 'U' ? 'L' : 'U';
-    case Role::side:
-        return letter == 'L' ? 'R' : 'L';
-    default:
-        return letter;
-    }
+    if (!is_in(letter_set(option.legal), letter)) return letter;
+    return letter == option.legal[0] ? option.legal[1] : option.legal[0];
 }
 
 template <class Row, class Int, std::size_t i>
@@ -70,7 +62,7 @@ inline auto hold_cblas(CblasType<Row, Int, i> argument)
     constexpr Argument a = Row::arguments[i];
     if constexpr (a.is_option()) {
         const char c = letter(argument);
-        return Letter{c, a.turned ? opposite(a.role, c) : c};
+        return Letter{c, a.turned ? opposite(a, c) : c};
     } else if constexpr (a.is_integer()) {
         return Copy<std::int64_t>{argument};
     } else if constexpr (a.role == Role::scalar && !std::is_pointer_v<decltype(argument)>) {

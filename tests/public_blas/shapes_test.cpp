@@ -101,6 +101,17 @@ constexpr Argument syrk[] = {triangle("uplo"),
                              output("c"),
                              lead("ldc", {.plain = "n"})};
 
+constexpr Argument herk[] = {triangle("uplo"),
+                             transposition("trans", "NC").turned_by_rows(),
+                             size("n"),
+                             size("k"),
+                             scalar("alpha"),
+                             input("a"),
+                             lead("lda", {.option = "trans", .plain = "n", .other = "k"}),
+                             scalar("beta"),
+                             output("c"),
+                             lead("ldc", {.plain = "n"})};
+
 using C = const char*;
 using I = const std::int64_t*;
 using D = const double*;
@@ -112,6 +123,7 @@ ROW(gemv, C, I, I, D, D, I, D, I, D, double*, I);
 ROW(gbmv, C, I, I, I, I, D, D, I, D, I, D, double*, I);
 ROW(trsm, C, C, C, C, I, I, D, D, I, double*, I);
 ROW(syrk, C, C, I, I, D, D, I, D, double*, I);
+ROW(herk, C, C, I, I, D, D, I, D, double*, I);
 
 // Argument values by kind, in Fortran order.
 template <class Row>
@@ -232,6 +244,10 @@ TEST(Table, TurnsProblemsByRowsAround)
                                 std::make_index_sequence<gbmv_row::count>());
     EXPECT_EQ(seen.letters, "N");
     EXPECT_THAT(seen.integers, ElementsAre(5, 6, 1, 2, 4, 1, -3));
+    run<herk_row, std::int64_t>(true, CblasRowMajor, {"LN", {4, 2, 2, 4}}, std::make_index_sequence<herk_row::count>());
+    EXPECT_EQ(seen.letters, "UC");
+    EXPECT_THAT(positions(Values<herk_row>{"UT", {4, 2, 4, 4}}), ElementsAre(2, 3, 3))
+        << "not legal, so neither turned";
     EXPECT_THAT(positions(Values<syrk_row>{"UN", {4, 2, 2, 4}}), ElementsAre(7, 8, 0));
     EXPECT_THAT(positions(Values<syrk_row>{"UT", {4, 2, 2, 4}}), ElementsAre(0, 0, 8));
 }
