@@ -92,7 +92,8 @@ void rot(const int* n, T* x, const int* incx, T* y, const int* incy, const Real<
 template <class T>
 Real<T> nrm2(const int* n, const T* x, const int* incx)
 {
-    return with_vector(*n, x, *incx, [](const auto& u) -> Real<T> { return u.norm(); });
+    // norm() would overflow where BLAS may not
+    return with_vector(*n, x, *incx, [](const auto& u) -> Real<T> { return u.stableNorm(); });
 }
 
 template <class T>

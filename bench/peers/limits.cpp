@@ -50,24 +50,32 @@ inline __m128d loaded(const double* from)
     return value;
 }
 
-template <Traffic pattern>
+// `width` registers of each stream: all loads, then all stores.
+template <Traffic pattern, int width>
 inline void step(double* x, double* y)
 {
     using enum Traffic;
-    if constexpr (pattern == load) loaded(x);
-    if constexpr (pattern == load_two) loaded(x), loaded(y);
-    if constexpr (pattern == update) _mm_store_pd(x, loaded(x));
-    if constexpr (pattern == copy) _mm_store_pd(y, loaded(x));
-    if constexpr (pattern == copy_past) _mm_stream_pd(y, loaded(x));
-    if constexpr (pattern == update_from) {
-        loaded(x);
-        _mm_store_pd(y, loaded(y));
+    constexpr bool reads_x = pattern != store && pattern != store_past;
+    constexpr bool reads_y = pattern == load_two || pattern == update_from || pattern == exchange;
+    __m128d u[width], v[width];
+#pragma GCC unroll 8
+    for (int i = 0; i < width; ++i) {
+        if constexpr (reads_x) u[i] = loaded(x + 2 * i);
+        if constexpr (reads_y && width == 1) v[i] = loaded(y + 2 * i);
     }
-    if constexpr (pattern == exchange) {
-        const __m128d u = loaded(x), v = loaded(y);
-        _mm_store_pd(x, v);
-        _mm_store_pd(y, u);
+#pragma GCC unroll 8
+    for (int i = 0; i < width; ++i)
+        if constexpr (reads_y && width > 1) v[i] = loaded(y + 2 * i);
+#pragma GCC unroll 8
+    for (int i = 0; i < width; ++i) {
+        if constexpr (pattern == update) _mm_store_pd(x + 2 * i, u[i]);
+        if constexpr (pattern == copy || pattern == exchange) _mm_store_pd(y + 2 * i, u[i]);
+        if constexpr (pattern == copy_past) _mm_stream_pd(y + 2 * i, u[i]);
+        if constexpr (pattern == update_from) _mm_store_pd(y + 2 * i, v[i]);
     }
+#pragma GCC unroll 8
+    for (int i = 0; i < width; ++i)
+        if constexpr (pattern == exchange) _mm_store_pd(x + 2 * i, v[i]);
 }
 
 constexpr bool touches_both(Traffic pattern)
@@ -76,7 +84,7 @@ constexpr bool touches_both(Traffic pattern)
            pattern == Traffic::exchange;
 }
 
-template <Traffic pattern, bool ahead = false>
+template <Traffic pattern, bool ahead = false, int width = 1>
 void stream(char* x, char* y, size_t bytes, long times)
 {
     constexpr ptrdiff_t block = 16, distance = 128; // doubles
@@ -91,7 +99,7 @@ void stream(char* x, char* y, size_t bytes, long times)
                         _mm_prefetch(reinterpret_cast<const char*>(q + distance + i), _MM_HINT_T0);
                 }
 #pragma GCC unroll 8
-            for (ptrdiff_t i = 0; i < block; i += 2) step<pattern>(p + i, q + i);
+            for (ptrdiff_t i = 0; i < block; i += 2 * width) step<pattern, width>(p + i, q + i);
             asm volatile("" ::: "memory"); // passes over the same data are not to be merged
         }
     }
@@ -145,28 +153,28 @@ double best_rate(const std::vector<Stream>& streams, char* x, char* y, size_t by
     return best;
 }
 
-template <bool ahead>
+template <bool ahead, int width>
 void run_stream(Traffic pattern, char* x, char* y, size_t bytes, long times)
 {
     switch (pattern) {
     case Traffic::load:
-        return stream<Traffic::load, ahead>(x, y, bytes, times);
+        return stream<Traffic::load, ahead, width>(x, y, bytes, times);
     case Traffic::load_two:
-        return stream<Traffic::load_two, ahead>(x, y, bytes, times);
+        return stream<Traffic::load_two, ahead, width>(x, y, bytes, times);
     case Traffic::store:
         return store_stream(y, bytes, times, false);
     case Traffic::store_past:
         return store_stream(y, bytes, times, true);
     case Traffic::update:
-        return stream<Traffic::update, ahead>(x, y, bytes, times);
+        return stream<Traffic::update, ahead, width>(x, y, bytes, times);
     case Traffic::copy:
-        return stream<Traffic::copy, ahead>(x, y, bytes, times);
+        return stream<Traffic::copy, ahead, width>(x, y, bytes, times);
     case Traffic::copy_past:
         return stream<Traffic::copy_past>(x, y, bytes, times);
     case Traffic::update_from:
-        return stream<Traffic::update_from, ahead>(x, y, bytes, times);
+        return stream<Traffic::update_from, ahead, width>(x, y, bytes, times);
     case Traffic::exchange:
-        return stream<Traffic::exchange, ahead>(x, y, bytes, times);
+        return stream<Traffic::exchange, ahead, width>(x, y, bytes, times);
     }
 }
 
@@ -185,10 +193,9 @@ const std::vector<ArithmeticLoop>& arithmetic_loops(bool single_precision)
 
 void traffic(Stream stream, char* x, char* y, size_t bytes, long times)
 {
-    if (stream.ahead)
-        run_stream<true>(stream.pattern, x, y, bytes, times);
-    else
-        run_stream<false>(stream.pattern, x, y, bytes, times);
+    const auto run = stream.ahead ? (stream.grouped ? run_stream<true, 4> : run_stream<true, 1>)
+                                  : (stream.grouped ? run_stream<false, 4> : run_stream<false, 1>);
+    run(stream.pattern, x, y, bytes, times);
 }
 
 double bytes_moved(Traffic pattern, size_t bytes)
@@ -214,10 +221,14 @@ double bytes_moved(Traffic pattern, size_t bytes)
 
 std::vector<Stream> candidates(Traffic pattern, size_t total_bytes)
 {
-    std::vector<Stream> all = {{pattern, false}};
-    if (total_bytes > cache_sizes().l1 && pattern != Traffic::store) all.push_back({pattern, true});
-    if (total_bytes > cache_sizes().l3 && pattern == Traffic::copy) all.push_back({Traffic::copy_past, false});
-    if (total_bytes > cache_sizes().l3 && pattern == Traffic::store) all.push_back({Traffic::store_past, false});
+    const bool fits_l1 = total_bytes <= cache_sizes().l1, fits = total_bytes <= cache_sizes().l3;
+    if (pattern == Traffic::store && fits) return {{Traffic::store, false, false}};
+    if (pattern == Traffic::store) return {{Traffic::store, false, false}, {Traffic::store_past, false, false}};
+    std::vector<Stream> all;
+    for (const bool ahead : {false, true})
+        for (const bool grouped : {false, true})
+            if (!ahead || !fits_l1) all.push_back({pattern, ahead, grouped});
+    if (!fits && pattern == Traffic::copy) all.push_back({Traffic::copy_past, false, false});
     return all;
 }
 

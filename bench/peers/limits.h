@@ -32,7 +32,8 @@ enum class Traffic {
 };
 struct Stream {
     Traffic pattern;
-    bool ahead; // with a prefetch 1 KiB ahead
+    bool ahead;   // with a prefetch 1 KiB ahead
+    bool grouped; // four registers a stream are loaded, then stored, stream by stream
 };
 void traffic(Stream stream, char* x, char* y, size_t bytes, long times);
 double bytes_moved(Traffic pattern, size_t bytes); // reads and writes
