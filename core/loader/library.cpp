@@ -123,7 +123,8 @@ void* find_kernel(const char* domain, const char* routine)
     return address;
 }
 
-// The wait has an end: a program that forks in a constructor holds the dynamic loader's lock, which we may be waiting for.
+// The wait has an end: a program that forks in a constructor holds the dynamic loader's lock, which we may be waiting
+// for.
 void before_fork()
 {
     timespec until;

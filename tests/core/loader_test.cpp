@@ -6,6 +6,7 @@
 #include "core_folder.h"
 #include "loader/table.h"
 #include "ork/ork.h"
+#include "pool_support.h"
 
 namespace ork::test {
 namespace {
@@ -101,6 +102,17 @@ TEST(Loader, ALibraryWithoutTheKernelEndsTheProcessWithItsName)
     const auto called = folder.run({"multiply"});
     EXPECT_EQ(called.exit_code, EXIT_FAILURE) << called.describe();
     EXPECT_THAT(called.err, HasSubstr("has no ork_blas_nx2_xdgemm"));
+}
+
+TEST(Loader, AForkInTheFirstCallDoesNoHarm)
+{
+    if (thread_sanitized) GTEST_SKIP() << "its run-time gives up after such a fork";
+    CoreFolder folder;
+    folder.with_kernels(ORK_KERNEL_FILE);
+    for (int microseconds = 0; microseconds < 2000; microseconds += 20) {
+        const auto result = folder.run({"fork", std::to_string(microseconds)});
+        ASSERT_TRUE(result.ok()) << result.describe();
+    }
 }
 
 TEST(Loader, NeverSearches)

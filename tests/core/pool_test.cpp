@@ -100,6 +100,7 @@ TEST_F(Pool, ThisThreadsLimitComesBeforeTheProcesss)
 // As many as the limit says when they are to be had, and never more, whatever other callers do.
 TEST_F(Pool, LimitsAreObservedExactly)
 {
+    ork_set_num_threads(6);
     for (int limit : {1, 2, 3, 4}) {
         ork_set_num_threads_local(limit);
         EXPECT_EQ(threads_that_meet(limit, 20s), limit);
@@ -130,13 +131,17 @@ TEST_F(Pool, LimitsAreObservedExactly)
 TEST_F(Pool, CallsFromPartsRunSerial)
 {
     ork_set_num_threads(4);
-    std::atomic<int> wrong = 0;
-    parallel(50, [&](int) {
-        wrong += ork_get_max_threads() != 1;
+    std::atomic<int> wrong = 0, by_caller = 0, by_workers = 0;
+    parallel(100, [&](int) {
         const auto self = std::this_thread::get_id();
+        ++(self == main_thread ? by_caller : by_workers);
+        wrong += ork_get_max_threads() != 1;
         parallel(5, [&](int) { wrong += std::this_thread::get_id() != self; });
+        std::this_thread::sleep_for(200us);
     });
     EXPECT_EQ(wrong, 0);
+    EXPECT_GT(by_caller, 0);
+    EXPECT_GT(by_workers, 0);
     EXPECT_EQ(ork_get_max_threads(), 4);
 }
 
@@ -246,8 +251,12 @@ int generations(int left)
 {
     for (int round = 0; round < 10; ++round)
         if (!every_part_runs_once(16)) return 1;
-    if (ork_get_max_threads() > 1 && thread_count() < 2) return 2;
+    for (int round = 0; round < 2; ++round) { // a new worker looks for work by itself, one that sleeps must be woken
+        if (threads_that_meet(2, 10s) != 2) return 2;
+        std::this_thread::sleep_for(2ms);
+    }
     if (left == 0) return 0;
+    every_part_runs_once(16);
     const pid_t child = fork();
     if (child == 0) _exit(generations(left - 1));
     for (int round = 0; round < 10; ++round)

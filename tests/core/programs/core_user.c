@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <dlfcn.h>
 #include <malloc.h>
+#include <pthread.h>
 #include <stdint.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -125,6 +126,29 @@ static int rounds(const char* path, int count)
     return status;
 }
 
+static void* multiply_in_thread(void* wrong)
+{
+    *(int*)wrong = multiply(300);
+    return NULL;
+}
+
+/* Forks some time after another thread began the process's first call, which opens the kernel library; the child calls too. */
+static int fork_in_the_first_call(int microseconds)
+{
+    int wrong = 1, status = 1;
+    pthread_t thread;
+    pthread_create(&thread, NULL, multiply_in_thread, &wrong);
+    usleep(microseconds);
+    const pid_t child = fork();
+    if (child == 0) {
+        alarm(20);
+        _exit(multiply(300));
+    }
+    waitpid(child, &status, 0);
+    pthread_join(thread, NULL);
+    return wrong || status != 0;
+}
+
 int main(int argc, char** argv)
 {
     if (argc < 3) return 95;
@@ -140,6 +164,7 @@ int main(int argc, char** argv)
     if (strcmp(action, "moved") == 0 && chdir("/") != 0) return 94;
     if (strcmp(action, "initialize") == 0 || strcmp(action, "moved") == 0) return initialize();
     if (strcmp(action, "multiply") == 0) return multiply(300);
+    if (strcmp(action, "fork") == 0) return fork_in_the_first_call(atoi(argv[3]));
     if (strcmp(action, "threads") == 0) {
         printf("%d", ((int (*)(void))routine("ork_get_max_threads"))());
         return 0;
