@@ -8,12 +8,20 @@ namespace {
 
 template <class T>
 struct Axpy {
+    static constexpr int group = is_complex<T> ? 4 : 1, lanes = Vec<T>::lanes;
     Factor<T> alpha;
 
     template <int width>
     [[gnu::always_inline]] void at(const T* x, T* y) const
     {
-        store<width>(y, sum(times<width>(alpha, x), load<width>(y)));
+        if constexpr (width > lanes) {
+            const FourAhead<T> a(x);
+#pragma GCC unroll 4
+            for (int j = 0; j < group; ++j)
+                store<lanes>(y + j * lanes, sum(a.times(alpha, j), load<lanes>(y + j * lanes)));
+        } else {
+            store<width>(y, sum(times<width>(alpha, x), load<width>(y)));
+        }
     }
 };
 

@@ -45,7 +45,7 @@ inline bool overlap(const void* x, const void* y, std::int64_t size)
 
 // Pairs of vectors of so many bytes come from the third-level cache, where fetching ahead of the loads gains 10 to 20
 // %. In the nearer caches it only costs a load, and from memory it loses up to 20 % to what the processor fetches by
-// itself, as it does for a single vector.
+// itself, as it does for a single vector and where arithmetic is the limit, as in complex axpy.
 inline bool in_third_level(Int bytes) { return bytes >= 1 << 19 && bytes < 3 << 21; }
 constexpr Int ahead = 1024; // bytes
 
@@ -60,7 +60,15 @@ template <int count, class T>
 
 namespace elementwise {
 
-constexpr int unroll = 8; // registers a pass
+// Registers that the step takes at once in the long loops.
+template <class Step>
+constexpr int group()
+{
+    if constexpr (requires { Step::group; })
+        return Step::group;
+    else
+        return 1;
+}
 
 // The elements that fill no pass, by the bits of their number.
 template <int part, class X, class Y, class Step>
@@ -78,21 +86,22 @@ template <int part, class X, class Y, class Step>
 template <class X, class Y, class Step>
 [[gnu::always_inline]] inline void adjacent(Int n, const Step& step, X* x, Y* y)
 {
-    constexpr int lanes = Vec<Y>::lanes, block = unroll * lanes;
+    constexpr int lanes = Vec<Y>::lanes, width = group<Step>() * lanes;
+    constexpr int block = 8 * lanes; // a pass
     if (n >= block) {
         // A store that crosses a cache line costs twice; that pays for a few single steps in a longer vector only.
         if (n >= 4 * block && reinterpret_cast<std::uintptr_t>(y) % sizeof(Y) == 0)
             for (; reinterpret_cast<std::uintptr_t>(y) % 16 != 0; ++x, ++y, --n) step.template at<1>(x, y);
-        if (static_cast<const void*>(x) != y && in_third_level(n * static_cast<Int>(sizeof(Y)))) {
+        if (group<Step>() == 1 && static_cast<const void*>(x) != y && in_third_level(n * static_cast<Int>(sizeof(Y)))) {
             for (; n >= block; n -= block, x += block, y += block) {
                 prefetch<block>(x), prefetch<block>(y);
 #pragma GCC unroll 8
-                for (int j = 0; j < block; j += lanes) step.template at<lanes>(x + j, y + j);
+                for (int j = 0; j < block; j += width) step.template at<width>(x + j, y + j);
             }
         } else {
             for (; n >= block; n -= block, x += block, y += block)
 #pragma GCC unroll 8
-                for (int j = 0; j < block; j += lanes) step.template at<lanes>(x + j, y + j);
+                for (int j = 0; j < block; j += width) step.template at<width>(x + j, y + j);
         }
     }
     rest<block / 2>(n, step, x, y);
@@ -115,7 +124,7 @@ template <class X, class Y, class Step>
 [[gnu::always_inline]] inline void each(Int n, const Step& step, X* x, Int incx, Y* y, Int incy)
 {
     // A register at a time is one element at a time, unless an element that it stores is another that it loads.
-    if (incx == 1 && incy == 1 && !overlap(x, y, 16)) [[likely]]
+    if (incx == 1 && incy == 1 && !overlap(x, y, 16 * elementwise::group<Step>())) [[likely]]
         elementwise::adjacent(n, step, x, y);
     else
         elementwise::in_order(n, step, x, incx, y, incy);

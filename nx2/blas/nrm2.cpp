@@ -27,7 +27,7 @@ struct ScaledSum {
         if (x == 0) return;
         const double a = __builtin_fabs(x);
         if (__builtin_isgreater(a, scale)) {
-            const double ratio = scale / a;
+            const double ratio = scale == 0 ? 0 : scale / a; // the first one takes no division
             ssq = 1 + ssq * (ratio * ratio);
             scale = a;
         } else {
@@ -40,37 +40,37 @@ struct ScaledSum {
 
 // While no element of a block exceeds the scale, the divisions go two by two and only the additions stay in a row: two
 // cycles an element, which is what the latency of an addition allows. A zero then adds 0, which changes nothing.
+template <int width, class Pair>
+[[gnu::always_inline]] inline void add_pairs(ScaledSum& sum, Int first, Pair pair)
+{
+    Vec<double> a[width];
+    const Vec<double> scale = broadcast(sum.scale);
+    __m128i greater = _mm_setzero_si128();
+#pragma GCC unroll 4
+    for (int j = 0; j < width; ++j) {
+        a[j] = abs(pair(first + j));
+        // Magnitudes compare as integers, NaN above all, and without raising a flag.
+        greater |= _mm_cmpgt_epi64(_mm_castpd_si128(a[j].v), _mm_castpd_si128(scale.v));
+    }
+    if (_mm_testz_si128(greater, greater) && sum.scale != 0) [[likely]] {
+#pragma GCC unroll 4
+        for (int j = 0; j < width; ++j) {
+            const Vec<double> ratio{_mm_div_pd(a[j].v, scale.v)}, square = ratio * ratio;
+            sum.ssq += lane(square, 0);
+            sum.ssq += lane(square, 1);
+        }
+    } else {
+        for (const Vec<double>& both : a) sum.add(lane(both, 0)), sum.add(lane(both, 1));
+    }
+}
+
 template <class Pair>
 [[gnu::always_inline]] inline ScaledSum scaled_sum(Int pairs, Pair pair)
 {
-    constexpr int width = 4;
     ScaledSum sum;
     Int i = 0;
-    for (; i + width <= pairs; i += width) {
-        Vec<double> a[width];
-        const Vec<double> scale = broadcast(sum.scale);
-        __m128i greater = _mm_setzero_si128();
-#pragma GCC unroll 4
-        for (int j = 0; j < width; ++j) {
-            a[j] = abs(pair(i + j));
-            // Magnitudes compare as integers, NaN above all, and without raising a flag.
-            greater |= _mm_cmpgt_epi64(_mm_castpd_si128(a[j].v), _mm_castpd_si128(scale.v));
-        }
-        if (_mm_testz_si128(greater, greater) && sum.scale != 0) [[likely]] {
-#pragma GCC unroll 4
-            for (int j = 0; j < width; ++j) {
-                const Vec<double> ratio{_mm_div_pd(a[j].v, scale.v)}, square = ratio * ratio;
-                sum.ssq += lane(square, 0);
-                sum.ssq += lane(square, 1);
-            }
-        } else {
-            for (const Vec<double>& both : a) sum.add(lane(both, 0)), sum.add(lane(both, 1));
-        }
-    }
-    for (; i < pairs; ++i) {
-        const Vec<double> both = pair(i);
-        sum.add(lane(both, 0)), sum.add(lane(both, 1));
-    }
+    for (; i + 4 <= pairs; i += 4) add_pairs<4>(sum, i, pair);
+    for (; i < pairs; ++i) add_pairs<1>(sum, i, pair);
     return sum;
 }
 
@@ -111,9 +111,15 @@ double squares_of_adjacent(Int n, const float* x)
     for (; left >= block; left -= block, x += block)
 #pragma GCC unroll 8
         for (int j = 0; j < 8; ++j) a[j % 4] = a[j % 4] + squares(x + 2 * j);
-    for (; left >= 2; left -= 2, x += 2) a[0] = a[0] + squares(x);
-    double sum = fold((a[2] + a[3]) + (a[1] + a[0]));
-    if (left > 0) sum += square(get(x));
+    const auto rest = [&](int pairs) {
+        if ((n & (2 * pairs)) == 0) return;
+#pragma GCC unroll 4
+        for (int j = 0; j < pairs; ++j) a[0] = a[0] + squares(x + 2 * j);
+        x += 2 * pairs;
+    };
+    rest(4), rest(2), rest(1);
+    double sum = fold(n < block ? a[0] : (a[2] + a[3]) + (a[1] + a[0])); // the others are +0, and no square is -0
+    if (n & 1) sum += square(get(x));
     return sum;
 }
 

@@ -8,12 +8,19 @@ namespace {
 
 template <class T, class S>
 struct Scal {
+    static constexpr int group = std::is_same_v<S, Complex<float>> ? 4 : 1, lanes = Vec<T>::lanes;
     Factor<T, S> alpha;
 
     template <int width>
     [[gnu::always_inline]] void at(const T*, T* x) const
     {
-        store<width>(x, times<width>(alpha, x));
+        if constexpr (width > lanes) {
+            const FourAhead<T> a(x);
+#pragma GCC unroll 4
+            for (int j = 0; j < group; ++j) store<lanes>(x + j * lanes, a.times(alpha, j));
+        } else {
+            store<width>(x, times<width>(alpha, x));
+        }
     }
 };
 

