@@ -2,10 +2,10 @@
 // Sum of magnitudes |x[i]|, of |re| + |im| for complex numbers; and that magnitude of one number.
 //
 // The order of additions, by n alone. Increment 1: over blocks of 8 registers, register j goes to accumulator A(j); of
-// the registers that fill no block, 4 go to A0 .. A3 if there are as many, 2 to A4 and A5, one to A6, and two last single
-// numbers to the lower lanes of A7; the sum is ((A0 + A1) + (A2 + A3)) + ((A4 + A5) + (A6 + A7)), then its lanes (0 + 1,
-// or (0 + 2) + (1 + 3)), then the last odd number. A complex vector is summed as the real one of twice the length. Other
-// increments: one accumulator, in the order of the elements.
+// the registers that fill no block, 4 go to A0 .. A3 if there are as many, 2 to A4 and A5, one to A6, and two last
+// single numbers to the lower lanes of A7; the sum is ((A0 + A1) + (A2 + A3)) + ((A4 + A5) + (A6 + A7)), then its lanes
+// (0 + 1, or (0 + 2) + (1 + 3)), then the last odd number. A complex vector is summed as the real one of twice the
+// length. Other increments: one accumulator, in the order of the elements.
 #include "blas/elementwise.h"
 #include "blas/level1_kernels.h"
 
