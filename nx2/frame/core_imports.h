@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Every routine that this library takes from the core, and nothing else: a test compares the library's undefined symbols
-// with the IMPORT lines below. Each is bound on its first call through a jump slot of its own, so the library loads and
-// computes without a core. Never take an import's address (in a table, say): that would be resolved at load time.
+// Every routine that this library takes from the core, and nothing else: a test compares the library's undefined
+// symbols with the IMPORT lines below. Each is bound on its first call through a jump slot of its own, so the library
+// loads and computes without a core. Never take an import's address (in a table, say): that would be resolved at load
+// time.
 #pragma once
 
 #include "ork/abi/services.h"
