@@ -139,13 +139,14 @@ TEST(Arguments, NothingIsDoneForEmptyVectors)
                     Call<Row> call;
                     call.integers[n] = size;
                     for (auto& e : call.elements) std::fill(e.begin(), e.end(), std::complex<double>(0.5, 0.25));
+                    if constexpr (std::string_view(Row::name) == "sdsdot") *call.template values<1>() = 2.5f;
                     const Call<Row> before = call;
                     (void)take_reports();
                     const auto result = invoke<Row>(binding, call);
                     EXPECT_TRUE(take_reports().empty());
                     EXPECT_TRUE(call.same_elements(before));
                     if constexpr (std::string_view(Row::name) == "sdsdot")
-                        EXPECT_EQ(result, std::complex<double>(*call.template values<1>()));
+                        EXPECT_EQ(result, std::complex<double>(2.5)) << "the sum starts from sb";
                     else
                         EXPECT_EQ(result, std::complex<double>(0));
                 }
