@@ -2,6 +2,7 @@
 // axpy, axpby, scal, copy, swap, rot, rotm against a loop over the elements in order, bit for bit.
 #include <cstring>
 #include <limits>
+#include <sys/mman.h>
 
 #include "blas/level1_kernels.h"
 #include "blas/level1_kernels_by_type.h"
@@ -326,6 +327,29 @@ TYPED_TEST(Level1, NegativeLengthsDoNothing)
     swap<T>(&n, x.data(), &inc, y.data(), &inc);
     rot<T>(&n, x.data(), &inc, y.data(), &inc, &c, &alpha);
     EXPECT_TRUE(x.unchanged() && y.unchanged());
+}
+
+// Positions past 2^31 elements, on pages that exist only where they are touched.
+TEST(Level1Far, IncrementsAndPositionsAreSixtyFourBitsWide)
+{
+    constexpr int64_t step = (int64_t{1} << 31) + 1, n = 3, unit = 1;
+    constexpr std::size_t bytes = static_cast<std::size_t>((n - 1) * step + 1) * sizeof(float);
+    void* memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (memory == MAP_FAILED) GTEST_SKIP() << "no address space for " << bytes << " bytes";
+    auto* x = static_cast<float*>(memory);
+    const float y[] = {1, 10, 100}, alpha = 2;
+    for (const int64_t inc : {step, -step}) {
+        const bool up = inc > 0;
+        copy<float>(&n, y, &unit, x, &inc);
+        EXPECT_EQ(x[step], 10);
+        EXPECT_EQ(x[2 * step], up ? 100 : 1);
+        scal<float>(&n, &alpha, x, &inc);
+        axpy<float>(&n, &alpha, y, &unit, x, &inc);
+        EXPECT_EQ(dot<float>(&n, x, &inc, y, &unit), 4 * (1 + 100 + 10000));
+        EXPECT_EQ(asum<float>(&n, x, &inc), 4 * 111);
+        EXPECT_EQ(amax<float>(&n, x, &inc), 3);
+    }
+    munmap(memory, bytes);
 }
 
 TEST(Rotm, WithFlagMinusTwoIsTheIdentity)
