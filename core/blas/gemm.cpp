@@ -64,8 +64,14 @@ void gemm_threaded(const char* transa, const char* transb, const std::int64_t* m
     });
 }
 
-template void gemm_threaded(const char*, const char*, const std::int64_t*, const std::int64_t*, const std::int64_t*,
-                            const double*, const double*, const std::int64_t*, const double*, const std::int64_t*,
-                            const double*, double*, const std::int64_t*);
+#define GEMM_FOR(T)                                                                                                    \
+    template void gemm_threaded(const char*, const char*, const std::int64_t*, const std::int64_t*,                    \
+                                const std::int64_t*, const T*, const T*, const std::int64_t*, const T*,                \
+                                const std::int64_t*, const T*, T*, const std::int64_t*);
+GEMM_FOR(float)
+GEMM_FOR(double)
+GEMM_FOR(ork_complex_float)
+GEMM_FOR(ork_complex_double)
+#undef GEMM_FOR
 
 } // namespace ork::blas

@@ -12,8 +12,20 @@ namespace ork::blas {
 template <class T>
 struct GemmKernel;
 template <>
+struct GemmKernel<float> {
+    static constexpr auto& call = kernels::xsgemm;
+};
+template <>
 struct GemmKernel<double> {
     static constexpr auto& call = kernels::xdgemm;
+};
+template <>
+struct GemmKernel<ork_complex_float> {
+    static constexpr auto& call = kernels::xcgemm;
+};
+template <>
+struct GemmKernel<ork_complex_double> {
+    static constexpr auto& call = kernels::xzgemm;
 };
 
 // How C is divided: row_parts x column_parts pieces of `rows` x `columns` elements, the last of each line smaller.
@@ -25,9 +37,9 @@ struct GemmGrid {
 // The division of an m x n problem of depth k for at most `threads` threads; one part where threads would not pay.
 GemmGrid gemm_grid(std::int64_t m, std::int64_t n, std::int64_t k, int threads);
 
-// Multiplications that a further thread must save. Measured on two processors (Zen 5): with a worker that still spins two
-// threads win from 40 x 40 x 40 on, with one that must be woken first from about 96 x 96 x 96 on (1.1 to 1.3 times as
-// fast there, 0.9 to 0.95 times at 80), which is where two threads begin.
+// Multiplications that a further thread must save. Measured on two processors (Zen 5): with a worker that still spins
+// two threads win from 40 x 40 x 40 on, with one that must be woken first from about 96 x 96 x 96 on (1.1 to 1.3 times
+// as fast there, 0.9 to 0.95 times at 80), which is where two threads begin.
 inline constexpr double gemm_work_per_thread = 96.0 * 96 * 96 / 2;
 
 template <class T>

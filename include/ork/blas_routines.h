@@ -171,8 +171,19 @@ void ORK_NAME(zsctr)(const ORK_INT* nz, const ork_complex_double* x, const ORK_I
 /* Plane rotation of x against y[indx]: x <- c x + s y[indx], y[indx] <- c y[indx] - s x. */
 void ORK_NAME(sroti)(const ORK_INT* nz, float* x, const ORK_INT* indx, float* y, const float* c, const float* s);
 void ORK_NAME(droti)(const ORK_INT* nz, double* x, const ORK_INT* indx, double* y, const double* c, const double* s);
-/* C <- alpha op(A) op(B) + beta C with C m x n, op(A) m x k, op(B) k x n; op by the letter N (as it is), T or C
-   (transposed). With beta = 0, C is not read. */
+/* C <- alpha op(A) op(B) + beta C with C m x n, op(A) m x k, op(B) k x n; op by the letter N (as it is), T
+   (transposed) or C (conjugate transposed). With beta = 0, C is not read. */
+void ORK_NAME(sgemm)(const char* transa, const char* transb, const ORK_INT* m, const ORK_INT* n, const ORK_INT* k,
+                     const float* alpha, const float* a, const ORK_INT* lda, const float* b, const ORK_INT* ldb,
+                     const float* beta, float* c, const ORK_INT* ldc);
 void ORK_NAME(dgemm)(const char* transa, const char* transb, const ORK_INT* m, const ORK_INT* n, const ORK_INT* k,
                      const double* alpha, const double* a, const ORK_INT* lda, const double* b, const ORK_INT* ldb,
                      const double* beta, double* c, const ORK_INT* ldc);
+void ORK_NAME(cgemm)(const char* transa, const char* transb, const ORK_INT* m, const ORK_INT* n, const ORK_INT* k,
+                     const ork_complex_float* alpha, const ork_complex_float* a, const ORK_INT* lda,
+                     const ork_complex_float* b, const ORK_INT* ldb, const ork_complex_float* beta,
+                     ork_complex_float* c, const ORK_INT* ldc);
+void ORK_NAME(zgemm)(const char* transa, const char* transb, const ORK_INT* m, const ORK_INT* n, const ORK_INT* k,
+                     const ork_complex_double* alpha, const ork_complex_double* a, const ORK_INT* lda,
+                     const ork_complex_double* b, const ORK_INT* ldb, const ork_complex_double* beta,
+                     ork_complex_double* c, const ORK_INT* ldc);

@@ -145,6 +145,15 @@ void ORK_NAME(sroti)(ORK_INT nz, float* x, const ORK_INT* indx, float* y, float 
 void ORK_NAME(droti)(ORK_INT nz, double* x, const ORK_INT* indx, double* y, double c, double s);
 /* C <- alpha op(A) op(B) + beta C with C m x n, op(A) m x k, op(B) k x n, all stored by rows or all by columns; a
    leading dimension is the distance between two rows or two columns. With beta = 0, C is not read. */
+void ORK_NAME(sgemm)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE transa, CBLAS_TRANSPOSE transb, ORK_INT m, ORK_INT n,
+                     ORK_INT k, float alpha, const float* a, ORK_INT lda, const float* b, ORK_INT ldb, float beta,
+                     float* c, ORK_INT ldc);
 void ORK_NAME(dgemm)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE transa, CBLAS_TRANSPOSE transb, ORK_INT m, ORK_INT n,
                      ORK_INT k, double alpha, const double* a, ORK_INT lda, const double* b, ORK_INT ldb, double beta,
                      double* c, ORK_INT ldc);
+void ORK_NAME(cgemm)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE transa, CBLAS_TRANSPOSE transb, ORK_INT m, ORK_INT n,
+                     ORK_INT k, const void* alpha, const void* a, ORK_INT lda, const void* b, ORK_INT ldb,
+                     const void* beta, void* c, ORK_INT ldc);
+void ORK_NAME(zgemm)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE transa, CBLAS_TRANSPOSE transb, ORK_INT m, ORK_INT n,
+                     ORK_INT k, const void* alpha, const void* a, ORK_INT lda, const void* b, ORK_INT ldb,
+                     const void* beta, void* c, ORK_INT ldc);
