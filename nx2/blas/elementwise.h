@@ -107,9 +107,10 @@ template <class X, class Y, class Step>
     rest<block / 2>(n, step, x, y);
 }
 
-// All that is not two increments of 1, out of the way of those.
+// All that is not two increments of 1, out of the way of those. Takes the step by value, so that theirs stays in
+// registers.
 template <class X, class Y, class Step>
-[[gnu::noinline]] void in_order(Int n, const Step& step, X* x, Int incx, Y* y, Int incy)
+[[gnu::noinline]] void in_order(Int n, Step step, X* x, Int incx, Y* y, Int incy)
 {
     const bool backward = incx == -1 && incy == -1 && !overlap(x, y, n * static_cast<Int>(sizeof(Y)));
     if (backward) return elementwise::adjacent(n, step, x, y);
