@@ -78,8 +78,10 @@ public:
 };
 
 // Watches a word for some 100 microseconds, a few times what it takes to wake a thread that sleeps; true when it
-// changed. After the first few the processor is offered to others at each look, because the thread that is to change
-// the word may be waiting for this very processor.
+// changed. After the first few the processor is offered to others at each look: the thread that is to change the word
+// may be waiting for this very one. On processors that were busy otherwise two threads took two to ten times as long
+// for calls of 10 to 50 microseconds when it was not offered, and about as long as one thread when it was; on idle ones
+// there is no difference.
 template <class Changed>
 bool spin_until(Changed changed)
 {
