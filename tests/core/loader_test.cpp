@@ -104,6 +104,15 @@ TEST(Loader, ALibraryWithoutTheKernelEndsTheProcessWithItsName)
     EXPECT_THAT(called.err, HasSubstr("has no ork_blas_nx2_xdgemm"));
 }
 
+TEST(Loader, TheFirstCallFitsASmallStack)
+{
+    if (sanitized) GTEST_SKIP() << "sanitizers need more";
+    CoreFolder folder;
+    folder.with_kernels(ORK_KERNEL_FILE);
+    const auto result = folder.run({"small stack"}, {"ORK_NUM_THREADS=2"});
+    EXPECT_TRUE(result.ok()) << result.describe();
+}
+
 TEST(Loader, AForkInTheFirstCallDoesNoHarm)
 {
     if (thread_sanitized) GTEST_SKIP() << "its run-time gives up after such a fork";

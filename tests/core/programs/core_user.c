@@ -132,6 +132,19 @@ static void* multiply_in_thread(void* wrong)
     return NULL;
 }
 
+/* The first call of the process, which opens the kernel library and starts a worker, on a stack of 64 KiB. */
+static int multiply_on_a_small_stack(void)
+{
+    int wrong = 1;
+    pthread_t thread;
+    pthread_attr_t small;
+    pthread_attr_init(&small);
+    pthread_attr_setstacksize(&small, 64 << 10);
+    pthread_create(&thread, &small, multiply_in_thread, &wrong);
+    pthread_join(thread, NULL);
+    return wrong;
+}
+
 /* Forks some time after another thread began the process's first call, which opens the kernel library; the child calls too. */
 static int fork_in_the_first_call(int microseconds)
 {
@@ -164,6 +177,7 @@ int main(int argc, char** argv)
     if (strcmp(action, "moved") == 0 && chdir("/") != 0) return 94;
     if (strcmp(action, "initialize") == 0 || strcmp(action, "moved") == 0) return initialize();
     if (strcmp(action, "multiply") == 0) return multiply(300);
+    if (strcmp(action, "small stack") == 0) return multiply_on_a_small_stack();
     if (strcmp(action, "fork") == 0) return fork_in_the_first_call(atoi(argv[3]));
     if (strcmp(action, "threads") == 0) {
         printf("%d", ((int (*)(void))routine("ork_get_max_threads"))());
