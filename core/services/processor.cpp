@@ -23,9 +23,10 @@ unsigned saved_registers()
     return low;
 }
 
-// Published processor-model codes. 66 makes the double-precision multiply take the second row of its kernel table, whose
-// kernel broadcasts elements in the load unit: the code of processors that do that for nothing while their shuffles share
-// pipes with the arithmetic. Measured on Zen 5 (dgemm at n = 256 11 % faster than with row 0); its predecessors have the same pipes.
+// Published processor-model codes. 66 makes the double-precision multiply take the second row of its kernel table,
+// whose kernel broadcasts elements in the load unit: the code of processors that do that for nothing while their
+// shuffles share pipes with the arithmetic. Measured on Zen 5 (dgemm at n = 256 11 % faster than with row 0); its
+// predecessors have the same pipes.
 struct Model {
     const char* vendor;
     int family, first_model, last_model;

@@ -62,6 +62,8 @@ struct Refusal {
     std::string kernels; // a kind of tests/core/kernels/, "text" or "missing"
     int status;
     const char* text; // in the message, besides the file
+
+    friend void PrintTo(const Refusal& refusal, std::ostream* out) { *out << refusal.kernels; }
 };
 
 class Refused : public testing::TestWithParam<Refusal> {};
