@@ -33,6 +33,11 @@ void report_fortran<std::int32_t>(const char*, std::size_t, int position)
     keep(position);
 }
 template <>
+void report_fortran<std::int64_t>(const char*, std::size_t, int position)
+{
+    keep(position);
+}
+template <>
 void report_cblas<std::int32_t>(const char*, int position)
 {
     keep(position);
