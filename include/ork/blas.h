@@ -2,7 +2,8 @@
 /* The BLAS by Fortran's conventions. A routine, daxpy say, has two widths of integers and two names for each:
      daxpy_     = ork_blas_lp64_daxpy   32-bit (LP64)
      daxpy_64_  = ork_blas_daxpy        64-bit (ILP64)
-   Complex results come in registers, as gfortran returns them. Fortran's hidden lengths of letters may be passed or not. */
+   Complex results come in registers, as gfortran returns them. Fortran's hidden lengths of letters may be passed or
+   not. */
 #ifndef ORK_BLAS_H
 #define ORK_BLAS_H
 

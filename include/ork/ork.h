@@ -20,8 +20,8 @@ enum ork_status {
     ORK_LIBRARY_FOREIGN = 3, /* the file is there but is no kernel library, or can't be opened */
     ORK_LIBRARY_VERSION = 4  /* the file is a kernel library for another code path */
 };
-/* Finds and opens the kernel library for this processor, which the first routine that needs it does otherwise, and ends the
-   process with a message when it can't; returns an ork_status, the same on every call. */
+/* Finds and opens the kernel library for this processor, which the first routine that needs it does otherwise, and ends
+   the process with a message when it can't; returns an ork_status, the same on every call. */
 int ork_initialize(void);
 /* Why ork_initialize failed, in one line with the file that was tried; "" as long as it did not. */
 const char* ork_error_text(void);
@@ -32,17 +32,19 @@ int ork_code_path(void);
 /* Writes the processor's name, cut to size - 1 characters. */
 void ork_processor_name(char* buffer, size_t size);
 
-/* Threads: by default as many as ORK_NUM_THREADS says, else OMP_NUM_THREADS, else the processors that the affinity mask and
-   the control group leave to this process; never more than 256. */
+/* Threads: by default as many as ORK_NUM_THREADS says, else OMP_NUM_THREADS, else the processors that the affinity mask
+   and the control group leave to this process; never more than 256. */
 /* Sets the number of threads a call may use, the caller included; 0 or less goes back to the default. */
 void ork_set_num_threads(int threads);
-/* Sets the same for calls from this thread alone, 0 for as all others have it, and returns this thread's former value. */
+/* Sets the same for calls from this thread alone, 0 for as all others have it, and returns this thread's former value.
+ */
 int ork_set_num_threads_local(int threads);
 /* The number of threads that a call from this thread may use now. */
 int ork_get_max_threads(void);
 
 typedef void (*ork_part)(void* context, int part);
-/* Runs work(context, part) once for each part = 0 .. parts - 1, in any order and on any thread, and returns after the last. */
+/* Runs work(context, part) once for each part = 0 .. parts - 1, in any order and on any thread, and returns after the
+ * last. */
 typedef void (*ork_parallel_backend)(void* user, int parts, ork_part work, void* context);
 /* Hands all parallel work to the application's own threads, or back to the library's when backend is null; calls of the
    library from inside a part run serial. Not while a call is under way. */

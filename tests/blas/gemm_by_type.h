@@ -57,8 +57,8 @@ inline std::int64_t gemm_block(std::int64_t k)
 template <class T> inline constexpr auto gemm = of_type<T>(ork_blas_nx2_xsgemm, ork_blas_nx2_xdgemm, ork_blas_nx2_xcgemm, ork_blas_nx2_xzgemm);
 // clang-format on
 
-// One element: beta * c (not read for beta = 0), then block after block the sum from zero of (alpha a(l)) b(l) in order. A
-// complex block has four sums, (re re - im im, im re + re im).
+// One element: beta * c (not read for beta = 0), then block after block the sum from zero of (alpha a(l)) b(l) in
+// order. A complex block has four sums, (re re - im im, im re + re im).
 template <class T, class A, class B>
 T gemm_element(std::int64_t k, T alpha, A&& a, B&& b, T beta, T c)
 {

@@ -10,12 +10,12 @@
 
 using namespace ork::test;
 
+// clang-format off
 #define EMPTY_NAMES(X)                                                                                                 \
-    X(dgemm_initialize_buffers)                                                                                        \
-    X(dgemm_initialize_kernel_info)                                                                                    \
-    X(dgemm_map_thread_to_kernel) X(dgemm_blk_info_bdz) X(dgemm_blk_info_hi_thr_bdz) X(dgemm_blk_info_0_brc)           \
-        X(dgemm_blk_info_1_brc) X(xdgemm_bdz) X(xdgemm_hi_thr_bdz) X(xdgemm0_brc) X(xdgemm1_1_brc) X(xdgemm_internal)  \
-            X(xdgemm_internal_team)
+    X(dgemm_initialize_buffers) X(dgemm_initialize_kernel_info) X(dgemm_map_thread_to_kernel) X(dgemm_blk_info_bdz)    \
+    X(dgemm_blk_info_hi_thr_bdz) X(dgemm_blk_info_0_brc) X(dgemm_blk_info_1_brc) X(xdgemm_bdz) X(xdgemm_hi_thr_bdz)    \
+    X(xdgemm0_brc) X(xdgemm1_1_brc) X(xdgemm_internal) X(xdgemm_internal_team)
+// clang-format on
 extern "C" {
 int64_t ork_blas_nx2_get_ikernel_api_version(const char*, const char*, const int64_t*, const int64_t*);
 #define DECLARE(name) void ork_blas_nx2_##name();

@@ -5,11 +5,12 @@
 #include <math.h>
 #include <stdlib.h>
 
-typedef void gemm(const char*, const char*, const int*, const int*, const int*, const double*, const double*, const int*,
-                  const double*, const int*, const double*, double*, const int*);
+typedef void gemm(const char*, const char*, const int*, const int*, const int*, const double*, const double*,
+                  const int*, const double*, const int*, const double*, double*, const int*);
 
 void dgemm_(const char* transa, const char* transb, const int* m, const int* n, const int* k, const double* alpha,
-            const double* a, const int* lda, const double* b, const int* ldb, const double* beta, double* c, const int* ldc)
+            const double* a, const int* lda, const double* b, const int* ldb, const double* beta, double* c,
+            const int* ldc)
 {
     gemm* right;
     *(void**)&right = dlsym(RTLD_NEXT, "dgemm_");

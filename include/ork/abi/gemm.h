@@ -1,7 +1,7 @@
 /* SPDX-License-Identifier: MIT */
 /* The GEMM kernel descriptor: what a kernel library tells a core about its blocked multiply. C <- alpha op(A) op(B) +
-   beta C, all matrices column-major; A is packed into panels of `m_unit` rows already multiplied by alpha, B into panels
-   of `n_unit` columns. Every size counts elements, every buffer size bytes. */
+   beta C, all matrices column-major; A is packed into panels of `m_unit` rows already multiplied by alpha, B into
+   panels of `n_unit` columns. Every size counts elements, every buffer size bytes. */
 #ifndef ORK_ABI_GEMM_H
 #define ORK_ABI_GEMM_H
 

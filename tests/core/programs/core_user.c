@@ -1,5 +1,6 @@
 /* SPDX-License-Identifier: MIT */
-/* core_user <core> <action> [count]: opens the core as a program that is not linked with it does, in a scope of its own. */
+/* core_user <core> <action> [count]: opens the core as a program that is not linked with it does, in a scope of its
+ * own. */
 #include <dirent.h>
 #include <dlfcn.h>
 #include <malloc.h>
@@ -145,7 +146,8 @@ static int multiply_on_a_small_stack(void)
     return wrong;
 }
 
-/* Forks some time after another thread began the process's first call, which opens the kernel library; the child calls too. */
+/* Forks some time after another thread began the process's first call, which opens the kernel library; the child calls
+ * too. */
 static int fork_in_the_first_call(int microseconds)
 {
     int wrong = 1, status = 1;

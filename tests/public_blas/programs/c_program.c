@@ -10,8 +10,8 @@ extern float sdot_(const int*, const float*, const int*, const float*, const int
 extern float _Complex cdotu_(const int*, const float _Complex*, const int*, const float _Complex*, const int*);
 extern double _Complex zdotc_(const int*, const double _Complex*, const int*, const double _Complex*, const int*);
 extern int idamax_(const int*, const double*, const int*);
-extern void dgemm_(const char*, const char*, const int*, const int*, const int*, const double*, const double*, const int*,
-                   const double*, const int*, const double*, double*, const int*, size_t, size_t);
+extern void dgemm_(const char*, const char*, const int*, const int*, const int*, const double*, const double*,
+                   const int*, const double*, const int*, const double*, double*, const int*, size_t, size_t);
 extern void cblas_dgemm(int, int, int, int, int, int, double, const double*, int, const double*, int, double, double*,
                         int);
 extern size_t cblas_idamax(int, const double*, int);

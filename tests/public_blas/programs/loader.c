@@ -21,9 +21,10 @@ int main(int count, char** arguments)
     CHECK(count == 3);
     void* narrow = dlopen(arguments[1], RTLD_NOW | RTLD_LOCAL);
     CHECK(narrow != NULL);
-    double (*ddot)(const int32_t*, const double*, const int32_t*, const double*, const int32_t*) = dlsym(narrow, "ddot_");
-    void (*gemm)(int, int, int, int32_t, int32_t, int32_t, double, const double*, int32_t, const double*, int32_t, double,
-                 double*, int32_t) = dlsym(narrow, "cblas_dgemm");
+    double (*ddot)(const int32_t*, const double*, const int32_t*, const double*, const int32_t*) =
+        dlsym(narrow, "ddot_");
+    void (*gemm)(int, int, int, int32_t, int32_t, int32_t, double, const double*, int32_t, const double*, int32_t,
+                 double, double*, int32_t) = dlsym(narrow, "cblas_dgemm");
     CHECK(ddot != NULL && gemm != NULL);
     CHECK(dlsym(RTLD_DEFAULT, "ddot_") == NULL || dlsym(RTLD_DEFAULT, "ddot_") != (void*)ddot);
 
@@ -42,8 +43,9 @@ int main(int count, char** arguments)
 
     void* wide = dlopen(arguments[2], RTLD_NOW | RTLD_LOCAL);
     CHECK(wide != NULL);
-    void (*dgemm)(const char*, const char*, const int64_t*, const int64_t*, const int64_t*, const double*, const double*,
-                  const int64_t*, const double*, const int64_t*, const double*, double*, const int64_t*) = dlsym(wide, "dgemm_");
+    void (*dgemm)(const char*, const char*, const int64_t*, const int64_t*, const int64_t*, const double*,
+                  const double*, const int64_t*, const double*, const int64_t*, const double*, double*,
+                  const int64_t*) = dlsym(wide, "dgemm_");
     CHECK(dgemm != NULL);
     const int64_t wide_n = n;
     const double unit = 1, zero = 0;
