@@ -147,7 +147,8 @@ TYPED_TEST(Gemm, EveryElementIsTheOrderedSumOnBothRowsOfTheTable)
                               letters[random.integer(0, 2)],
                               letters[random.integer(0, 2)],
                               static_cast<int>(random.integer(0, 3)),
-                              {4 * (random.bits() % 4), 4 * (random.bits() % 4), 4 * (random.bits() % 4)}},
+                              {sizeof(Real<T>) * (random.bits() % 4), sizeof(Real<T>) * (random.bits() % 4),
+                               sizeof(Real<T>) * (random.bits() % 4)}},
                              random.bits(), both_guards[random.integer(0, 1)]);
                 p.alpha = scalars[random.integer(0, 1) * 2];
                 p.beta = scalars[random.integer(0, 2)];

@@ -91,7 +91,7 @@ void pack_edge(const Operand<T>& x, Int outer, Int present, Int depth, T* to, To
     for (Int l = 0; l < padded; ++l)
         for (Int r = 0; r < width; ++r, to += To::copies) {
             const Int row = r < present ? r : present - 1;
-            To::put(to, l < depth && r < round_up(present, fill) ? convert(*x.at(outer + row, l)) : T{});
+            To::put(to, l < depth && r < round_up(present, fill) ? convert(element(x.at(outer + row, l))) : T{});
         }
 }
 
@@ -116,7 +116,8 @@ void pack_contiguous(const T* from, Int depth_stride, Int panels, Int depth, T* 
             } else {
                 for (int s = 0; s < unit; ++s)
                     for (int r = 0; r < width; ++r)
-                        To::put(panel + s * step + r * To::copies, s < steps ? convert(x[s * depth_stride + r]) : T{});
+                        To::put(panel + s * step + r * To::copies,
+                                s < steps ? convert(element(x + s * depth_stride + r)) : T{});
             }
         }
     }
@@ -141,7 +142,7 @@ inline void pack_transposing(const T* from, Int outer_stride, Int depth, Int pad
         }
     for (; l < padded; ++l)
         for (int r = 0; r < width; ++r, to += To::copies)
-            To::put(to, l < depth ? convert(from[r * outer_stride + l]) : T{});
+            To::put(to, l < depth ? convert(element(from + r * outer_stride + l)) : T{});
 }
 
 // All full panels of one width; returns how many of `count` rows or columns they took.

@@ -2,6 +2,8 @@
 // A product as the ways through the multiply see it: C (m x n, column-major) = C + (alpha A) B, or C = (alpha A) B.
 #pragma once
 
+#include <cstring>
+
 #include "blas/gemm/units.h"
 
 namespace ork::gemm {
@@ -57,6 +59,15 @@ struct Product {
         return part;
     }
 };
+
+// An element that may stand anywhere.
+template <class T>
+inline T element(const T* p)
+{
+    T x;
+    std::memcpy(&x, p, sizeof x);
+    return x;
+}
 
 // Calls body with `flag` as a compile-time value.
 template <class Body>
