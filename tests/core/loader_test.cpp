@@ -117,7 +117,7 @@ TEST(Loader, TheFirstCallFitsASmallStack)
 
 TEST(Loader, AForkInTheFirstCallDoesNoHarm)
 {
-    if (thread_sanitized) GTEST_SKIP() << "its run-time gives up after such a fork";
+    if (sanitized) GTEST_SKIP() << "the sanitizers' allocators don't survive a fork while another thread allocates";
     CoreFolder folder;
     folder.with_kernels(ORK_KERNEL_FILE);
     for (int microseconds = 0; microseconds < 2000; microseconds += 20) {
