@@ -6,7 +6,6 @@
 #include "core_folder.h"
 #include "loader/table.h"
 #include "ork/ork.h"
-#include "pool_support.h"
 
 namespace ork::test {
 namespace {
