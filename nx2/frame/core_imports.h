@@ -16,6 +16,9 @@ IMPORT(ork_serv_deallocate)
 IMPORT(ork_serv_get_microarchitecture)
 IMPORT(ork_serv_cache_info)
 
+// The reproducibility switch, which chooses between loops in level 2
+IMPORT(ork_serv_cbwr_get)
+
 // Targets of forwarding entries (frame/forward.cpp)
 IMPORT(ork_conv_copytask)
 IMPORT(ork_conv_deletetask)

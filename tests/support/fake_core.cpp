@@ -55,4 +55,10 @@ int64_t ork_serv_cache_info(ork_cache_info* info)
     info->cache_size = fake_core().cache_size;
     return 0;
 }
+
+int64_t ork_serv_cbwr_get(int64_t what)
+{
+    ++fake_core().reproducibility_queries;
+    return what == 1 ? fake_core().reproducibility.load() : 0;
+}
 }

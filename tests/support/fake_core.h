@@ -14,11 +14,14 @@ struct FakeCore {
     std::atomic<int64_t> cache_levels = 3;
     std::atomic<int64_t> cache_size = 32 << 20; // bytes
 
+    std::atomic<int64_t> reproducibility = 0; // the branch in force
+
     // Calls so far, failed ones included.
     std::atomic<int> allocations = 0;
     std::atomic<int> deallocations = 0; // of null too
     std::atomic<int> microarchitecture_queries = 0;
     std::atomic<int> cache_queries = 0;
+    std::atomic<int> reproducibility_queries = 0;
 
     std::atomic<int64_t> last_size = 0; // bytes and alignment that the latest allocation asked for
     std::atomic<int64_t> last_alignment = 0;
