@@ -17,6 +17,7 @@ struct Complex {
     friend Complex operator+(Complex a, Complex b) { return {a.re + b.re, a.im + b.im}; }
     friend Complex operator-(Complex a, Complex b) { return {a.re - b.re, a.im - b.im}; }
     friend Complex operator*(Complex a, Complex b) { return {a.re * b.re - a.im * b.im, a.re * b.im + a.im * b.re}; }
+    friend Complex operator*(R a, Complex b) { return {a * b.re, a * b.im}; }
     friend bool operator==(Complex a, Complex b) { return a.re == b.re && a.im == b.im; }
 };
 

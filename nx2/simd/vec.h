@@ -91,6 +91,8 @@ inline Vec<double> operator-(Vec<double> a, Vec<double> b) { return {_mm_sub_pd(
 inline Vec<float> operator-(Vec<float> a, Vec<float> b) { return {_mm_sub_ps(a.v, b.v)}; }
 inline Vec<double> operator*(Vec<double> a, Vec<double> b) { return {_mm_mul_pd(a.v, b.v)}; }
 inline Vec<float> operator*(Vec<float> a, Vec<float> b) { return {_mm_mul_ps(a.v, b.v)}; }
+inline Vec<double> operator/(Vec<double> a, Vec<double> b) { return {_mm_div_pd(a.v, b.v)}; }
+inline Vec<float> operator/(Vec<float> a, Vec<float> b) { return {_mm_div_ps(a.v, b.v)}; }
 
 // Of two NaNs the processor returns the first operand's, and the compiler may exchange the operands of + and *, here so
 // and there so. Where the payload must not depend on which copy of a loop ran, these two keep a first.

@@ -7,3 +7,5 @@
 #define XGEMM(suffix) ork_blas_nx2_xcgemm##suffix
 using T = ork::Complex<float>;
 #include "blas/gemm/exports.inc"
+
+template void ork::gemm::multiply_triangle(bool, const ork::gemm::Product<T, float>&);

@@ -89,8 +89,8 @@ inline void direct_tile(Int depth, const T* a, Int a_stride, Operand<T> b, T* c,
 }
 
 // One panel of rows against all columns.
-template <bool overwrite, int vectors, bool full, class T>
-inline void direct_panel(const Product<T>& p, Int row, const T* a, Int a_stride, Tail tail)
+template <bool overwrite, int vectors, bool full, class T, class S>
+inline void direct_panel(const Product<T, S>& p, Int row, const T* a, Int a_stride, Tail tail)
 {
     constexpr Int most = is_complex<T> ? 2 : 4; // columns of a tile: eight sums
     Operand<T> b = p.b;
@@ -110,8 +110,8 @@ inline void direct_panel(const Product<T>& p, Int row, const T* a, Int a_stride,
 
 // A panel of `width` rows of alpha A that can't be read as it stands: transposed, scaled, or short of rows. The last
 // row stands in for rows that do not exist, so that their products raise no flag that its own would not.
-template <int width, class T, class To>
-inline void copy_panel(const Product<T>& p, Int row, T* to, To convert)
+template <int width, class T, class S, class To>
+inline void copy_panel(const Product<T, S>& p, Int row, T* to, To convert)
 {
     constexpr int lanes = Vec<T>::lanes;
     const T* from = p.a.at(row, 0);
@@ -128,23 +128,26 @@ inline void copy_panel(const Product<T>& p, Int row, T* to, To convert)
     }
 }
 
-template <bool overwrite, class T>
-void multiply_tiles(const Product<T>& p)
+// Calls panel<vectors, full>(row, a, a_stride, tail, first, last) for every panel of rows, of which it is to write
+// [first, last). a is where the panel can be read, from row `row` on.
+template <class T, class S, class Panel>
+inline void for_each_panel(const Product<T, S>& p, Panel panel)
 {
     constexpr int lanes = Vec<T>::lanes;
     const Tail none{};
-    if (p.a.outer_stride == 1 && p.alpha == T(1) && !p.a.conjugated && p.m >= lanes) {
+    if (p.a.outer_stride == 1 && p.alpha == S(1) && !p.a.conjugated && p.m >= lanes) {
         const T* a = p.a.data;
         const Int stride = p.a.depth_stride;
         Int i = 0;
-        for (; i + 2 * lanes <= p.m; i += 2 * lanes) direct_panel<overwrite, 2, true>(p, i, a + i, stride, none);
+        for (; i + 2 * lanes <= p.m; i += 2 * lanes)
+            panel.template operator()<2, true>(i, a + i, stride, none, i, i + 2 * lanes);
         const int rest = static_cast<int>(p.m - i);
         if (rest > lanes)
-            direct_panel<overwrite, 2, false>(p, i, a + i, stride, {rest - lanes, 2 * lanes - rest, lanes});
+            panel.template operator()<2, false>(i, a + i, stride, {rest - lanes, 2 * lanes - rest, lanes}, i, p.m);
         else if (rest == lanes)
-            direct_panel<overwrite, 1, true>(p, i, a + i, stride, none);
+            panel.template operator()<1, true>(i, a + i, stride, none, i, p.m);
         else if (rest > 0)
-            direct_panel<overwrite, 1, false>(p, p.m - lanes, a + p.m - lanes, stride, {0, lanes - rest, lanes});
+            panel.template operator()<1, false>(p.m - lanes, a + p.m - lanes, stride, {0, lanes - rest, lanes}, i, p.m);
         return;
     }
     with_conversion(p.a, p.alpha, [&](auto convert) {
@@ -152,15 +155,23 @@ void multiply_tiles(const Product<T>& p)
         Int i = 0;
         for (; i + 2 * lanes <= p.m; i += 2 * lanes) {
             copy_panel<2 * lanes>(p, i, copy, convert);
-            direct_panel<overwrite, 2, true>(p, i, copy, 2 * lanes, none);
+            panel.template operator()<2, true>(i, copy, 2 * lanes, none, i, i + 2 * lanes);
         }
         for (; i < p.m; i += lanes) {
             copy_panel<lanes>(p, i, copy, convert);
             if (i + lanes <= p.m)
-                direct_panel<overwrite, 1, true>(p, i, copy, lanes, none);
+                panel.template operator()<1, true>(i, copy, lanes, none, i, i + lanes);
             else
-                direct_panel<overwrite, 1, false>(p, i, copy, lanes, {0, 0, static_cast<int>(p.m - i)});
+                panel.template operator()<1, false>(i, copy, lanes, {0, 0, static_cast<int>(p.m - i)}, i, p.m);
         }
+    });
+}
+
+template <bool overwrite, class T>
+void multiply_tiles(const Product<T>& p)
+{
+    for_each_panel(p, [&]<int vectors, bool full>(Int row, const T* a, Int a_stride, Tail tail, Int, Int) {
+        direct_panel<overwrite, vectors, full>(p, row, a, a_stride, tail);
     });
 }
 

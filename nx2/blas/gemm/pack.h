@@ -17,12 +17,12 @@
 namespace ork::gemm {
 
 // Elements on their way into A panels: conjugated if need be, times alpha unless that is 1.
-template <class T, bool scaled, bool conjugated>
+template <class T, class S, bool scaled, bool conjugated>
 struct ToA {
-    Factor<T> factor;
-    T alpha;
+    Factor<T, S> factor;
+    S alpha;
 
-    explicit ToA(T alpha) : factor(alpha), alpha(alpha) {}
+    explicit ToA(S alpha) : factor(alpha), alpha(alpha) {}
     static constexpr int copies = 1;
 
     Vec<T> operator()(Vec<T> x) const
@@ -71,14 +71,14 @@ struct ToB {
 };
 
 // Calls body with the conversion into A panels that `a` and alpha ask for.
-template <class T, class Body>
-inline void with_conversion(const Operand<T>& a, T alpha, Body&& body)
+template <class T, class S, class Body>
+inline void with_conversion(const Operand<T>& a, S alpha, Body&& body)
 {
-    with_flag(!(alpha == T(1)), [&]<bool scaled>() {
+    with_flag(!(alpha == S(1)), [&]<bool scaled>() {
         if constexpr (is_complex<T>)
-            with_flag(a.conjugated, [&]<bool conjugated>() { body(ToA<T, scaled, conjugated>(alpha)); });
+            with_flag(a.conjugated, [&]<bool conjugated>() { body(ToA<T, S, scaled, conjugated>(alpha)); });
         else
-            body(ToA<T, scaled, false>(alpha));
+            body(ToA<T, S, scaled, false>(alpha));
     });
 }
 
@@ -159,8 +159,8 @@ Int pack_full(const Operand<T>& x, Int count, Int depth, T* to, Int panel_stride
     return panels * width;
 }
 
-template <class T>
-void pack_a(const Operand<T>& a, Int m, Int depth, T* to, Int panel_stride, T alpha)
+template <class T, class S>
+void pack_a(const Operand<T>& a, Int m, Int depth, T* to, Int panel_stride, S alpha)
 {
     constexpr int unit = Units<T>::m;
     with_conversion(a, alpha, [&](auto convert) {

@@ -8,12 +8,12 @@ namespace ork::gemm {
 
 // beta = 0 writes zeros without reading C, so that no NaN survives; beta = 1 is the caller's to skip. Four columns at a
 // time, two vectors of each.
-template <class T>
-void scale(Int m, Int n, T beta, T* c, Int ldc)
+template <class T, class S>
+void scale(Int m, Int n, S beta, T* c, Int ldc)
 {
     constexpr int lanes = Vec<T>::lanes, step = 2 * lanes;
-    const Factor<T> factor(beta);
-    const bool clear = beta == T(0);
+    const Factor<T, S> factor(beta);
+    const bool clear = beta == S(0);
     const auto columns = [&]<int count>(T* first) {
         Int i = 0;
         for (; i + step <= m; i += step)
