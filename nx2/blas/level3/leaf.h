@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
-// A triangle of order at most `leaf` against slices: a strip of four registers of every slice at a time is brought into
-// a buffer, where elements of different rows or columns of B stand in the lanes, and comes back when it is done.
+// A triangle of order at most `leaf` against slices: a strip of a few registers of every slice at a time is brought into
+// a buffer, where elements of different rows or columns of B stand in the lanes, and comes back when it is done. Strips
+// of eight registers hide the time of a division behind the others.
 //
 // Order: a solve subtracts coefficient(i, l) x_l from b_i one after another in the order in which the x_l become known,
-// then divides by the diagonal; a product starts with the diagonal's and adds the others in that same order.
+// then multiplies with the inverse of the diagonal (it divides where that would overflow or lose digits); a product
+// starts with the diagonal's and adds the others in that same order.
 #pragma once
+
+#include <utility>
 
 #include "blas/gemm/direct_tile.h"
 #include "blas/level3/triangular.h"
@@ -13,39 +17,38 @@ namespace ork::level3 {
 
 using gemm::Element;
 
-// What is on the diagonal, ready to multiply or to divide by.
-template <class T>
-struct Divisor {
-    T d;
-
-    explicit Divisor(T d = {}) : d(d) {}
-    Vec<T> operator()(Vec<T> x) const { return x / broadcast(d); }
-};
-// Smith's division: with r = im / re, (a + ib) / d = ((a + br) + i(b - ar)) / (re + im r), or the same with the parts
-// exchanged when im is the larger (Smith, "Algorithm 116", 1962). Neither square can overflow.
+// 1 / d, and whether multiplying with it does what dividing by d would: it neither overflows nor loses digits.
 template <class R>
-struct Divisor<Complex<R>> {
-    R own = 1, other = 0, size = 1;
-
-    explicit Divisor(Complex<R> d = {1, 0})
-    {
-        const auto magnitude = [](R x) { return x < 0 ? -x : x; };
-        if (magnitude(d.re) >= magnitude(d.im)) {
-            other = d.im / d.re;
-            size = d.re + d.im * other;
-        } else {
-            own = d.re / d.im;
-            other = 1;
-            size = d.im + d.re * own;
-        }
+inline bool invert(R d, R& inverse)
+{
+    constexpr R largest = sizeof(R) == 8 ? R(0x1p+1020) : R(0x1p+124);
+    const R magnitude = d < 0 ? -d : d;
+    inverse = 1 / d;
+    return magnitude <= largest && magnitude >= 1 / largest;
+}
+// Smith's division: with r = im / re, (a + ib) / d = ((a + br) + i(b - ar)) / (re + im r), or the same with the parts
+// exchanged when im is the larger (Smith, "Algorithm 116", 1962). No square can overflow.
+template <class R>
+inline Complex<R> divide(Complex<R> x, Complex<R> d)
+{
+    const auto magnitude = [](R x) { return x < 0 ? -x : x; };
+    if (magnitude(d.re) >= magnitude(d.im)) {
+        const R r = d.im / d.re, size = d.re + d.im * r;
+        return {(x.re + x.im * r) / size, (x.im - x.re * r) / size};
     }
-    Vec<Complex<R>> operator()(Vec<Complex<R>> x) const
-    {
-        const Vec<R> turned = exchanged(x.v) * broadcast(other); // (im, re) other
-        const Vec<R> minus = alternating_sum(x.v * broadcast(own), Vec<R>{} - turned); // (+, -)
-        return {minus / broadcast(size)};
-    }
-};
+    const R r = d.re / d.im, size = d.im + d.re * r;
+    return {(x.re * r + x.im) / size, (x.im * r - x.re) / size};
+}
+template <class R>
+inline bool invert(Complex<R> d, Complex<R>& inverse)
+{
+    R unused;
+    inverse = divide(Complex<R>{1, 0}, d);
+    const R re = d.re < 0 ? -d.re : d.re, im = d.im < 0 ? -d.im : d.im;
+    return invert(re < im ? im : re, unused) && re <= im + re && im <= im + re; // neither is NaN
+}
+inline double divide(double x, double d) { return x / d; }
+inline float divide(float x, float d) { return x / d; }
 
 // c x.
 template <class T>
@@ -65,96 +68,206 @@ inline Vec<T> accumulate(Vec<T> sum, Element<T> c, Vec<T> x)
     return Vec<T>{subtract ? reals(sum) - reals(p) : reals(sum) + reals(p)};
 }
 
-template <class T>
-struct Leaf {
-    static constexpr int lanes = Vec<T>::lanes, registers = 4, width = registers * lanes;
+// The coefficients with slices counted in the order of the work, so that slice i needs slices 0 .. i - 1.
+template <class T, bool conjugated>
+struct Ordered {
+    const T* first;
+    Int i_step, l_step;
 
-    // Coefficients and diagonal, slices counted in the order of the work.
-    T c[leaf][leaf];
-    T diagonal[leaf];
-    alignas(16) T strip[leaf * width]; // slice after slice
-
-    static Vec<T> at(const T* x) { return {load_aligned(reals(x))}; }
-    static void put(T* x, Vec<T> v) { store_aligned(reals(x), reals(v)); }
-
-    void gather(const Coefficients<T>& t, Int n)
+    Ordered(const T* first, Int i_step, Int l_step) : first(first), i_step(i_step), l_step(l_step) {}
+    Ordered(const Coefficients<T>& t, Int n)
+        : first(t.lower ? t.a : t.at(n - 1, n - 1)), i_step(t.lower ? t.i_stride : -t.i_stride),
+          l_step(t.lower ? t.l_stride : -t.l_stride)
     {
-        gemm::with_flag(t.conjugated, [&]<bool conjugated>() {
-            const Int first = t.lower ? 0 : n - 1, step = t.lower ? 1 : -1;
-            for (Int i = 0; i < n; ++i)
-                for (Int l = 0; l < i; ++l)
-                    c[i][l] = gemm::conjugate<conjugated>(*t.at(first + i * step, first + l * step));
-            for (Int i = 0; i < n; ++i)
-                diagonal[i] = t.unit ? T(1) : gemm::conjugate<conjugated>(*t.at(i, i));
-            if (!t.lower)
-                for (Int i = 0; i < n / 2; ++i) {
-                    const T d = diagonal[i];
-                    diagonal[i] = diagonal[n - 1 - i];
-                    diagonal[n - 1 - i] = d;
-                }
-        });
+    }
+    Element<T> operator()(Int i, Int l) const
+    {
+        Element<T> e(first + i * i_step + l * l_step);
+        if constexpr (conjugated) e.im = Vec<Real<T>>{} - e.im;
+        return e;
+    }
+    T diagonal(Int i) const { return gemm::conjugate<conjugated>(first[i * (i_step + l_step)]); }
+};
+
+// Elements [from, from + width) of n slices: columns of B where they stand, or a copy, slice after slice.
+template <class T, int registers>
+struct Strip {
+    static constexpr int lanes = Vec<T>::lanes, width = registers * lanes;
+    alignas(16) T memory[leaf * width];
+    T* first; // of the slice that the work starts with
+    Int step; // from slice to slice of the work
+
+    Vec<T> get(Int slice, int r) const { return load<lanes>(first + slice * step + r * lanes); }
+    void put(Int slice, const Vec<T> (&x)[registers])
+    {
+        T* to = first + slice * step;
+#pragma GCC unroll 8
+        for (int r = 0; r < registers; ++r) store<lanes>(to + r * lanes, x[r]);
     }
 
-    // Elements [first, first + width) of n slices. Elements that do not exist repeat the last one.
-    void fetch(const Slices<T>& x, Int n, Int first)
+    void start(bool forward, Int n, T* slices, Int stride)
     {
-        const Int present = x.length - first;
+        first = forward ? slices : slices + (n - 1) * stride;
+        step = forward ? stride : -stride;
+    }
+
+    // Columns at such distances share a few sets of the first level of cache.
+    static bool in_place(const Slices<T>& x, Int from)
+    {
+        return !x.rows && x.length - from >= width && x.ldb * sizeof(T) % 1024 != 0;
+    }
+
+    void fetch(bool forward, const Slices<T>& x, Int n, Int from)
+    {
+        if (in_place(x, from)) return start(forward, n, x.at(0, from), x.ldb);
+        copy(x, n, from);
+        start(forward, n, memory, width);
+    }
+
+    // Elements that do not exist repeat the last one.
+    void copy(const Slices<T>& x, Int n, Int from)
+    {
+        const Int present = x.length - from;
         if (present < width) {
             for (Int i = 0; i < n; ++i)
-                for (Int r = 0; r < width; ++r) strip[i * width + r] = *x.at(i, first + (r < present ? r : present - 1));
+                for (Int r = 0; r < width; ++r)
+                    memory[i * width + r] = *x.at(i, from + (r < present ? r : present - 1));
         } else if (x.rows) {
-            gemm::pack_transposing<width>(x.at(0, first), x.ldb, n, n, strip, gemm::ToA<T, T, false, false>(T(1)));
+            for (Int r = 0; r < width; r += lanes) {
+                const T* column = x.at(0, from + r);
+                T* to = memory + r;
+                Int i = 0;
+                for (; i + lanes <= n; i += lanes, column += lanes) {
+                    Vec<T> square[lanes];
+#pragma GCC unroll 4
+                    for (int s = 0; s < lanes; ++s) square[s] = load<lanes>(column + s * x.ldb);
+                    transpose(square);
+#pragma GCC unroll 4
+                    for (int s = 0; s < lanes; ++s) store_aligned(reals(to + (i + s) * width), reals(square[s]));
+                }
+                for (; i < n; ++i, ++column)
+                    for (int s = 0; s < lanes; ++s) to[i * width + s] = column[s * x.ldb];
+            }
         } else {
             for (Int i = 0; i < n; ++i)
-#pragma GCC unroll 4
-                for (int r = 0; r < width; r += lanes) put(strip + i * width + r, load<lanes>(x.at(i, first) + r));
+#pragma GCC unroll 8
+                for (int r = 0; r < width; r += lanes)
+                    store_aligned(reals(memory + i * width + r), reals(load<lanes>(x.at(i, from) + r)));
         }
     }
 
-    void bring_back(const Slices<T>& x, Int n, Int first) const
+    void bring_back(const Slices<T>& x, Int n, Int from) const
     {
-        const Int present = x.length - first;
+        if (in_place(x, from)) return;
+        const auto at = [&](Int i, Int r) -> Vec<T> { return {load_aligned(reals(memory + i * width + r))}; };
+        const Int present = x.length - from;
         if (present < width) {
             for (Int i = 0; i < n; ++i)
-                for (Int r = 0; r < present; ++r) *x.at(i, first + r) = strip[i * width + r];
+                for (Int r = 0; r < present; ++r) *x.at(i, from + r) = memory[i * width + r];
         } else if (x.rows) {
-            Int i = 0;
-            for (; i + lanes <= n; i += lanes)
-#pragma GCC unroll 4
-                for (int r = 0; r < width; r += lanes) {
+            for (Int r = 0; r < width; r += lanes) {
+                T* column = x.at(0, from + r);
+                Int i = 0;
+                for (; i + lanes <= n; i += lanes, column += lanes) {
                     Vec<T> square[lanes];
 #pragma GCC unroll 4
-                    for (int s = 0; s < lanes; ++s) square[s] = at(strip + (i + s) * width + r);
+                    for (int s = 0; s < lanes; ++s) square[s] = at(i + s, r);
                     transpose(square);
 #pragma GCC unroll 4
-                    for (int s = 0; s < lanes; ++s) store<lanes>(x.at(i, first + r + s), square[s]);
+                    for (int s = 0; s < lanes; ++s) store<lanes>(column + s * x.ldb, square[s]);
                 }
-            for (; i < n; ++i)
-                for (Int r = 0; r < width; ++r) *x.at(i, first + r) = strip[i * width + r];
+                for (; i < n; ++i, ++column)
+                    for (int s = 0; s < lanes; ++s) column[s * x.ldb] = memory[i * width + r + s];
+            }
         } else {
             for (Int i = 0; i < n; ++i)
-#pragma GCC unroll 4
-                for (int r = 0; r < width; r += lanes) store<lanes>(x.at(i, first) + r, at(strip + i * width + r));
+#pragma GCC unroll 8
+                for (int r = 0; r < width; r += lanes) store<lanes>(x.at(i, from) + r, at(i, r));
         }
     }
 };
 
-// `count` slices from i on, whose slices before are in `strip`, accumulate those.
-template <bool subtract, int count, class T>
-[[gnu::always_inline]] inline void accumulate_slices(const Leaf<T>& work, Int i, const T* strip, Int step,
-                                                     Vec<T> (&sum)[count][Leaf<T>::registers])
+// `count` slices from i on take their coefficients times the slices before.
+template <bool subtract, int count, class I, class C, class T, int registers>
+[[gnu::always_inline]] inline void accumulate_slices(const C& c, const Strip<T, registers>& strip, I i,
+                                                     Vec<T> (&sum)[count][registers])
 {
-    using L = Leaf<T>;
-#pragma GCC unroll 1
-    for (Int l = 0; l < i; ++l, strip += step) {
-        const Element<T> first(&work.c[i][l]), second(&work.c[i + count - 1][l]);
-#pragma GCC unroll 4
-        for (int r = 0; r < L::registers; ++r) {
-            const Vec<T> x = L::at(strip + r * L::lanes);
-            sum[0][r] = accumulate<subtract>(sum[0][r], first, x);
-            if constexpr (count == 2) sum[1][r] = accumulate<subtract>(sum[1][r], second, x);
+    C at = c;
+    at.first += i * c.i_step;
+    const T* x = strip.first;
+    for (Int l = 0; l < i; ++l, at.first += c.l_step, x += strip.step) {
+        const Element<T> own = at(0, 0), next = at(count - 1, 0);
+#pragma GCC unroll 8
+        for (int r = 0; r < registers; ++r) {
+            const Vec<T> v = load<Vec<T>::lanes>(x + r * Vec<T>::lanes);
+            sum[0][r] = accumulate<subtract>(sum[0][r], own, v);
+            if constexpr (count == 2) sum[1][r] = accumulate<subtract>(sum[1][r], next, v);
         }
     }
 }
+
+// body(i) for i = 0, count, 2 count ... and then one at a time, or backwards. In a whole leaf i is a constant, so that
+// every inner loop has its own length for the branch predictor to learn.
+template <int count, bool forward, class Body>
+[[gnu::always_inline]] inline void for_each_slice(Int n, Body&& body)
+{
+    if (n == leaf) {
+        [&]<Int... i>(std::integer_sequence<Int, i...>) {
+            (body.template operator()<count>(
+                 std::integral_constant<Int, (forward ? i * count : leaf - (i + 1) * count)>()),
+             ...);
+        }
+        (std::make_integer_sequence<Int, leaf / count>());
+    } else if (forward) {
+        Int i = 0;
+        for (; i + count <= n; i += count) body.template operator()<count>(i);
+        for (; i < n; ++i) body.template operator()<1>(i);
+    } else {
+        Int i = n;
+        for (; i >= count; i -= count) body.template operator()<count>(i - count);
+        for (; i >= 1; --i) body.template operator()<1>(i - 1);
+    }
+}
+
+// Runs Work::strip over all strips of the slices, as many registers wide as there are elements for.
+template <class Work, bool unit, bool conjugated, class T>
+inline void for_each_strip(const Coefficients<T>& t, const Slices<T>& x, Int n)
+{
+    const Ordered<T, conjugated> c(t, n);
+    Work work;
+    if constexpr (!unit)
+        for (Int i = 0; i < n; ++i) work.set_diagonal(i, c.diagonal(i));
+    Int from = 0;
+    const auto strips = [&]<int registers>(Int until) {
+        using S = Strip<T, registers>;
+        S strip;
+        for (; from < until; from += S::width) {
+            strip.fetch(t.lower, x, n, from);
+            work.template run<unit>(c, strip, n);
+            strip.bring_back(x, n, from);
+        }
+    };
+    constexpr Int wide = 8 * Vec<T>::lanes;
+    strips.template operator()<8>(x.length - wide + 1);
+    if (x.length - from > wide / 2) return strips.template operator()<8>(x.length);
+    if (x.length - from > wide / 4) return strips.template operator()<4>(x.length);
+    strips.template operator()<2>(x.length);
+}
+
+template <template <class> class Work, class T>
+inline void run_leaf(const Coefficients<T>& t, const Slices<T>& x, Int n)
+{
+    gemm::with_flag(t.unit, [&]<bool unit>() {
+        if constexpr (is_complex<T>)
+            gemm::with_flag(t.conjugated,
+                            [&]<bool conjugated>() { for_each_strip<Work<T>, unit, conjugated>(t, x, n); });
+        else
+            for_each_strip<Work<T>, unit, false>(t, x, n);
+    });
+}
+
+// Two slices of real numbers at a time share loads, where their sums fit in half of the registers.
+template <class T, int registers>
+constexpr int together = !is_complex<T> && registers <= 4 ? 2 : 1;
 
 } // namespace ork::level3

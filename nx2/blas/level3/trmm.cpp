@@ -5,54 +5,50 @@
 
 namespace ork::level3 {
 
+template <class T>
+struct MultiplyLeaf {
+    T diagonal[leaf];
+
+    void set_diagonal(Int i, T d) { diagonal[i] = d; }
+
+    template <bool unit, int count, class I, class C, class S>
+    [[gnu::always_inline]] void slices(const C& c, S& strip, I i) const
+    {
+        constexpr int registers = S::width / S::lanes;
+        Vec<T> sum[count][registers];
+#pragma GCC unroll 2
+        for (int s = 0; s < count; ++s)
+#pragma GCC unroll 8
+            for (int r = 0; r < registers; ++r) {
+                sum[s][r] = strip.get(i + s, r);
+                if constexpr (!unit) sum[s][r] = times(Element<T>(&diagonal[i + s]), sum[s][r]);
+            }
+        accumulate_slices<false>(c, strip, i, sum);
+#pragma GCC unroll 2
+        for (int s = count - 1; s >= 0; --s) {
+#pragma GCC unroll 8
+            for (int r = 0; r < registers; ++r)
+                if (s == 1) sum[s][r] = accumulate<false>(sum[s][r], c(i + 1, i), strip.get(i, r));
+            strip.put(i + s, sum[s]);
+        }
+    }
+
+    // The last ones first, as they need all the others.
+    template <bool unit, class C, class S>
+    void run(const C& c, S& strip, Int n) const
+    {
+        constexpr int width = together<T, S::width / S::lanes>;
+        for_each_slice<width, false>(n, [&]<int count>(auto i) __attribute__((always_inline)) { slices<unit, count>(c, strip, i); });
+    }
+};
+
 struct Multiply {
     static constexpr bool solves = false;
-
-    // Two slices at a time share the loads of those before; the last ones go first, as they need all the others.
-    template <int count, bool unit, class T>
-    [[gnu::always_inline]] static void slices(const Leaf<T>& work, Int i, T* strip, Int step)
-    {
-        using L = Leaf<T>;
-        T* own = strip + i * step;
-        Vec<T> sum[count][L::registers];
-#pragma GCC unroll 2
-        for (int s = 0; s < count; ++s) {
-            const Element<T> diagonal(&work.diagonal[i + s]);
-#pragma GCC unroll 4
-            for (int r = 0; r < L::registers; ++r) {
-                sum[s][r] = L::at(own + s * step + r * L::lanes);
-                if constexpr (!unit) sum[s][r] = times(diagonal, sum[s][r]);
-            }
-        }
-        accumulate_slices<false>(work, i, strip, step, sum);
-#pragma GCC unroll 2
-        for (int s = count - 1; s >= 0; --s)
-#pragma GCC unroll 4
-            for (int r = 0; r < L::registers; ++r) {
-                if (s == 1)
-                    sum[1][r] = accumulate<false>(sum[1][r], Element<T>(&work.c[i + 1][i]), L::at(own + r * L::lanes));
-                L::put(own + s * step + r * L::lanes, sum[s][r]);
-            }
-    }
 
     template <class T>
     [[gnu::noinline]] static void run(const Coefficients<T>& t, const Slices<T>& x, Int n)
     {
-        using L = Leaf<T>;
-        L work;
-        work.gather(t, n);
-        const Int step = t.lower ? L::width : -L::width;
-        T* strip = t.lower ? work.strip : work.strip + (n - 1) * L::width;
-        gemm::with_flag(t.unit, [&]<bool unit>() {
-            for (Int first = 0; first < x.length; first += L::width) {
-                work.fetch(x, n, first);
-                Int i = n;
-                if constexpr (!is_complex<T>)
-                    for (; i >= 2; i -= 2) slices<2, unit>(work, i - 2, strip, step);
-                for (; i >= 1; --i) slices<1, unit>(work, i - 1, strip, step);
-                work.bring_back(x, n, first);
-            }
-        });
+        run_leaf<MultiplyLeaf>(t, x, n);
     }
 };
 

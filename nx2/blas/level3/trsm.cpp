@@ -5,51 +5,63 @@
 
 namespace ork::level3 {
 
+template <class T>
+struct SolveLeaf {
+    T inverse[leaf], diagonal[leaf];
+    bool divides = false;
+
+    void set_diagonal(Int i, T d)
+    {
+        diagonal[i] = d;
+        if (!invert(d, inverse[i])) divides = true;
+    }
+
+    template <bool unit, int count, class I, class C, class S>
+    [[gnu::always_inline]] void slices(const C& c, S& strip, I i) const
+    {
+        constexpr int registers = S::width / S::lanes;
+        Vec<T> x[count][registers];
+#pragma GCC unroll 2
+        for (int s = 0; s < count; ++s)
+#pragma GCC unroll 8
+            for (int r = 0; r < registers; ++r) x[s][r] = strip.get(i + s, r);
+        accumulate_slices<true>(c, strip, i, x);
+#pragma GCC unroll 2
+        for (int s = 0; s < count; ++s) {
+#pragma GCC unroll 8
+            for (int r = 0; r < registers; ++r) {
+                if (s == 1) x[s][r] = accumulate<true>(x[s][r], c(i + 1, i), x[0][r]);
+                if constexpr (!unit)
+                    x[s][r] = divides ? quotient(x[s][r], diagonal[i + s]) : times(Element<T>(&inverse[i + s]), x[s][r]);
+            }
+            strip.put(i + s, x[s]);
+        }
+    }
+
+    template <bool unit, class C, class S>
+    void run(const C& c, S& strip, Int n) const
+    {
+        constexpr int width = together<T, S::width / S::lanes>;
+        for_each_slice<width, true>(n, [&]<int count>(auto i) __attribute__((always_inline)) { slices<unit, count>(c, strip, i); });
+    }
+
+private:
+    [[gnu::noinline, gnu::cold]] static Vec<T> quotient(Vec<T> x, T d)
+    {
+        T lanes[Vec<T>::lanes];
+        store<Vec<T>::lanes>(lanes, x);
+        for (T& lane : lanes) lane = divide(lane, d);
+        return load<Vec<T>::lanes>(lanes);
+    }
+};
+
 struct Solve {
     static constexpr bool solves = true;
-
-    // Two slices at a time share the loads of those before.
-    template <int count, bool unit, class T>
-    [[gnu::always_inline]] static void slices(const Leaf<T>& work, const Divisor<T>* divisor, Int i, T* strip, Int step)
-    {
-        using L = Leaf<T>;
-        T* own = strip + i * step;
-        Vec<T> x[count][L::registers];
-#pragma GCC unroll 2
-        for (int s = 0; s < count; ++s)
-#pragma GCC unroll 4
-            for (int r = 0; r < L::registers; ++r) x[s][r] = L::at(own + s * step + r * L::lanes);
-        accumulate_slices<true>(work, i, strip, step, x);
-#pragma GCC unroll 2
-        for (int s = 0; s < count; ++s)
-#pragma GCC unroll 4
-            for (int r = 0; r < L::registers; ++r) {
-                if (s == 1) x[1][r] = accumulate<true>(x[1][r], Element<T>(&work.c[i + 1][i]), x[0][r]);
-                if constexpr (!unit) x[s][r] = divisor[i + s](x[s][r]);
-                L::put(own + s * step + r * L::lanes, x[s][r]);
-            }
-    }
 
     template <class T>
     [[gnu::noinline]] static void run(const Coefficients<T>& t, const Slices<T>& x, Int n)
     {
-        using L = Leaf<T>;
-        L work;
-        work.gather(t, n);
-        Divisor<T> divisor[leaf];
-        for (Int i = 0; i < n; ++i) divisor[i] = Divisor<T>(work.diagonal[i]);
-        const Int step = t.lower ? L::width : -L::width;
-        T* strip = t.lower ? work.strip : work.strip + (n - 1) * L::width;
-        gemm::with_flag(t.unit, [&]<bool unit>() {
-            for (Int first = 0; first < x.length; first += L::width) {
-                work.fetch(x, n, first);
-                Int i = 0;
-                if constexpr (!is_complex<T>)
-                    for (; i + 2 <= n; i += 2) slices<2, unit>(work, divisor, i, strip, step);
-                for (; i < n; ++i) slices<1, unit>(work, divisor, i, strip, step);
-                work.bring_back(x, n, first);
-            }
-        });
+        run_leaf<SolveLeaf>(t, x, n);
     }
 };
 
