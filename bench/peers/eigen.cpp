@@ -206,7 +206,7 @@ void* eigen_symbol(const char* symbol)
 {
     for (const Symbol& s : symbols)
         if (std::strcmp(s.name, symbol) == 0) return s.address;
-    return nullptr;
+    return eigen_matrix_symbol(symbol);
 }
 
 } // namespace ork::peers

@@ -80,6 +80,16 @@ public:
         return static_cast<double>(static_cast<int64_t>(state_) >> 11) * 0x1p-52;
     }
     template <class T>
+    T next()
+    {
+        if constexpr (is_complex<T>) {
+            const auto re = static_cast<Real<T>>(next());
+            return {re, static_cast<Real<T>>(next())};
+        } else {
+            return static_cast<T>(next());
+        }
+    }
+    template <class T>
     void fill(Array<T>& array)
     {
         auto* parts = reinterpret_cast<Real<T>*>(array.data());
@@ -105,6 +115,27 @@ struct Level1Case {
 };
 std::unique_ptr<Problem> make_level1(const Level1Case& c); // null for a routine it doesn't know
 const std::vector<std::string>& level1_routines();
+
+// Letters as the routine takes them, one after the other: "N" for gemv, "LNN" for trsv, "" for ger.
+struct Level2Case {
+    std::string routine; // "dgemv", "chemv", "ztbsv"
+    std::string letters;
+    int m, n; // a band's order and its diagonals on each side; other triangles have m = n
+};
+std::unique_ptr<Problem> make_level2(const Level2Case& c); // null for a case that there isn't
+bool is_case(const Level2Case& c);
+bool is_band(const std::string& level2_routine);
+const std::vector<std::string>& level2_routines();
+
+// m x n is B or C of symm, trmm and trsm; order m of C and depth n of the others.
+struct Level3Case {
+    std::string routine; // "dtrsm", "zherk"
+    std::string letters; // "LLNN", "LN"
+    int m, n;
+};
+std::unique_ptr<Problem> make_level3(const Level3Case& c);
+bool is_case(const Level3Case& c);
+const std::vector<std::string>& level3_routines();
 
 // "element 3 is 0.5, not 0.25"
 std::string mismatch(size_t position, long double got, long double want);

@@ -236,6 +236,7 @@ TEST_F(Tool, BadArgumentsAreNamedAndFail)
         {{"bench", "gemm", "--sizes", "10x20"}, "10x20"},
         {{"bench", "gemm", "--sizes", "99999999999"}, "99999999999"},
         {{"bench", "gemm", "--trans", "NX"}, "NX"},
+        {{"bench", "level3", "--routine", "dtrsm", "--trans", "LNN"}, "LNN"},
         {{"bench", "--threads", "0"}, "--threads"},
         {{"bench", "--also", "/nonexistent/libblas.so"}, "/nonexistent/libblas.so"},
         {{"bench", "level1", "--routine", "ddot", "--sizes", "8", "--quick", "--json", folder / "missing" / "x.json"},

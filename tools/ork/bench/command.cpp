@@ -22,7 +22,7 @@ struct Options {
     bool quick = false, all = false;
 };
 
-// "512" or "1000x1000x4".
+// "512", "64x2000" or "1000x1000x4".
 bench::Shape shape_from(const std::string& text)
 {
     int sides[3] = {0, 0, 0}, count = 0;
@@ -35,22 +35,22 @@ bench::Shape shape_from(const std::string& text)
         if (p == end || *p != 'x') break;
         ++p;
     }
-    if (p != end || (count != 1 && count != 3))
-        throw std::runtime_error("--sizes: \"" + text +
-                                 "\" is neither a size such as 512 nor m x n x k such as 1000x1000x4");
-    return count == 1 ? bench::Shape{sides[0], sides[0], sides[0]} : bench::Shape{sides[0], sides[1], sides[2]};
+    if (p != end || count == 0)
+        throw std::runtime_error(
+            "--sizes: \"" + text +
+            "\" is neither a size such as 512 nor m x n or m x n x k such as 64x2000, 1000x1000x4");
+    if (count == 1 || (count == 2 && sides[0] == sides[1])) return {sides[0], sides[0], sides[0]};
+    return {sides[0], sides[1], sides[2]};
 }
 
 bench::Selection selection_from(const Options& options)
 {
     bench::Selection selection{options.routines, {}, {}, options.beta, options.quick};
     for (const std::string& size : options.sizes) selection.sizes.push_back(shape_from(size));
-    for (std::string pair : options.trans) {
-        std::transform(pair.begin(), pair.end(), pair.begin(),
+    for (std::string letters : options.trans) {
+        std::transform(letters.begin(), letters.end(), letters.begin(),
                        [](char c) { return c >= 'a' ? static_cast<char>(c - 32) : c; });
-        if (pair.size() != 2 || pair.find_first_not_of("NTC") != std::string::npos)
-            throw std::runtime_error("--trans: \"" + pair + "\" is not a pair of the letters N, T and C");
-        selection.trans.push_back(pair);
+        selection.trans.push_back(letters);
     }
     return selection;
 }
@@ -88,17 +88,46 @@ void print_head(const bench::Machine& machine, const std::vector<peers::Library>
         options.threads, options.threads > 1 ? "s" : "", options.threads > 1 ? "wall-clock" : "processor");
 }
 
-int run(const Options& options)
+using Cases = std::vector<std::pair<const bench::Family*, bench::Case>>;
+
+Cases cases_of(const Options& options, const bench::Selection& selection)
 {
-    const bench::Selection selection = selection_from(options);
-    std::vector<std::pair<const bench::Family*, bench::Case>> cases;
+    Cases cases;
     for (const bench::Family& family : bench::families())
         if (options.families.empty() || std::count(options.families.begin(), options.families.end(), family.name) > 0)
             for (bench::Case& c : family.cases(selection)) cases.emplace_back(&family, std::move(c));
-    for (const std::string& routine : options.routines)
-        if (std::none_of(cases.begin(), cases.end(),
-                         [&](const auto& entry) { return entry.second.routine == routine; }))
-            throw std::runtime_error("--routine: \"" + routine + "\" is in none of the families asked for");
+    return cases;
+}
+
+// Every routine asked for is in a family; all letters fit one of these routines, and all sizes a case of those.
+void require_all(const Options& options, const bench::Selection& selection)
+{
+    bench::Selection one;
+    const auto require = [&](const char* option, const std::string& text) {
+        if (cases_of(options, one).empty())
+            throw std::runtime_error(fmt::format("{}: \"{}\" fits nothing in the families asked for", option, text));
+    };
+    for (const std::string& routine : selection.routines) {
+        one.routines = {routine};
+        require("--routine", routine);
+    }
+    one.routines = selection.routines;
+    for (const std::string& letters : selection.trans) {
+        one.trans = {letters};
+        require("--trans", letters);
+    }
+    one.trans = selection.trans;
+    for (size_t i = 0; i < selection.sizes.size(); ++i) {
+        one.sizes = {selection.sizes[i]};
+        require("--sizes", options.sizes[i]);
+    }
+}
+
+int run(const Options& options)
+{
+    const bench::Selection selection = selection_from(options);
+    const Cases cases = cases_of(options, selection);
+    require_all(options, selection);
     for (const std::string& file : {options.json, options.svg}) // rather now than after an hour of measuring
         if (!file.empty() && !std::ofstream(file, std::ios::app)) throw std::runtime_error(file + ": can't be written");
     if (ork_initialize() != ORK_OK) throw std::runtime_error(ork_error_text());
@@ -155,8 +184,10 @@ void add_bench(CLI::App& app, int& status)
     command->add_option("family", options->families, "Families to measure; all of them by default")
         ->check(CLI::IsMember(names));
     command->add_option("--routine", options->routines, "Routines, such as dgemm,ddot")->delimiter(',');
-    command->add_option("--sizes", options->sizes, "Sizes: 512, or m x n x k as in 1000x1000x4")->delimiter(',');
-    command->add_option("--trans", options->trans, "Transposition pairs, such as NN,TN")->delimiter(',');
+    command->add_option("--sizes", options->sizes, "Sizes: 512; m x n (x k for gemm) as in 64x2000, 1000x1000x4")
+        ->delimiter(',');
+    command->add_option("--trans", options->trans, "Letters of a call: NN for gemm, N for gemv, LLNN for trsm")
+        ->delimiter(',');
     command->add_option("--beta", options->beta, "Values of beta for gemm")->delimiter(',');
     command->add_option("--threads", options->threads, "Threads that ork may use; peers run on one")
         ->check(CLI::Range(1, 256));

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include <fmt/format.h>
+
 #include "bench/family.h"
 
 namespace ork::tool::bench {
@@ -8,9 +10,18 @@ const std::vector<Family>& families()
     static const std::vector<Family> all = {
         {"gemm", "general matrix product, square and skinny", "GF/s", gemm_cases},
         {"level1", "vector routines in all precisions", "GB/s", level1_cases},
+        {"level2", "matrix-vector routines; --routine for precisions, bands and packed triangles", "GF/s",
+         level2_cases},
+        {"level3", "matrix-matrix routines beside gemm", "GF/s", level3_cases},
         {"threads", "two threads against one, eight callers at once", "GF/s", thread_cases},
     };
     return all;
+}
+
+std::string Shape::label() const
+{
+    if (square()) return fmt::format("{}", m);
+    return k == 0 ? fmt::format("{}x{}", m, n) : fmt::format("{}x{}x{}", m, n, k);
 }
 
 Contest contest(std::unique_ptr<peers::Problem> problem, const std::vector<peers::Library>& libraries)

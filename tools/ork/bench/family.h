@@ -39,13 +39,15 @@ struct Case {
 };
 
 struct Shape {
-    int m, n, k;
+    int m, n, k; // k = 0: m x n, which gemm has no use for
+    bool square() const { return m == n && n == k; }
+    std::string label() const; // "512", "64x2000", "1000x1000x4"
 };
 
 struct Selection {
     std::vector<std::string> routines; // empty: the family's usual ones
     std::vector<Shape> sizes;          // empty: the family's usual ones
-    std::vector<std::string> trans;    // "NN"
+    std::vector<std::string> trans;    // letters of a routine together: "NN" of gemm, "LLNN" of trsm
     std::vector<double> beta;
     bool quick = false;
 };
@@ -60,6 +62,8 @@ struct Family {
 const std::vector<Family>& families();
 std::vector<Case> gemm_cases(const Selection& selection);
 std::vector<Case> level1_cases(const Selection& selection);
+std::vector<Case> level2_cases(const Selection& selection);
+std::vector<Case> level3_cases(const Selection& selection);
 std::vector<Case> thread_cases(const Selection& selection);
 
 // Every library that has the problem's routine, checked one after another.

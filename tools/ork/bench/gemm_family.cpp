@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include <algorithm>
 #include <fmt/format.h>
 
 #include "bench/family.h"
@@ -13,12 +14,11 @@ const std::vector<Shape> skinny = {{1000, 1000, 4}, {8, 8, 10000}, {1000, 4, 100
 
 Case gemm_case(const std::string& routine, const std::string& trans, Shape s, double beta)
 {
-    const bool square = s.m == s.n && s.n == s.k;
     Case c;
     c.routine = routine;
     c.variant = fmt::format("{} beta={}", trans, beta);
-    c.shape = square ? fmt::format("{}", s.m) : fmt::format("{}x{}x{}", s.m, s.n, s.k);
-    c.size = square ? s.m : 0;
+    c.shape = s.label();
+    c.size = s.square() ? s.m : 0;
     const peers::GemmCase problem{routine[0], trans[0], trans[1], s.m, s.n, s.k, 1, beta};
     c.prepare = [problem](const auto& libraries) { return contest(peers::make_gemm(problem), libraries); };
     return c;
@@ -46,9 +46,12 @@ std::vector<Case> gemm_cases(const Selection& selection)
             continue;
         for (const double b : beta)
             for (const std::string& t : trans)
-                for (const Shape& s : shapes) cases.push_back(gemm_case(routine, t, s, b));
+                for (const Shape& s : shapes)
+                    if (s.k > 0 && t.size() == 2 && t.find_first_not_of("NTC") == std::string::npos)
+                        cases.push_back(gemm_case(routine, t, s, b));
         // Tiny products that add to C may take another way than those that overwrite it, so both are shown.
-        if (selection.beta.empty() && selection.sizes.empty() && !selection.quick)
+        if (selection.beta.empty() && selection.sizes.empty() && !selection.quick &&
+            std::count(trans.begin(), trans.end(), "NN") > 0)
             for (const int n : squares)
                 if (n <= 128) cases.push_back(gemm_case(routine, "NN", {n, n, n}, 1));
     }

@@ -12,8 +12,9 @@ std::vector<Case> level1_cases(const Selection& selection)
     if (routines.empty() && selection.quick) routines = {"ddot", "daxpy", "dscal", "dcopy"};
     if (routines.empty()) routines = peers::level1_routines();
     std::vector<int> sizes;
-    for (const Shape& s : selection.sizes) sizes.push_back(s.m);
-    if (sizes.empty())
+    for (const Shape& s : selection.sizes)
+        if (s.square()) sizes.push_back(s.m);
+    if (selection.sizes.empty())
         sizes =
             selection.quick ? std::vector<int>{32, 1001} : std::vector<int>{7, 32, 100, 1001, 16000, 250000, 8000000};
     std::vector<Case> cases;

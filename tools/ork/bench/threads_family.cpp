@@ -85,8 +85,9 @@ std::vector<Case> thread_cases(const Selection& selection)
     if (!selection.routines.empty() && selection.routines != std::vector<std::string>{"dgemm"}) return {};
     constexpr int threads = 2;
     std::vector<int> sizes;
-    for (const Shape& s : selection.sizes) sizes.push_back(s.m);
-    if (sizes.empty())
+    for (const Shape& s : selection.sizes)
+        if (s.square()) sizes.push_back(s.m);
+    if (selection.sizes.empty())
         sizes = selection.quick ? std::vector<int>{256} : std::vector<int>{64, 128, 256, 512, 1024, 2048};
     std::vector<Case> cases;
     for (const int n : sizes)
