@@ -30,11 +30,15 @@ enum class Role {
 enum class Element {
     value, // T
     real,  // the real type of T
+    signed_byte,
+    byte,       // also a number of 8 bits in a floating-point format
+    short_word, // a signed integer
+    half_word,  // a number of 16 bits in a floating-point format
 };
 
-// Smallest leading dimension: max(1, rows), where rows is the argument `plain` if the option has its first legal letter
-// or there is no option, `other` if it has not; plus the arguments `plus` and the constant `add`.
-struct Minimum {
+// A number of elements: the argument `plain` if the option has its first legal letter or there is no option, `other` if
+// it has not; plus the arguments `plus` and the constant `add`.
+struct Extent {
     const char* option = nullptr;
     const char* plain = nullptr;
     const char* other = nullptr;
@@ -48,9 +52,10 @@ struct Argument {
     Element element = Element::value;
     bool written = false;
     const char* legal = nullptr;     // upper-case letters of an option
-    Minimum minimum = {};            // of a leading dimension
+    Extent extent = {};              // least leading dimension, or 1; length of a vector that is conjugated
     const char* row_major = nullptr; // the C argument that takes this place when matrices are stored by rows
     bool turned = false;             // by rows an option also becomes the opposite one: U and L, L and R, N and T
+    bool conjugated = false;         // replaced by its conjugate where a call by rows is made of conjugates
 
     constexpr Argument by_rows(const char* source) const
     {
@@ -62,6 +67,16 @@ struct Argument {
     {
         Argument a = *this;
         a.turned = true;
+        return a;
+    }
+    // For a call by rows of a complex routine that is none by columns with letters and arguments exchanged: the
+    // transposed matrices are conjugated ones then, so the call is the conjugate of one by columns. An input vector is
+    // conjugated in a copy, one that is written where it stands, before and after. See is_conjugated_by_rows.
+    constexpr Argument conjugated_by_rows(Extent length = {}) const
+    {
+        Argument a = *this;
+        a.conjugated = true;
+        a.extent = length;
         return a;
     }
     constexpr bool is_option() const { return role <= Role::side; }
@@ -88,10 +103,7 @@ constexpr Argument count(const char* name) { return {.role = Role::count, .name 
 constexpr Argument band(const char* name) { return {.role = Role::band, .name = name}; }
 constexpr Argument stride(const char* name) { return {.role = Role::stride, .name = name}; }
 constexpr Argument increment(const char* name) { return {.role = Role::increment, .name = name}; }
-constexpr Argument lead(const char* name, Minimum minimum)
-{
-    return {.role = Role::lead, .name = name, .minimum = minimum};
-}
+constexpr Argument lead(const char* name, Extent least) { return {.role = Role::lead, .name = name, .extent = least}; }
 constexpr Argument scalar(const char* name, Element e = Element::value)
 {
     return {.role = Role::scalar, .name = name, .element = e};

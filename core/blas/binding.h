@@ -6,6 +6,7 @@
 #include <tuple>
 
 #include "blas/checks.h"
+#include "blas/conjugates.h"
 #include "blas/report.h"
 #include "blas/routine.h"
 #include "blas/sparse_blocks.h"
@@ -140,22 +141,28 @@ constexpr std::size_t source(std::size_t i)
 template <class Row, class Int, class... Parameters>
 inline void cblas_ordered(CBLAS_LAYOUT layout, Parameters... p)
 {
-    const auto checked = [](bool by_rows, auto... a) {
-        const int wrong = first_illegal<Row>(std::tuple(a...));
-        if (wrong == 0) [[likely]]
-            return run<Row, Int>(a...);
-        const std::size_t place = by_rows ? source<Row>(wrong - 1) : wrong - 1;
+    const auto report = [](std::size_t place) {
         report_cblas<Int>(cblas_name<Row>.data(), static_cast<int>(place) + 2); // the storage order is argument 1
     };
     [&]<std::size_t... i>(std::index_sequence<i...>)
     {
         const std::tuple held(hold_cblas<Row, Int, i>(p)...);
-        if (layout == CblasColMajor)
-            checked(false, std::get<i>(held).get()...);
-        else if (layout == CblasRowMajor)
-            checked(true, std::get<source<Row>(i)>(held).by_rows()...);
-        else
+        if (layout == CblasColMajor) {
+            const std::tuple call(std::get<i>(held).get()...);
+            if (const int wrong = first_illegal<Row>(call); wrong != 0) [[unlikely]]
+                return report(wrong - 1);
+            run<Row, Int>(std::get<i>(call)...);
+        } else if (layout == CblasRowMajor) {
+            const std::tuple call(std::get<source<Row>(i)>(held).by_rows()...);
+            if (const int wrong = first_illegal<Row>(call); wrong != 0) [[unlikely]]
+                return report(source<Row>(wrong - 1));
+            if constexpr (Row::has_conjugated()) {
+                if (is_conjugated_by_rows<Row>(held)) return run_conjugated<Row>(std::get<i>(call)...);
+            }
+            run<Row, Int>(std::get<i>(call)...);
+        } else {
             report_cblas<Int>(cblas_name<Row>.data(), 1);
+        }
     }
     (std::make_index_sequence<Row::count>());
 }

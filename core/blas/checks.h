@@ -26,22 +26,22 @@ constexpr bool is_in(std::uint32_t set, char letter)
     return bit < 32 && (set >> bit & 1) != 0;
 }
 
-// Smallest legal value of leading dimension i, from the other arguments of the call.
+// The extent of argument i, from the other arguments of the call.
 template <class Row, std::size_t i, class Call>
-inline std::int64_t minimum(const Call& call)
+inline std::int64_t extent(const Call& call)
 {
     constexpr const auto& shape = Row::arguments;
-    constexpr Minimum rule = shape[i].minimum;
-    std::int64_t rows = rule.add;
+    constexpr Extent rule = shape[i].extent;
+    std::int64_t count = rule.add;
     if constexpr (rule.option != nullptr) {
         constexpr std::size_t option = position(shape, rule.option);
         const bool plain = upper(*std::get<option>(call)) == shape[option].legal[0];
-        rows += plain ? *std::get<position(shape, rule.plain)>(call) : *std::get<position(shape, rule.other)>(call);
+        count += plain ? *std::get<position(shape, rule.plain)>(call) : *std::get<position(shape, rule.other)>(call);
     } else if constexpr (rule.plain != nullptr) {
-        rows += *std::get<position(shape, rule.plain)>(call);
+        count += *std::get<position(shape, rule.plain)>(call);
     }
-    if constexpr (rule.plus != nullptr) rows += *std::get<position(shape, rule.plus)>(call);
-    return std::max<std::int64_t>(1, rows);
+    if constexpr (rule.plus != nullptr) count += *std::get<position(shape, rule.plus)>(call);
+    return count;
 }
 
 template <class Row, std::size_t i, class Call>
@@ -56,7 +56,7 @@ inline bool is_legal(const Call& call)
     else if constexpr (a.role == Role::increment)
         return *std::get<i>(call) != 0;
     else if constexpr (a.role == Role::lead)
-        return *std::get<i>(call) >= minimum<Row, i>(call);
+        return *std::get<i>(call) >= std::max<std::int64_t>(1, extent<Row, i>(call));
     else
         return true;
 }

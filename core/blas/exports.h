@@ -27,6 +27,10 @@
 #define ORK_EACH_11(X, ...) ORK_EACH_10(X, __VA_ARGS__), X(10, __VA_ARGS__)
 #define ORK_EACH_12(X, ...) ORK_EACH_11(X, __VA_ARGS__), X(11, __VA_ARGS__)
 #define ORK_EACH_13(X, ...) ORK_EACH_12(X, __VA_ARGS__), X(12, __VA_ARGS__)
+#define ORK_EACH_14(X, ...) ORK_EACH_13(X, __VA_ARGS__), X(13, __VA_ARGS__)
+#define ORK_EACH_15(X, ...) ORK_EACH_14(X, __VA_ARGS__), X(14, __VA_ARGS__)
+#define ORK_EACH_16(X, ...) ORK_EACH_15(X, __VA_ARGS__), X(15, __VA_ARGS__)
+#define ORK_EACH_17(X, ...) ORK_EACH_16(X, __VA_ARGS__), X(16, __VA_ARGS__)
 
 #define ORK_PARAMETER(i, Type, row) Type<row, Int, i> a##i
 #define ORK_TYPE(i, Type, row) Type<row, Int, i>

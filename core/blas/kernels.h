@@ -10,6 +10,8 @@ namespace ork::blas::kernels {
 #define KERNEL(result, routine, ...) inline constinit loader::Kernel<result(__VA_ARGS__)> routine{"blas", #routine};
 #include "ork/abi/gemm_kernels.inc"
 #include "ork/abi/level1.inc"
+#include "ork/abi/level2.inc"
+#include "ork/abi/level3.inc"
 #undef KERNEL
 
 } // namespace ork::blas::kernels

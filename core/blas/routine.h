@@ -27,6 +27,24 @@ struct RealOf<Complex<T>> {
 template <class T>
 inline constexpr bool is_complex = !std::is_same_v<typename RealOf<T>::type, T>;
 
+// The element type of an argument in a row of type T.
+template <class T, Element element>
+constexpr auto element_type()
+{
+    if constexpr (element == Element::real)
+        return std::type_identity<typename RealOf<T>::type>();
+    else if constexpr (element == Element::signed_byte)
+        return std::type_identity<std::int8_t>();
+    else if constexpr (element == Element::byte)
+        return std::type_identity<std::uint8_t>();
+    else if constexpr (element == Element::short_word)
+        return std::type_identity<std::int16_t>();
+    else if constexpr (element == Element::half_word)
+        return std::type_identity<std::uint16_t>();
+    else
+        return std::type_identity<T>();
+}
+
 // `body` takes every argument by address, integers as 64-bit ones, and is called only with legal arguments.
 template <class T, const auto& shape, auto& body>
 struct Routine {
@@ -45,6 +63,14 @@ struct Routine {
             if (a.is_checked()) return true;
         return false;
     }
+    // Whether calls by rows may be made of conjugates.
+    static constexpr bool has_conjugated()
+    {
+        if (!blas::is_complex<T>) return false;
+        for (const Argument& a : shape)
+            if (a.conjugated) return true;
+        return false;
+    }
     static constexpr bool has(Role role)
     {
         for (const Argument& a : shape)
@@ -54,7 +80,7 @@ struct Routine {
 
     // The value type of argument i, and how the body takes it.
     template <std::size_t i>
-    using Value = std::conditional_t<shape[i].element == Element::real, typename RealOf<T>::type, T>;
+    using Value = typename decltype(element_type<T, shape[i].element>())::type;
     template <std::size_t i>
     using Pointer = std::conditional_t<shape[i].written, Value<i>*, const Value<i>*>;
     template <std::size_t i>

@@ -4,6 +4,7 @@
 
 #include "blas/dot.h"
 #include "blas/gemm.h"
+#include "blas/gemm_batch.h"
 #include "blas/kernels.h"
 #include "blas/norm.h"
 #include "blas/routine.h"
@@ -18,6 +19,8 @@ namespace ork::blas::rows {
 #define FUNCTION ROUTINE
 #define COMPLEX_FUNCTION ROUTINE
 #define ORDERED_ROUTINE ROUTINE
+#define FORTRAN_ROUTINE ROUTINE
+#define OWN_ROUTINE ROUTINE
 #define EXTENSION_FUNCTION ROUTINE
 #define EXTENSION_COMPLEX_FUNCTION ROUTINE
 #include "blas/routines.inc"

@@ -2,6 +2,7 @@
 /* The BLAS by Fortran's conventions. A routine, daxpy say, has two widths of integers and two names for each:
      daxpy_     = ork_blas_lp64_daxpy   32-bit (LP64)
      daxpy_64_  = ork_blas_daxpy        64-bit (ILP64)
+   The multiplies of narrow elements at the end of the list have the right-hand names only.
    Complex results come in registers, as gfortran returns them. Fortran's hidden lengths of letters may be passed or
    not. */
 #ifndef ORK_BLAS_H
@@ -18,8 +19,10 @@ ORK_BEGIN_DECLS
 #define ORK_NAME(routine) routine##_
 #include "ork/blas_routines.h"
 #undef ORK_NAME
+#define ORK_OWN_NAMES
 #define ORK_NAME(routine) ork_blas_lp64_##routine
 #include "ork/blas_routines.h"
+#undef ORK_OWN_NAMES
 #undef ORK_NAME
 #undef ORK_INT
 
@@ -27,8 +30,10 @@ ORK_BEGIN_DECLS
 #define ORK_NAME(routine) routine##_64_
 #include "ork/blas_routines.h"
 #undef ORK_NAME
+#define ORK_OWN_NAMES
 #define ORK_NAME(routine) ork_blas_##routine
 #include "ork/blas_routines.h"
+#undef ORK_OWN_NAMES
 #undef ORK_NAME
 #undef ORK_INT
 

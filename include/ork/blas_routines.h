@@ -171,6 +171,208 @@ void ORK_NAME(zsctr)(const ORK_INT* nz, const ork_complex_double* x, const ORK_I
 /* Plane rotation of x against y[indx]: x <- c x + s y[indx], y[indx] <- c y[indx] - s x. */
 void ORK_NAME(sroti)(const ORK_INT* nz, float* x, const ORK_INT* indx, float* y, const float* c, const float* s);
 void ORK_NAME(droti)(const ORK_INT* nz, double* x, const ORK_INT* indx, double* y, const double* c, const double* s);
+
+/* y <- alpha op(A) x + beta y with A m x n; op by the letter N (as it is), T (transposed) or C (conjugate transposed).
+   With beta = 0, y is not read. */
+void ORK_NAME(sgemv)(const char* trans, const ORK_INT* m, const ORK_INT* n, const float* alpha, const float* a,
+                     const ORK_INT* lda, const float* x, const ORK_INT* incx, const float* beta, float* y,
+                     const ORK_INT* incy);
+void ORK_NAME(dgemv)(const char* trans, const ORK_INT* m, const ORK_INT* n, const double* alpha, const double* a,
+                     const ORK_INT* lda, const double* x, const ORK_INT* incx, const double* beta, double* y,
+                     const ORK_INT* incy);
+void ORK_NAME(cgemv)(const char* trans, const ORK_INT* m, const ORK_INT* n, const ork_complex_float* alpha,
+                     const ork_complex_float* a, const ORK_INT* lda, const ork_complex_float* x, const ORK_INT* incx,
+                     const ork_complex_float* beta, ork_complex_float* y, const ORK_INT* incy);
+void ORK_NAME(zgemv)(const char* trans, const ORK_INT* m, const ORK_INT* n, const ork_complex_double* alpha,
+                     const ork_complex_double* a, const ORK_INT* lda, const ork_complex_double* x, const ORK_INT* incx,
+                     const ork_complex_double* beta, ork_complex_double* y, const ORK_INT* incy);
+
+/* The same for a band matrix with kl diagonals below the main one and ku above. */
+void ORK_NAME(sgbmv)(const char* trans, const ORK_INT* m, const ORK_INT* n, const ORK_INT* kl, const ORK_INT* ku,
+                     const float* alpha, const float* a, const ORK_INT* lda, const float* x, const ORK_INT* incx,
+                     const float* beta, float* y, const ORK_INT* incy);
+void ORK_NAME(dgbmv)(const char* trans, const ORK_INT* m, const ORK_INT* n, const ORK_INT* kl, const ORK_INT* ku,
+                     const double* alpha, const double* a, const ORK_INT* lda, const double* x, const ORK_INT* incx,
+                     const double* beta, double* y, const ORK_INT* incy);
+void ORK_NAME(cgbmv)(const char* trans, const ORK_INT* m, const ORK_INT* n, const ORK_INT* kl, const ORK_INT* ku,
+                     const ork_complex_float* alpha, const ork_complex_float* a, const ORK_INT* lda,
+                     const ork_complex_float* x, const ORK_INT* incx, const ork_complex_float* beta,
+                     ork_complex_float* y, const ORK_INT* incy);
+void ORK_NAME(zgbmv)(const char* trans, const ORK_INT* m, const ORK_INT* n, const ORK_INT* kl, const ORK_INT* ku,
+                     const ork_complex_double* alpha, const ork_complex_double* a, const ORK_INT* lda,
+                     const ork_complex_double* x, const ORK_INT* incx, const ork_complex_double* beta,
+                     ork_complex_double* y, const ORK_INT* incy);
+
+/* y <- alpha A x + beta y with A symmetric or Hermitian (he) of order n; uplo says which triangle is stored, U or L. */
+void ORK_NAME(ssymv)(const char* uplo, const ORK_INT* n, const float* alpha, const float* a, const ORK_INT* lda,
+                     const float* x, const ORK_INT* incx, const float* beta, float* y, const ORK_INT* incy);
+void ORK_NAME(dsymv)(const char* uplo, const ORK_INT* n, const double* alpha, const double* a, const ORK_INT* lda,
+                     const double* x, const ORK_INT* incx, const double* beta, double* y, const ORK_INT* incy);
+void ORK_NAME(chemv)(const char* uplo, const ORK_INT* n, const ork_complex_float* alpha, const ork_complex_float* a,
+                     const ORK_INT* lda, const ork_complex_float* x, const ORK_INT* incx, const ork_complex_float* beta,
+                     ork_complex_float* y, const ORK_INT* incy);
+void ORK_NAME(zhemv)(const char* uplo, const ORK_INT* n, const ork_complex_double* alpha, const ork_complex_double* a,
+                     const ORK_INT* lda, const ork_complex_double* x, const ORK_INT* incx,
+                     const ork_complex_double* beta, ork_complex_double* y, const ORK_INT* incy);
+
+/* The same for a band matrix with k diagonals on each side of the main one. */
+void ORK_NAME(ssbmv)(const char* uplo, const ORK_INT* n, const ORK_INT* k, const float* alpha, const float* a,
+                     const ORK_INT* lda, const float* x, const ORK_INT* incx, const float* beta, float* y,
+                     const ORK_INT* incy);
+void ORK_NAME(dsbmv)(const char* uplo, const ORK_INT* n, const ORK_INT* k, const double* alpha, const double* a,
+                     const ORK_INT* lda, const double* x, const ORK_INT* incx, const double* beta, double* y,
+                     const ORK_INT* incy);
+void ORK_NAME(chbmv)(const char* uplo, const ORK_INT* n, const ORK_INT* k, const ork_complex_float* alpha,
+                     const ork_complex_float* a, const ORK_INT* lda, const ork_complex_float* x, const ORK_INT* incx,
+                     const ork_complex_float* beta, ork_complex_float* y, const ORK_INT* incy);
+void ORK_NAME(zhbmv)(const char* uplo, const ORK_INT* n, const ORK_INT* k, const ork_complex_double* alpha,
+                     const ork_complex_double* a, const ORK_INT* lda, const ork_complex_double* x, const ORK_INT* incx,
+                     const ork_complex_double* beta, ork_complex_double* y, const ORK_INT* incy);
+
+/* The same for a packed triangle. */
+void ORK_NAME(sspmv)(const char* uplo, const ORK_INT* n, const float* alpha, const float* ap, const float* x,
+                     const ORK_INT* incx, const float* beta, float* y, const ORK_INT* incy);
+void ORK_NAME(dspmv)(const char* uplo, const ORK_INT* n, const double* alpha, const double* ap, const double* x,
+                     const ORK_INT* incx, const double* beta, double* y, const ORK_INT* incy);
+void ORK_NAME(chpmv)(const char* uplo, const ORK_INT* n, const ork_complex_float* alpha, const ork_complex_float* ap,
+                     const ork_complex_float* x, const ORK_INT* incx, const ork_complex_float* beta,
+                     ork_complex_float* y, const ORK_INT* incy);
+void ORK_NAME(zhpmv)(const char* uplo, const ORK_INT* n, const ork_complex_double* alpha, const ork_complex_double* ap,
+                     const ork_complex_double* x, const ORK_INT* incx, const ork_complex_double* beta,
+                     ork_complex_double* y, const ORK_INT* incy);
+
+/* x <- op(A) x with A triangular, in a band (tb) or packed (tp). diag = U: the diagonal is 1 and not read. */
+void ORK_NAME(strmv)(const char* uplo, const char* trans, const char* diag, const ORK_INT* n, const float* a,
+                     const ORK_INT* lda, float* x, const ORK_INT* incx);
+void ORK_NAME(dtrmv)(const char* uplo, const char* trans, const char* diag, const ORK_INT* n, const double* a,
+                     const ORK_INT* lda, double* x, const ORK_INT* incx);
+void ORK_NAME(ctrmv)(const char* uplo, const char* trans, const char* diag, const ORK_INT* n,
+                     const ork_complex_float* a, const ORK_INT* lda, ork_complex_float* x, const ORK_INT* incx);
+void ORK_NAME(ztrmv)(const char* uplo, const char* trans, const char* diag, const ORK_INT* n,
+                     const ork_complex_double* a, const ORK_INT* lda, ork_complex_double* x, const ORK_INT* incx);
+void ORK_NAME(stbmv)(const char* uplo, const char* trans, const char* diag, const ORK_INT* n, const ORK_INT* k,
+                     const float* a, const ORK_INT* lda, float* x, const ORK_INT* incx);
+void ORK_NAME(dtbmv)(const char* uplo, const char* trans, const char* diag, const ORK_INT* n, const ORK_INT* k,
+                     const double* a, const ORK_INT* lda, double* x, const ORK_INT* incx);
+void ORK_NAME(ctbmv)(const char* uplo, const char* trans, const char* diag, const ORK_INT* n, const ORK_INT* k,
+                     const ork_complex_float* a, const ORK_INT* lda, ork_complex_float* x, const ORK_INT* incx);
+void ORK_NAME(ztbmv)(const char* uplo, const char* trans, const char* diag, const ORK_INT* n, const ORK_INT* k,
+                     const ork_complex_double* a, const ORK_INT* lda, ork_complex_double* x, const ORK_INT* incx);
+void ORK_NAME(stpmv)(const char* uplo, const char* trans, const char* diag, const ORK_INT* n, const float* ap, float* x,
+                     const ORK_INT* incx);
+void ORK_NAME(dtpmv)(const char* uplo, const char* trans, const char* diag, const ORK_INT* n, const double* ap,
+                     double* x, const ORK_INT* incx);
+void ORK_NAME(ctpmv)(const char* uplo, const char* trans, const char* diag, const ORK_INT* n,
+                     const ork_complex_float* ap, ork_complex_float* x, const ORK_INT* incx);
+void ORK_NAME(ztpmv)(const char* uplo, const char* trans, const char* diag, const ORK_INT* n,
+                     const ork_complex_double* ap, ork_complex_double* x, const ORK_INT* incx);
+
+/* x <- op(A)^-1 x. A zero on the diagonal is not looked for. */
+void ORK_NAME(strsv)(const char* uplo, const char* trans, const char* diag, const ORK_INT* n, const float* a,
+                     const ORK_INT* lda, float* x, const ORK_INT* incx);
+void ORK_NAME(dtrsv)(const char* uplo, const char* trans, const char* diag, const ORK_INT* n, const double* a,
+                     const ORK_INT* lda, double* x, const ORK_INT* incx);
+void ORK_NAME(ctrsv)(const char* uplo, const char* trans, const char* diag, const ORK_INT* n,
+                     const ork_complex_float* a, const ORK_INT* lda, ork_complex_float* x, const ORK_INT* incx);
+void ORK_NAME(ztrsv)(const char* uplo, const char* trans, const char* diag, const ORK_INT* n,
+                     const ork_complex_double* a, const ORK_INT* lda, ork_complex_double* x, const ORK_INT* incx);
+void ORK_NAME(stbsv)(const char* uplo, const char* trans, const char* diag, const ORK_INT* n, const ORK_INT* k,
+                     const float* a, const ORK_INT* lda, float* x, const ORK_INT* incx);
+void ORK_NAME(dtbsv)(const char* uplo, const char* trans, const char* diag, const ORK_INT* n, const ORK_INT* k,
+                     const double* a, const ORK_INT* lda, double* x, const ORK_INT* incx);
+void ORK_NAME(ctbsv)(const char* uplo, const char* trans, const char* diag, const ORK_INT* n, const ORK_INT* k,
+                     const ork_complex_float* a, const ORK_INT* lda, ork_complex_float* x, const ORK_INT* incx);
+void ORK_NAME(ztbsv)(const char* uplo, const char* trans, const char* diag, const ORK_INT* n, const ORK_INT* k,
+                     const ork_complex_double* a, const ORK_INT* lda, ork_complex_double* x, const ORK_INT* incx);
+void ORK_NAME(stpsv)(const char* uplo, const char* trans, const char* diag, const ORK_INT* n, const float* ap, float* x,
+                     const ORK_INT* incx);
+void ORK_NAME(dtpsv)(const char* uplo, const char* trans, const char* diag, const ORK_INT* n, const double* ap,
+                     double* x, const ORK_INT* incx);
+void ORK_NAME(ctpsv)(const char* uplo, const char* trans, const char* diag, const ORK_INT* n,
+                     const ork_complex_float* ap, ork_complex_float* x, const ORK_INT* incx);
+void ORK_NAME(ztpsv)(const char* uplo, const char* trans, const char* diag, const ORK_INT* n,
+                     const ork_complex_double* ap, ork_complex_double* x, const ORK_INT* incx);
+
+/* A <- alpha x y' + A with A m x n; gerc: with the conjugate of y. */
+void ORK_NAME(sger)(const ORK_INT* m, const ORK_INT* n, const float* alpha, const float* x, const ORK_INT* incx,
+                    const float* y, const ORK_INT* incy, float* a, const ORK_INT* lda);
+void ORK_NAME(dger)(const ORK_INT* m, const ORK_INT* n, const double* alpha, const double* x, const ORK_INT* incx,
+                    const double* y, const ORK_INT* incy, double* a, const ORK_INT* lda);
+void ORK_NAME(cgeru)(const ORK_INT* m, const ORK_INT* n, const ork_complex_float* alpha, const ork_complex_float* x,
+                     const ORK_INT* incx, const ork_complex_float* y, const ORK_INT* incy, ork_complex_float* a,
+                     const ORK_INT* lda);
+void ORK_NAME(zgeru)(const ORK_INT* m, const ORK_INT* n, const ork_complex_double* alpha, const ork_complex_double* x,
+                     const ORK_INT* incx, const ork_complex_double* y, const ORK_INT* incy, ork_complex_double* a,
+                     const ORK_INT* lda);
+void ORK_NAME(cgerc)(const ORK_INT* m, const ORK_INT* n, const ork_complex_float* alpha, const ork_complex_float* x,
+                     const ORK_INT* incx, const ork_complex_float* y, const ORK_INT* incy, ork_complex_float* a,
+                     const ORK_INT* lda);
+void ORK_NAME(zgerc)(const ORK_INT* m, const ORK_INT* n, const ork_complex_double* alpha, const ork_complex_double* x,
+                     const ORK_INT* incx, const ork_complex_double* y, const ORK_INT* incy, ork_complex_double* a,
+                     const ORK_INT* lda);
+
+/* A <- alpha x x' + A, one triangle; her: with the conjugate of x', alpha real. */
+void ORK_NAME(ssyr)(const char* uplo, const ORK_INT* n, const float* alpha, const float* x, const ORK_INT* incx,
+                    float* a, const ORK_INT* lda);
+void ORK_NAME(dsyr)(const char* uplo, const ORK_INT* n, const double* alpha, const double* x, const ORK_INT* incx,
+                    double* a, const ORK_INT* lda);
+void ORK_NAME(cher)(const char* uplo, const ORK_INT* n, const float* alpha, const ork_complex_float* x,
+                    const ORK_INT* incx, ork_complex_float* a, const ORK_INT* lda);
+void ORK_NAME(zher)(const char* uplo, const ORK_INT* n, const double* alpha, const ork_complex_double* x,
+                    const ORK_INT* incx, ork_complex_double* a, const ORK_INT* lda);
+void ORK_NAME(sspr)(const char* uplo, const ORK_INT* n, const float* alpha, const float* x, const ORK_INT* incx,
+                    float* ap);
+void ORK_NAME(dspr)(const char* uplo, const ORK_INT* n, const double* alpha, const double* x, const ORK_INT* incx,
+                    double* ap);
+void ORK_NAME(chpr)(const char* uplo, const ORK_INT* n, const float* alpha, const ork_complex_float* x,
+                    const ORK_INT* incx, ork_complex_float* ap);
+void ORK_NAME(zhpr)(const char* uplo, const ORK_INT* n, const double* alpha, const ork_complex_double* x,
+                    const ORK_INT* incx, ork_complex_double* ap);
+
+/* A <- alpha x y' + alpha y x' + A, one triangle; her2: x conj(y)' and conj(alpha) y conj(x)'. */
+void ORK_NAME(ssyr2)(const char* uplo, const ORK_INT* n, const float* alpha, const float* x, const ORK_INT* incx,
+                     const float* y, const ORK_INT* incy, float* a, const ORK_INT* lda);
+void ORK_NAME(dsyr2)(const char* uplo, const ORK_INT* n, const double* alpha, const double* x, const ORK_INT* incx,
+                     const double* y, const ORK_INT* incy, double* a, const ORK_INT* lda);
+void ORK_NAME(cher2)(const char* uplo, const ORK_INT* n, const ork_complex_float* alpha, const ork_complex_float* x,
+                     const ORK_INT* incx, const ork_complex_float* y, const ORK_INT* incy, ork_complex_float* a,
+                     const ORK_INT* lda);
+void ORK_NAME(zher2)(const char* uplo, const ORK_INT* n, const ork_complex_double* alpha, const ork_complex_double* x,
+                     const ORK_INT* incx, const ork_complex_double* y, const ORK_INT* incy, ork_complex_double* a,
+                     const ORK_INT* lda);
+void ORK_NAME(sspr2)(const char* uplo, const ORK_INT* n, const float* alpha, const float* x, const ORK_INT* incx,
+                     const float* y, const ORK_INT* incy, float* ap);
+void ORK_NAME(dspr2)(const char* uplo, const ORK_INT* n, const double* alpha, const double* x, const ORK_INT* incx,
+                     const double* y, const ORK_INT* incy, double* ap);
+void ORK_NAME(chpr2)(const char* uplo, const ORK_INT* n, const ork_complex_float* alpha, const ork_complex_float* x,
+                     const ORK_INT* incx, const ork_complex_float* y, const ORK_INT* incy, ork_complex_float* ap);
+void ORK_NAME(zhpr2)(const char* uplo, const ORK_INT* n, const ork_complex_double* alpha, const ork_complex_double* x,
+                     const ORK_INT* incx, const ork_complex_double* y, const ORK_INT* incy, ork_complex_double* ap);
+
+/* gemv of a real matrix and complex vectors. */
+void ORK_NAME(scgemv)(const char* trans, const ORK_INT* m, const ORK_INT* n, const ork_complex_float* alpha,
+                      const float* a, const ORK_INT* lda, const ork_complex_float* x, const ORK_INT* incx,
+                      const ork_complex_float* beta, ork_complex_float* y, const ORK_INT* incy);
+void ORK_NAME(dzgemv)(const char* trans, const ORK_INT* m, const ORK_INT* n, const ork_complex_double* alpha,
+                      const double* a, const ORK_INT* lda, const ork_complex_double* x, const ORK_INT* incx,
+                      const ork_complex_double* beta, ork_complex_double* y, const ORK_INT* incy);
+
+/* y1 <- alpha A x1 + beta y1 and y2 <- alpha A' x2 + beta y2, A m x n; gem2vc: with the conjugate transpose. */
+void ORK_NAME(sgem2vu)(const ORK_INT* m, const ORK_INT* n, const float* alpha, const float* a, const ORK_INT* lda,
+                       const float* x1, const ORK_INT* incx1, const float* x2, const ORK_INT* incx2, const float* beta,
+                       float* y1, const ORK_INT* incy1, float* y2, const ORK_INT* incy2);
+void ORK_NAME(dgem2vu)(const ORK_INT* m, const ORK_INT* n, const double* alpha, const double* a, const ORK_INT* lda,
+                       const double* x1, const ORK_INT* incx1, const double* x2, const ORK_INT* incx2,
+                       const double* beta, double* y1, const ORK_INT* incy1, double* y2, const ORK_INT* incy2);
+void ORK_NAME(cgem2vc)(const ORK_INT* m, const ORK_INT* n, const ork_complex_float* alpha, const ork_complex_float* a,
+                       const ORK_INT* lda, const ork_complex_float* x1, const ORK_INT* incx1,
+                       const ork_complex_float* x2, const ORK_INT* incx2, const ork_complex_float* beta,
+                       ork_complex_float* y1, const ORK_INT* incy1, ork_complex_float* y2, const ORK_INT* incy2);
+void ORK_NAME(zgem2vc)(const ORK_INT* m, const ORK_INT* n, const ork_complex_double* alpha, const ork_complex_double* a,
+                       const ORK_INT* lda, const ork_complex_double* x1, const ORK_INT* incx1,
+                       const ork_complex_double* x2, const ORK_INT* incx2, const ork_complex_double* beta,
+                       ork_complex_double* y1, const ORK_INT* incy1, ork_complex_double* y2, const ORK_INT* incy2);
+
 /* C <- alpha op(A) op(B) + beta C with C m x n, op(A) m x k, op(B) k x n; op by the letter N (as it is), T
    (transposed) or C (conjugate transposed). With beta = 0, C is not read. */
 void ORK_NAME(sgemm)(const char* transa, const char* transb, const ORK_INT* m, const ORK_INT* n, const ORK_INT* k,
@@ -187,3 +389,193 @@ void ORK_NAME(zgemm)(const char* transa, const char* transb, const ORK_INT* m, c
                      const ork_complex_double* alpha, const ork_complex_double* a, const ORK_INT* lda,
                      const ork_complex_double* b, const ORK_INT* ldb, const ork_complex_double* beta,
                      ork_complex_double* c, const ORK_INT* ldc);
+
+/* C <- alpha A B + beta C (side L) or alpha B A + beta C (R), with A symmetric or Hermitian and C m x n. */
+void ORK_NAME(ssymm)(const char* side, const char* uplo, const ORK_INT* m, const ORK_INT* n, const float* alpha,
+                     const float* a, const ORK_INT* lda, const float* b, const ORK_INT* ldb, const float* beta,
+                     float* c, const ORK_INT* ldc);
+void ORK_NAME(dsymm)(const char* side, const char* uplo, const ORK_INT* m, const ORK_INT* n, const double* alpha,
+                     const double* a, const ORK_INT* lda, const double* b, const ORK_INT* ldb, const double* beta,
+                     double* c, const ORK_INT* ldc);
+void ORK_NAME(csymm)(const char* side, const char* uplo, const ORK_INT* m, const ORK_INT* n,
+                     const ork_complex_float* alpha, const ork_complex_float* a, const ORK_INT* lda,
+                     const ork_complex_float* b, const ORK_INT* ldb, const ork_complex_float* beta,
+                     ork_complex_float* c, const ORK_INT* ldc);
+void ORK_NAME(zsymm)(const char* side, const char* uplo, const ORK_INT* m, const ORK_INT* n,
+                     const ork_complex_double* alpha, const ork_complex_double* a, const ORK_INT* lda,
+                     const ork_complex_double* b, const ORK_INT* ldb, const ork_complex_double* beta,
+                     ork_complex_double* c, const ORK_INT* ldc);
+void ORK_NAME(chemm)(const char* side, const char* uplo, const ORK_INT* m, const ORK_INT* n,
+                     const ork_complex_float* alpha, const ork_complex_float* a, const ORK_INT* lda,
+                     const ork_complex_float* b, const ORK_INT* ldb, const ork_complex_float* beta,
+                     ork_complex_float* c, const ORK_INT* ldc);
+void ORK_NAME(zhemm)(const char* side, const char* uplo, const ORK_INT* m, const ORK_INT* n,
+                     const ork_complex_double* alpha, const ork_complex_double* a, const ORK_INT* lda,
+                     const ork_complex_double* b, const ORK_INT* ldb, const ork_complex_double* beta,
+                     ork_complex_double* c, const ORK_INT* ldc);
+
+/* C <- alpha A A' + beta C (trans N) or alpha A' A + beta C (T), one triangle of C, which is n x n. trans C means T for
+   real matrices and is not legal for complex ones. */
+void ORK_NAME(ssyrk)(const char* uplo, const char* trans, const ORK_INT* n, const ORK_INT* k, const float* alpha,
+                     const float* a, const ORK_INT* lda, const float* beta, float* c, const ORK_INT* ldc);
+void ORK_NAME(dsyrk)(const char* uplo, const char* trans, const ORK_INT* n, const ORK_INT* k, const double* alpha,
+                     const double* a, const ORK_INT* lda, const double* beta, double* c, const ORK_INT* ldc);
+void ORK_NAME(csyrk)(const char* uplo, const char* trans, const ORK_INT* n, const ORK_INT* k,
+                     const ork_complex_float* alpha, const ork_complex_float* a, const ORK_INT* lda,
+                     const ork_complex_float* beta, ork_complex_float* c, const ORK_INT* ldc);
+void ORK_NAME(zsyrk)(const char* uplo, const char* trans, const ORK_INT* n, const ORK_INT* k,
+                     const ork_complex_double* alpha, const ork_complex_double* a, const ORK_INT* lda,
+                     const ork_complex_double* beta, ork_complex_double* c, const ORK_INT* ldc);
+
+/* The same with the conjugate transpose (trans N or C); the diagonal of C becomes real. */
+void ORK_NAME(cherk)(const char* uplo, const char* trans, const ORK_INT* n, const ORK_INT* k, const float* alpha,
+                     const ork_complex_float* a, const ORK_INT* lda, const float* beta, ork_complex_float* c,
+                     const ORK_INT* ldc);
+void ORK_NAME(zherk)(const char* uplo, const char* trans, const ORK_INT* n, const ORK_INT* k, const double* alpha,
+                     const ork_complex_double* a, const ORK_INT* lda, const double* beta, ork_complex_double* c,
+                     const ORK_INT* ldc);
+
+/* C <- alpha A B' + alpha B A' + beta C (trans N) or alpha A' B + alpha B' A + beta C (T), one triangle of C. */
+void ORK_NAME(ssyr2k)(const char* uplo, const char* trans, const ORK_INT* n, const ORK_INT* k, const float* alpha,
+                      const float* a, const ORK_INT* lda, const float* b, const ORK_INT* ldb, const float* beta,
+                      float* c, const ORK_INT* ldc);
+void ORK_NAME(dsyr2k)(const char* uplo, const char* trans, const ORK_INT* n, const ORK_INT* k, const double* alpha,
+                      const double* a, const ORK_INT* lda, const double* b, const ORK_INT* ldb, const double* beta,
+                      double* c, const ORK_INT* ldc);
+void ORK_NAME(csyr2k)(const char* uplo, const char* trans, const ORK_INT* n, const ORK_INT* k,
+                      const ork_complex_float* alpha, const ork_complex_float* a, const ORK_INT* lda,
+                      const ork_complex_float* b, const ORK_INT* ldb, const ork_complex_float* beta,
+                      ork_complex_float* c, const ORK_INT* ldc);
+void ORK_NAME(zsyr2k)(const char* uplo, const char* trans, const ORK_INT* n, const ORK_INT* k,
+                      const ork_complex_double* alpha, const ork_complex_double* a, const ORK_INT* lda,
+                      const ork_complex_double* b, const ORK_INT* ldb, const ork_complex_double* beta,
+                      ork_complex_double* c, const ORK_INT* ldc);
+
+/* C <- alpha A B^H + conj(alpha) B A^H + beta C (trans N) or alpha A^H B + conj(alpha) B^H A + beta C (C). */
+void ORK_NAME(cher2k)(const char* uplo, const char* trans, const ORK_INT* n, const ORK_INT* k,
+                      const ork_complex_float* alpha, const ork_complex_float* a, const ORK_INT* lda,
+                      const ork_complex_float* b, const ORK_INT* ldb, const float* beta, ork_complex_float* c,
+                      const ORK_INT* ldc);
+void ORK_NAME(zher2k)(const char* uplo, const char* trans, const ORK_INT* n, const ORK_INT* k,
+                      const ork_complex_double* alpha, const ork_complex_double* a, const ORK_INT* lda,
+                      const ork_complex_double* b, const ORK_INT* ldb, const double* beta, ork_complex_double* c,
+                      const ORK_INT* ldc);
+
+/* One triangle of C <- alpha op(A) op(B) + beta C, C n x n. */
+void ORK_NAME(sgemmt)(const char* uplo, const char* transa, const char* transb, const ORK_INT* n, const ORK_INT* k,
+                      const float* alpha, const float* a, const ORK_INT* lda, const float* b, const ORK_INT* ldb,
+                      const float* beta, float* c, const ORK_INT* ldc);
+void ORK_NAME(dgemmt)(const char* uplo, const char* transa, const char* transb, const ORK_INT* n, const ORK_INT* k,
+                      const double* alpha, const double* a, const ORK_INT* lda, const double* b, const ORK_INT* ldb,
+                      const double* beta, double* c, const ORK_INT* ldc);
+void ORK_NAME(cgemmt)(const char* uplo, const char* transa, const char* transb, const ORK_INT* n, const ORK_INT* k,
+                      const ork_complex_float* alpha, const ork_complex_float* a, const ORK_INT* lda,
+                      const ork_complex_float* b, const ORK_INT* ldb, const ork_complex_float* beta,
+                      ork_complex_float* c, const ORK_INT* ldc);
+void ORK_NAME(zgemmt)(const char* uplo, const char* transa, const char* transb, const ORK_INT* n, const ORK_INT* k,
+                      const ork_complex_double* alpha, const ork_complex_double* a, const ORK_INT* lda,
+                      const ork_complex_double* b, const ORK_INT* ldb, const ork_complex_double* beta,
+                      ork_complex_double* c, const ORK_INT* ldc);
+
+/* B <- alpha op(A) B (side L) or alpha B op(A) (R), with A triangular and B m x n. With alpha = 0, A is not read. */
+void ORK_NAME(strmm)(const char* side, const char* uplo, const char* transa, const char* diag, const ORK_INT* m,
+                     const ORK_INT* n, const float* alpha, const float* a, const ORK_INT* lda, float* b,
+                     const ORK_INT* ldb);
+void ORK_NAME(dtrmm)(const char* side, const char* uplo, const char* transa, const char* diag, const ORK_INT* m,
+                     const ORK_INT* n, const double* alpha, const double* a, const ORK_INT* lda, double* b,
+                     const ORK_INT* ldb);
+void ORK_NAME(ctrmm)(const char* side, const char* uplo, const char* transa, const char* diag, const ORK_INT* m,
+                     const ORK_INT* n, const ork_complex_float* alpha, const ork_complex_float* a, const ORK_INT* lda,
+                     ork_complex_float* b, const ORK_INT* ldb);
+void ORK_NAME(ztrmm)(const char* side, const char* uplo, const char* transa, const char* diag, const ORK_INT* m,
+                     const ORK_INT* n, const ork_complex_double* alpha, const ork_complex_double* a, const ORK_INT* lda,
+                     ork_complex_double* b, const ORK_INT* ldb);
+
+/* B <- alpha op(A)^-1 B or alpha B op(A)^-1. */
+void ORK_NAME(strsm)(const char* side, const char* uplo, const char* transa, const char* diag, const ORK_INT* m,
+                     const ORK_INT* n, const float* alpha, const float* a, const ORK_INT* lda, float* b,
+                     const ORK_INT* ldb);
+void ORK_NAME(dtrsm)(const char* side, const char* uplo, const char* transa, const char* diag, const ORK_INT* m,
+                     const ORK_INT* n, const double* alpha, const double* a, const ORK_INT* lda, double* b,
+                     const ORK_INT* ldb);
+void ORK_NAME(ctrsm)(const char* side, const char* uplo, const char* transa, const char* diag, const ORK_INT* m,
+                     const ORK_INT* n, const ork_complex_float* alpha, const ork_complex_float* a, const ORK_INT* lda,
+                     ork_complex_float* b, const ORK_INT* ldb);
+void ORK_NAME(ztrsm)(const char* side, const char* uplo, const char* transa, const char* diag, const ORK_INT* m,
+                     const ORK_INT* n, const ork_complex_double* alpha, const ork_complex_double* a, const ORK_INT* lda,
+                     ork_complex_double* b, const ORK_INT* ldb);
+
+/* gemm by three real products instead of four: faster, with errors of the size of the larger part of an element. */
+void ORK_NAME(cgemm3m)(const char* transa, const char* transb, const ORK_INT* m, const ORK_INT* n, const ORK_INT* k,
+                       const ork_complex_float* alpha, const ork_complex_float* a, const ORK_INT* lda,
+                       const ork_complex_float* b, const ORK_INT* ldb, const ork_complex_float* beta,
+                       ork_complex_float* c, const ORK_INT* ldc);
+void ORK_NAME(zgemm3m)(const char* transa, const char* transb, const ORK_INT* m, const ORK_INT* n, const ORK_INT* k,
+                       const ork_complex_double* alpha, const ork_complex_double* a, const ORK_INT* lda,
+                       const ork_complex_double* b, const ORK_INT* ldb, const ork_complex_double* beta,
+                       ork_complex_double* c, const ORK_INT* ldc);
+
+/* batch_size multiplies of one shape: the i-th, from 0 on, of the matrices at a + i stridea, b + i strideb, c + i
+   stridec. */
+void ORK_NAME(sgemm_batch_strided)(const char* transa, const char* transb, const ORK_INT* m, const ORK_INT* n,
+                                   const ORK_INT* k, const float* alpha, const float* a, const ORK_INT* lda,
+                                   const ORK_INT* stridea, const float* b, const ORK_INT* ldb, const ORK_INT* strideb,
+                                   const float* beta, float* c, const ORK_INT* ldc, const ORK_INT* stridec,
+                                   const ORK_INT* batch_size);
+void ORK_NAME(dgemm_batch_strided)(const char* transa, const char* transb, const ORK_INT* m, const ORK_INT* n,
+                                   const ORK_INT* k, const double* alpha, const double* a, const ORK_INT* lda,
+                                   const ORK_INT* stridea, const double* b, const ORK_INT* ldb, const ORK_INT* strideb,
+                                   const double* beta, double* c, const ORK_INT* ldc, const ORK_INT* stridec,
+                                   const ORK_INT* batch_size);
+void ORK_NAME(cgemm_batch_strided)(const char* transa, const char* transb, const ORK_INT* m, const ORK_INT* n,
+                                   const ORK_INT* k, const ork_complex_float* alpha, const ork_complex_float* a,
+                                   const ORK_INT* lda, const ORK_INT* stridea, const ork_complex_float* b,
+                                   const ORK_INT* ldb, const ORK_INT* strideb, const ork_complex_float* beta,
+                                   ork_complex_float* c, const ORK_INT* ldc, const ORK_INT* stridec,
+                                   const ORK_INT* batch_size);
+void ORK_NAME(zgemm_batch_strided)(const char* transa, const char* transb, const ORK_INT* m, const ORK_INT* n,
+                                   const ORK_INT* k, const ork_complex_double* alpha, const ork_complex_double* a,
+                                   const ORK_INT* lda, const ORK_INT* stridea, const ork_complex_double* b,
+                                   const ORK_INT* ldb, const ORK_INT* strideb, const ork_complex_double* beta,
+                                   ork_complex_double* c, const ORK_INT* ldc, const ORK_INT* stridec,
+                                   const ORK_INT* batch_size);
+
+/* gemm of a real A and complex B and C. */
+void ORK_NAME(scgemm)(const char* transa, const char* transb, const ORK_INT* m, const ORK_INT* n, const ORK_INT* k,
+                      const ork_complex_float* alpha, const float* a, const ORK_INT* lda, const ork_complex_float* b,
+                      const ORK_INT* ldb, const ork_complex_float* beta, ork_complex_float* c, const ORK_INT* ldc);
+void ORK_NAME(dzgemm)(const char* transa, const char* transb, const ORK_INT* m, const ORK_INT* n, const ORK_INT* k,
+                      const ork_complex_double* alpha, const double* a, const ORK_INT* lda, const ork_complex_double* b,
+                      const ORK_INT* ldb, const ork_complex_double* beta, ork_complex_double* c, const ORK_INT* ldc);
+
+#ifdef ORK_OWN_NAMES
+/* gemm and gemv of 8-bit and 16-bit integers, signed (s) and unsigned (u), with 32-bit sums modulo 2^32. */
+void ORK_NAME(gemm_s8u8s32)(const char* transa, const char* transb, const ORK_INT* m, const ORK_INT* n,
+                            const ORK_INT* k, const int32_t* alpha, const int8_t* a, const ORK_INT* lda,
+                            const uint8_t* b, const ORK_INT* ldb, const int32_t* beta, int32_t* c, const ORK_INT* ldc);
+void ORK_NAME(gemm_s16s16s32)(const char* transa, const char* transb, const ORK_INT* m, const ORK_INT* n,
+                              const ORK_INT* k, const int32_t* alpha, const int16_t* a, const ORK_INT* lda,
+                              const int16_t* b, const ORK_INT* ldb, const int32_t* beta, int32_t* c,
+                              const ORK_INT* ldc);
+void ORK_NAME(gemv_s8u8s32)(const char* trans, const ORK_INT* m, const ORK_INT* n, const int32_t* alpha,
+                            const int8_t* a, const ORK_INT* lda, const uint8_t* x, const ORK_INT* incx,
+                            const int32_t* beta, int32_t* y, const ORK_INT* incy);
+
+/* gemm and gemv of narrow floating-point numbers, which are widened exactly, with sums in float: bfloat16 (bf16) and
+   binary16 (f16), 8 bits of which 4 (e4m3) or 5 (e5m2) are the exponent. */
+void ORK_NAME(gemm_bf16bf16f32)(const char* transa, const char* transb, const ORK_INT* m, const ORK_INT* n,
+                                const ORK_INT* k, const float* alpha, const uint16_t* a, const ORK_INT* lda,
+                                const uint16_t* b, const ORK_INT* ldb, const float* beta, float* c, const ORK_INT* ldc);
+void ORK_NAME(gemm_f16f16f32)(const char* transa, const char* transb, const ORK_INT* m, const ORK_INT* n,
+                              const ORK_INT* k, const float* alpha, const uint16_t* a, const ORK_INT* lda,
+                              const uint16_t* b, const ORK_INT* ldb, const float* beta, float* c, const ORK_INT* ldc);
+void ORK_NAME(gemm_e4m3e4m3f32)(const char* transa, const char* transb, const ORK_INT* m, const ORK_INT* n,
+                                const ORK_INT* k, const float* alpha, const uint8_t* a, const ORK_INT* lda,
+                                const uint8_t* b, const ORK_INT* ldb, const float* beta, float* c, const ORK_INT* ldc);
+void ORK_NAME(gemm_e5m2e5m2f32)(const char* transa, const char* transb, const ORK_INT* m, const ORK_INT* n,
+                                const ORK_INT* k, const float* alpha, const uint8_t* a, const ORK_INT* lda,
+                                const uint8_t* b, const ORK_INT* ldb, const float* beta, float* c, const ORK_INT* ldc);
+void ORK_NAME(gemv_bf16bf16f32)(const char* trans, const ORK_INT* m, const ORK_INT* n, const float* alpha,
+                                const uint16_t* a, const ORK_INT* lda, const uint16_t* x, const ORK_INT* incx,
+                                const float* beta, float* y, const ORK_INT* incy);
+#endif

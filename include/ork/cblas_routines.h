@@ -143,6 +143,186 @@ void ORK_NAME(zsctr)(ORK_INT nz, const void* x, const ORK_INT* indx, void* y);
 /* Plane rotation of x against y[indx]: x <- c x + s y[indx], y[indx] <- c y[indx] - s x. */
 void ORK_NAME(sroti)(ORK_INT nz, float* x, const ORK_INT* indx, float* y, float c, float s);
 void ORK_NAME(droti)(ORK_INT nz, double* x, const ORK_INT* indx, double* y, double c, double s);
+
+/* y <- alpha op(A) x + beta y with A m x n; op by the letter N (as it is), T (transposed) or C (conjugate transposed).
+   With beta = 0, y is not read. */
+void ORK_NAME(sgemv)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE trans, ORK_INT m, ORK_INT n, float alpha, const float* a,
+                     ORK_INT lda, const float* x, ORK_INT incx, float beta, float* y, ORK_INT incy);
+void ORK_NAME(dgemv)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE trans, ORK_INT m, ORK_INT n, double alpha, const double* a,
+                     ORK_INT lda, const double* x, ORK_INT incx, double beta, double* y, ORK_INT incy);
+void ORK_NAME(cgemv)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE trans, ORK_INT m, ORK_INT n, const void* alpha, const void* a,
+                     ORK_INT lda, const void* x, ORK_INT incx, const void* beta, void* y, ORK_INT incy);
+void ORK_NAME(zgemv)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE trans, ORK_INT m, ORK_INT n, const void* alpha, const void* a,
+                     ORK_INT lda, const void* x, ORK_INT incx, const void* beta, void* y, ORK_INT incy);
+
+/* The same for a band matrix with kl diagonals below the main one and ku above. */
+void ORK_NAME(sgbmv)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE trans, ORK_INT m, ORK_INT n, ORK_INT kl, ORK_INT ku,
+                     float alpha, const float* a, ORK_INT lda, const float* x, ORK_INT incx, float beta, float* y,
+                     ORK_INT incy);
+void ORK_NAME(dgbmv)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE trans, ORK_INT m, ORK_INT n, ORK_INT kl, ORK_INT ku,
+                     double alpha, const double* a, ORK_INT lda, const double* x, ORK_INT incx, double beta, double* y,
+                     ORK_INT incy);
+void ORK_NAME(cgbmv)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE trans, ORK_INT m, ORK_INT n, ORK_INT kl, ORK_INT ku,
+                     const void* alpha, const void* a, ORK_INT lda, const void* x, ORK_INT incx, const void* beta,
+                     void* y, ORK_INT incy);
+void ORK_NAME(zgbmv)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE trans, ORK_INT m, ORK_INT n, ORK_INT kl, ORK_INT ku,
+                     const void* alpha, const void* a, ORK_INT lda, const void* x, ORK_INT incx, const void* beta,
+                     void* y, ORK_INT incy);
+
+/* y <- alpha A x + beta y with A symmetric or Hermitian (he) of order n; uplo says which triangle is stored, U or L. */
+void ORK_NAME(ssymv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, float alpha, const float* a, ORK_INT lda,
+                     const float* x, ORK_INT incx, float beta, float* y, ORK_INT incy);
+void ORK_NAME(dsymv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, double alpha, const double* a, ORK_INT lda,
+                     const double* x, ORK_INT incx, double beta, double* y, ORK_INT incy);
+void ORK_NAME(chemv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, const void* alpha, const void* a, ORK_INT lda,
+                     const void* x, ORK_INT incx, const void* beta, void* y, ORK_INT incy);
+void ORK_NAME(zhemv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, const void* alpha, const void* a, ORK_INT lda,
+                     const void* x, ORK_INT incx, const void* beta, void* y, ORK_INT incy);
+
+/* The same for a band matrix with k diagonals on each side of the main one. */
+void ORK_NAME(ssbmv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, ORK_INT k, float alpha, const float* a,
+                     ORK_INT lda, const float* x, ORK_INT incx, float beta, float* y, ORK_INT incy);
+void ORK_NAME(dsbmv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, ORK_INT k, double alpha, const double* a,
+                     ORK_INT lda, const double* x, ORK_INT incx, double beta, double* y, ORK_INT incy);
+void ORK_NAME(chbmv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, ORK_INT k, const void* alpha, const void* a,
+                     ORK_INT lda, const void* x, ORK_INT incx, const void* beta, void* y, ORK_INT incy);
+void ORK_NAME(zhbmv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, ORK_INT k, const void* alpha, const void* a,
+                     ORK_INT lda, const void* x, ORK_INT incx, const void* beta, void* y, ORK_INT incy);
+
+/* The same for a packed triangle. */
+void ORK_NAME(sspmv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, float alpha, const float* ap, const float* x,
+                     ORK_INT incx, float beta, float* y, ORK_INT incy);
+void ORK_NAME(dspmv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, double alpha, const double* ap, const double* x,
+                     ORK_INT incx, double beta, double* y, ORK_INT incy);
+void ORK_NAME(chpmv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, const void* alpha, const void* ap, const void* x,
+                     ORK_INT incx, const void* beta, void* y, ORK_INT incy);
+void ORK_NAME(zhpmv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, const void* alpha, const void* ap, const void* x,
+                     ORK_INT incx, const void* beta, void* y, ORK_INT incy);
+
+/* x <- op(A) x with A triangular, in a band (tb) or packed (tp). diag = U: the diagonal is 1 and not read. */
+void ORK_NAME(strmv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, CBLAS_DIAG diag, ORK_INT n,
+                     const float* a, ORK_INT lda, float* x, ORK_INT incx);
+void ORK_NAME(dtrmv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, CBLAS_DIAG diag, ORK_INT n,
+                     const double* a, ORK_INT lda, double* x, ORK_INT incx);
+void ORK_NAME(ctrmv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, CBLAS_DIAG diag, ORK_INT n,
+                     const void* a, ORK_INT lda, void* x, ORK_INT incx);
+void ORK_NAME(ztrmv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, CBLAS_DIAG diag, ORK_INT n,
+                     const void* a, ORK_INT lda, void* x, ORK_INT incx);
+void ORK_NAME(stbmv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, CBLAS_DIAG diag, ORK_INT n, ORK_INT k,
+                     const float* a, ORK_INT lda, float* x, ORK_INT incx);
+void ORK_NAME(dtbmv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, CBLAS_DIAG diag, ORK_INT n, ORK_INT k,
+                     const double* a, ORK_INT lda, double* x, ORK_INT incx);
+void ORK_NAME(ctbmv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, CBLAS_DIAG diag, ORK_INT n, ORK_INT k,
+                     const void* a, ORK_INT lda, void* x, ORK_INT incx);
+void ORK_NAME(ztbmv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, CBLAS_DIAG diag, ORK_INT n, ORK_INT k,
+                     const void* a, ORK_INT lda, void* x, ORK_INT incx);
+void ORK_NAME(stpmv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, CBLAS_DIAG diag, ORK_INT n,
+                     const float* ap, float* x, ORK_INT incx);
+void ORK_NAME(dtpmv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, CBLAS_DIAG diag, ORK_INT n,
+                     const double* ap, double* x, ORK_INT incx);
+void ORK_NAME(ctpmv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, CBLAS_DIAG diag, ORK_INT n,
+                     const void* ap, void* x, ORK_INT incx);
+void ORK_NAME(ztpmv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, CBLAS_DIAG diag, ORK_INT n,
+                     const void* ap, void* x, ORK_INT incx);
+
+/* x <- op(A)^-1 x. A zero on the diagonal is not looked for. */
+void ORK_NAME(strsv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, CBLAS_DIAG diag, ORK_INT n,
+                     const float* a, ORK_INT lda, float* x, ORK_INT incx);
+void ORK_NAME(dtrsv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, CBLAS_DIAG diag, ORK_INT n,
+                     const double* a, ORK_INT lda, double* x, ORK_INT incx);
+void ORK_NAME(ctrsv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, CBLAS_DIAG diag, ORK_INT n,
+                     const void* a, ORK_INT lda, void* x, ORK_INT incx);
+void ORK_NAME(ztrsv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, CBLAS_DIAG diag, ORK_INT n,
+                     const void* a, ORK_INT lda, void* x, ORK_INT incx);
+void ORK_NAME(stbsv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, CBLAS_DIAG diag, ORK_INT n, ORK_INT k,
+                     const float* a, ORK_INT lda, float* x, ORK_INT incx);
+void ORK_NAME(dtbsv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, CBLAS_DIAG diag, ORK_INT n, ORK_INT k,
+                     const double* a, ORK_INT lda, double* x, ORK_INT incx);
+void ORK_NAME(ctbsv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, CBLAS_DIAG diag, ORK_INT n, ORK_INT k,
+                     const void* a, ORK_INT lda, void* x, ORK_INT incx);
+void ORK_NAME(ztbsv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, CBLAS_DIAG diag, ORK_INT n, ORK_INT k,
+                     const void* a, ORK_INT lda, void* x, ORK_INT incx);
+void ORK_NAME(stpsv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, CBLAS_DIAG diag, ORK_INT n,
+                     const float* ap, float* x, ORK_INT incx);
+void ORK_NAME(dtpsv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, CBLAS_DIAG diag, ORK_INT n,
+                     const double* ap, double* x, ORK_INT incx);
+void ORK_NAME(ctpsv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, CBLAS_DIAG diag, ORK_INT n,
+                     const void* ap, void* x, ORK_INT incx);
+void ORK_NAME(ztpsv)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, CBLAS_DIAG diag, ORK_INT n,
+                     const void* ap, void* x, ORK_INT incx);
+
+/* A <- alpha x y' + A with A m x n; gerc: with the conjugate of y. */
+void ORK_NAME(sger)(CBLAS_LAYOUT layout, ORK_INT m, ORK_INT n, float alpha, const float* x, ORK_INT incx,
+                    const float* y, ORK_INT incy, float* a, ORK_INT lda);
+void ORK_NAME(dger)(CBLAS_LAYOUT layout, ORK_INT m, ORK_INT n, double alpha, const double* x, ORK_INT incx,
+                    const double* y, ORK_INT incy, double* a, ORK_INT lda);
+void ORK_NAME(cgeru)(CBLAS_LAYOUT layout, ORK_INT m, ORK_INT n, const void* alpha, const void* x, ORK_INT incx,
+                     const void* y, ORK_INT incy, void* a, ORK_INT lda);
+void ORK_NAME(zgeru)(CBLAS_LAYOUT layout, ORK_INT m, ORK_INT n, const void* alpha, const void* x, ORK_INT incx,
+                     const void* y, ORK_INT incy, void* a, ORK_INT lda);
+void ORK_NAME(cgerc)(CBLAS_LAYOUT layout, ORK_INT m, ORK_INT n, const void* alpha, const void* x, ORK_INT incx,
+                     const void* y, ORK_INT incy, void* a, ORK_INT lda);
+void ORK_NAME(zgerc)(CBLAS_LAYOUT layout, ORK_INT m, ORK_INT n, const void* alpha, const void* x, ORK_INT incx,
+                     const void* y, ORK_INT incy, void* a, ORK_INT lda);
+
+/* A <- alpha x x' + A, one triangle; her: with the conjugate of x', alpha real. */
+void ORK_NAME(ssyr)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, float alpha, const float* x, ORK_INT incx,
+                    float* a, ORK_INT lda);
+void ORK_NAME(dsyr)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, double alpha, const double* x, ORK_INT incx,
+                    double* a, ORK_INT lda);
+void ORK_NAME(cher)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, float alpha, const void* x, ORK_INT incx, void* a,
+                    ORK_INT lda);
+void ORK_NAME(zher)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, double alpha, const void* x, ORK_INT incx, void* a,
+                    ORK_INT lda);
+void ORK_NAME(sspr)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, float alpha, const float* x, ORK_INT incx,
+                    float* ap);
+void ORK_NAME(dspr)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, double alpha, const double* x, ORK_INT incx,
+                    double* ap);
+void ORK_NAME(chpr)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, float alpha, const void* x, ORK_INT incx,
+                    void* ap);
+void ORK_NAME(zhpr)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, double alpha, const void* x, ORK_INT incx,
+                    void* ap);
+
+/* A <- alpha x y' + alpha y x' + A, one triangle; her2: x conj(y)' and conj(alpha) y conj(x)'. */
+void ORK_NAME(ssyr2)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, float alpha, const float* x, ORK_INT incx,
+                     const float* y, ORK_INT incy, float* a, ORK_INT lda);
+void ORK_NAME(dsyr2)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, double alpha, const double* x, ORK_INT incx,
+                     const double* y, ORK_INT incy, double* a, ORK_INT lda);
+void ORK_NAME(cher2)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, const void* alpha, const void* x, ORK_INT incx,
+                     const void* y, ORK_INT incy, void* a, ORK_INT lda);
+void ORK_NAME(zher2)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, const void* alpha, const void* x, ORK_INT incx,
+                     const void* y, ORK_INT incy, void* a, ORK_INT lda);
+void ORK_NAME(sspr2)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, float alpha, const float* x, ORK_INT incx,
+                     const float* y, ORK_INT incy, float* ap);
+void ORK_NAME(dspr2)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, double alpha, const double* x, ORK_INT incx,
+                     const double* y, ORK_INT incy, double* ap);
+void ORK_NAME(chpr2)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, const void* alpha, const void* x, ORK_INT incx,
+                     const void* y, ORK_INT incy, void* ap);
+void ORK_NAME(zhpr2)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, ORK_INT n, const void* alpha, const void* x, ORK_INT incx,
+                     const void* y, ORK_INT incy, void* ap);
+
+/* gemv of a real matrix and complex vectors. */
+void ORK_NAME(scgemv)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE trans, ORK_INT m, ORK_INT n, const void* alpha,
+                      const float* a, ORK_INT lda, const void* x, ORK_INT incx, const void* beta, void* y,
+                      ORK_INT incy);
+void ORK_NAME(dzgemv)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE trans, ORK_INT m, ORK_INT n, const void* alpha,
+                      const double* a, ORK_INT lda, const void* x, ORK_INT incx, const void* beta, void* y,
+                      ORK_INT incy);
+
+/* y1 <- alpha A x1 + beta y1 and y2 <- alpha A' x2 + beta y2, A m x n; gem2vc: with the conjugate transpose. */
+void ORK_NAME(sgem2vu)(CBLAS_LAYOUT layout, ORK_INT m, ORK_INT n, float alpha, const float* a, ORK_INT lda,
+                       const float* x1, ORK_INT incx1, const float* x2, ORK_INT incx2, float beta, float* y1,
+                       ORK_INT incy1, float* y2, ORK_INT incy2);
+void ORK_NAME(dgem2vu)(CBLAS_LAYOUT layout, ORK_INT m, ORK_INT n, double alpha, const double* a, ORK_INT lda,
+                       const double* x1, ORK_INT incx1, const double* x2, ORK_INT incx2, double beta, double* y1,
+                       ORK_INT incy1, double* y2, ORK_INT incy2);
+void ORK_NAME(cgem2vc)(CBLAS_LAYOUT layout, ORK_INT m, ORK_INT n, const void* alpha, const void* a, ORK_INT lda,
+                       const void* x1, ORK_INT incx1, const void* x2, ORK_INT incx2, const void* beta, void* y1,
+                       ORK_INT incy1, void* y2, ORK_INT incy2);
+void ORK_NAME(zgem2vc)(CBLAS_LAYOUT layout, ORK_INT m, ORK_INT n, const void* alpha, const void* a, ORK_INT lda,
+                       const void* x1, ORK_INT incx1, const void* x2, ORK_INT incx2, const void* beta, void* y1,
+                       ORK_INT incy1, void* y2, ORK_INT incy2);
+
 /* C <- alpha op(A) op(B) + beta C with C m x n, op(A) m x k, op(B) k x n, all stored by rows or all by columns; a
    leading dimension is the distance between two rows or two columns. With beta = 0, C is not read. */
 void ORK_NAME(sgemm)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE transa, CBLAS_TRANSPOSE transb, ORK_INT m, ORK_INT n,
@@ -157,3 +337,115 @@ void ORK_NAME(cgemm)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE transa, CBLAS_TRANSPOS
 void ORK_NAME(zgemm)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE transa, CBLAS_TRANSPOSE transb, ORK_INT m, ORK_INT n,
                      ORK_INT k, const void* alpha, const void* a, ORK_INT lda, const void* b, ORK_INT ldb,
                      const void* beta, void* c, ORK_INT ldc);
+
+/* C <- alpha A B + beta C (side L) or alpha B A + beta C (R), with A symmetric or Hermitian and C m x n. */
+void ORK_NAME(ssymm)(CBLAS_LAYOUT layout, CBLAS_SIDE side, CBLAS_UPLO uplo, ORK_INT m, ORK_INT n, float alpha,
+                     const float* a, ORK_INT lda, const float* b, ORK_INT ldb, float beta, float* c, ORK_INT ldc);
+void ORK_NAME(dsymm)(CBLAS_LAYOUT layout, CBLAS_SIDE side, CBLAS_UPLO uplo, ORK_INT m, ORK_INT n, double alpha,
+                     const double* a, ORK_INT lda, const double* b, ORK_INT ldb, double beta, double* c, ORK_INT ldc);
+void ORK_NAME(csymm)(CBLAS_LAYOUT layout, CBLAS_SIDE side, CBLAS_UPLO uplo, ORK_INT m, ORK_INT n, const void* alpha,
+                     const void* a, ORK_INT lda, const void* b, ORK_INT ldb, const void* beta, void* c, ORK_INT ldc);
+void ORK_NAME(zsymm)(CBLAS_LAYOUT layout, CBLAS_SIDE side, CBLAS_UPLO uplo, ORK_INT m, ORK_INT n, const void* alpha,
+                     const void* a, ORK_INT lda, const void* b, ORK_INT ldb, const void* beta, void* c, ORK_INT ldc);
+void ORK_NAME(chemm)(CBLAS_LAYOUT layout, CBLAS_SIDE side, CBLAS_UPLO uplo, ORK_INT m, ORK_INT n, const void* alpha,
+                     const void* a, ORK_INT lda, const void* b, ORK_INT ldb, const void* beta, void* c, ORK_INT ldc);
+void ORK_NAME(zhemm)(CBLAS_LAYOUT layout, CBLAS_SIDE side, CBLAS_UPLO uplo, ORK_INT m, ORK_INT n, const void* alpha,
+                     const void* a, ORK_INT lda, const void* b, ORK_INT ldb, const void* beta, void* c, ORK_INT ldc);
+
+/* C <- alpha A A' + beta C (trans N) or alpha A' A + beta C (T), one triangle of C, which is n x n. trans C means T for
+   real matrices and is not legal for complex ones. */
+void ORK_NAME(ssyrk)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, ORK_INT n, ORK_INT k, float alpha,
+                     const float* a, ORK_INT lda, float beta, float* c, ORK_INT ldc);
+void ORK_NAME(dsyrk)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, ORK_INT n, ORK_INT k, double alpha,
+                     const double* a, ORK_INT lda, double beta, double* c, ORK_INT ldc);
+void ORK_NAME(csyrk)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, ORK_INT n, ORK_INT k,
+                     const void* alpha, const void* a, ORK_INT lda, const void* beta, void* c, ORK_INT ldc);
+void ORK_NAME(zsyrk)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, ORK_INT n, ORK_INT k,
+                     const void* alpha, const void* a, ORK_INT lda, const void* beta, void* c, ORK_INT ldc);
+
+/* The same with the conjugate transpose (trans N or C); the diagonal of C becomes real. */
+void ORK_NAME(cherk)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, ORK_INT n, ORK_INT k, float alpha,
+                     const void* a, ORK_INT lda, float beta, void* c, ORK_INT ldc);
+void ORK_NAME(zherk)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, ORK_INT n, ORK_INT k, double alpha,
+                     const void* a, ORK_INT lda, double beta, void* c, ORK_INT ldc);
+
+/* C <- alpha A B' + alpha B A' + beta C (trans N) or alpha A' B + alpha B' A + beta C (T), one triangle of C. */
+void ORK_NAME(ssyr2k)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, ORK_INT n, ORK_INT k, float alpha,
+                      const float* a, ORK_INT lda, const float* b, ORK_INT ldb, float beta, float* c, ORK_INT ldc);
+void ORK_NAME(dsyr2k)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, ORK_INT n, ORK_INT k, double alpha,
+                      const double* a, ORK_INT lda, const double* b, ORK_INT ldb, double beta, double* c, ORK_INT ldc);
+void ORK_NAME(csyr2k)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, ORK_INT n, ORK_INT k,
+                      const void* alpha, const void* a, ORK_INT lda, const void* b, ORK_INT ldb, const void* beta,
+                      void* c, ORK_INT ldc);
+void ORK_NAME(zsyr2k)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, ORK_INT n, ORK_INT k,
+                      const void* alpha, const void* a, ORK_INT lda, const void* b, ORK_INT ldb, const void* beta,
+                      void* c, ORK_INT ldc);
+
+/* C <- alpha A B^H + conj(alpha) B A^H + beta C (trans N) or alpha A^H B + conj(alpha) B^H A + beta C (C). */
+void ORK_NAME(cher2k)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, ORK_INT n, ORK_INT k,
+                      const void* alpha, const void* a, ORK_INT lda, const void* b, ORK_INT ldb, float beta, void* c,
+                      ORK_INT ldc);
+void ORK_NAME(zher2k)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE trans, ORK_INT n, ORK_INT k,
+                      const void* alpha, const void* a, ORK_INT lda, const void* b, ORK_INT ldb, double beta, void* c,
+                      ORK_INT ldc);
+
+/* One triangle of C <- alpha op(A) op(B) + beta C, C n x n. */
+void ORK_NAME(sgemmt)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE transa, CBLAS_TRANSPOSE transb, ORK_INT n,
+                      ORK_INT k, float alpha, const float* a, ORK_INT lda, const float* b, ORK_INT ldb, float beta,
+                      float* c, ORK_INT ldc);
+void ORK_NAME(dgemmt)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE transa, CBLAS_TRANSPOSE transb, ORK_INT n,
+                      ORK_INT k, double alpha, const double* a, ORK_INT lda, const double* b, ORK_INT ldb, double beta,
+                      double* c, ORK_INT ldc);
+void ORK_NAME(cgemmt)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE transa, CBLAS_TRANSPOSE transb, ORK_INT n,
+                      ORK_INT k, const void* alpha, const void* a, ORK_INT lda, const void* b, ORK_INT ldb,
+                      const void* beta, void* c, ORK_INT ldc);
+void ORK_NAME(zgemmt)(CBLAS_LAYOUT layout, CBLAS_UPLO uplo, CBLAS_TRANSPOSE transa, CBLAS_TRANSPOSE transb, ORK_INT n,
+                      ORK_INT k, const void* alpha, const void* a, ORK_INT lda, const void* b, ORK_INT ldb,
+                      const void* beta, void* c, ORK_INT ldc);
+
+/* B <- alpha op(A) B (side L) or alpha B op(A) (R), with A triangular and B m x n. With alpha = 0, A is not read. */
+void ORK_NAME(strmm)(CBLAS_LAYOUT layout, CBLAS_SIDE side, CBLAS_UPLO uplo, CBLAS_TRANSPOSE transa, CBLAS_DIAG diag,
+                     ORK_INT m, ORK_INT n, float alpha, const float* a, ORK_INT lda, float* b, ORK_INT ldb);
+void ORK_NAME(dtrmm)(CBLAS_LAYOUT layout, CBLAS_SIDE side, CBLAS_UPLO uplo, CBLAS_TRANSPOSE transa, CBLAS_DIAG diag,
+                     ORK_INT m, ORK_INT n, double alpha, const double* a, ORK_INT lda, double* b, ORK_INT ldb);
+void ORK_NAME(ctrmm)(CBLAS_LAYOUT layout, CBLAS_SIDE side, CBLAS_UPLO uplo, CBLAS_TRANSPOSE transa, CBLAS_DIAG diag,
+                     ORK_INT m, ORK_INT n, const void* alpha, const void* a, ORK_INT lda, void* b, ORK_INT ldb);
+void ORK_NAME(ztrmm)(CBLAS_LAYOUT layout, CBLAS_SIDE side, CBLAS_UPLO uplo, CBLAS_TRANSPOSE transa, CBLAS_DIAG diag,
+                     ORK_INT m, ORK_INT n, const void* alpha, const void* a, ORK_INT lda, void* b, ORK_INT ldb);
+
+/* B <- alpha op(A)^-1 B or alpha B op(A)^-1. */
+void ORK_NAME(strsm)(CBLAS_LAYOUT layout, CBLAS_SIDE side, CBLAS_UPLO uplo, CBLAS_TRANSPOSE transa, CBLAS_DIAG diag,
+                     ORK_INT m, ORK_INT n, float alpha, const float* a, ORK_INT lda, float* b, ORK_INT ldb);
+void ORK_NAME(dtrsm)(CBLAS_LAYOUT layout, CBLAS_SIDE side, CBLAS_UPLO uplo, CBLAS_TRANSPOSE transa, CBLAS_DIAG diag,
+                     ORK_INT m, ORK_INT n, double alpha, const double* a, ORK_INT lda, double* b, ORK_INT ldb);
+void ORK_NAME(ctrsm)(CBLAS_LAYOUT layout, CBLAS_SIDE side, CBLAS_UPLO uplo, CBLAS_TRANSPOSE transa, CBLAS_DIAG diag,
+                     ORK_INT m, ORK_INT n, const void* alpha, const void* a, ORK_INT lda, void* b, ORK_INT ldb);
+void ORK_NAME(ztrsm)(CBLAS_LAYOUT layout, CBLAS_SIDE side, CBLAS_UPLO uplo, CBLAS_TRANSPOSE transa, CBLAS_DIAG diag,
+                     ORK_INT m, ORK_INT n, const void* alpha, const void* a, ORK_INT lda, void* b, ORK_INT ldb);
+
+/* gemm by three real products instead of four: faster, with errors of the size of the larger part of an element. */
+void ORK_NAME(cgemm3m)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE transa, CBLAS_TRANSPOSE transb, ORK_INT m, ORK_INT n,
+                       ORK_INT k, const void* alpha, const void* a, ORK_INT lda, const void* b, ORK_INT ldb,
+                       const void* beta, void* c, ORK_INT ldc);
+void ORK_NAME(zgemm3m)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE transa, CBLAS_TRANSPOSE transb, ORK_INT m, ORK_INT n,
+                       ORK_INT k, const void* alpha, const void* a, ORK_INT lda, const void* b, ORK_INT ldb,
+                       const void* beta, void* c, ORK_INT ldc);
+
+/* batch_size multiplies of one shape: the i-th, from 0 on, of the matrices at a + i stridea, b + i strideb, c + i
+   stridec. */
+void ORK_NAME(sgemm_batch_strided)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE transa, CBLAS_TRANSPOSE transb, ORK_INT m,
+                                   ORK_INT n, ORK_INT k, float alpha, const float* a, ORK_INT lda, ORK_INT stridea,
+                                   const float* b, ORK_INT ldb, ORK_INT strideb, float beta, float* c, ORK_INT ldc,
+                                   ORK_INT stridec, ORK_INT batch_size);
+void ORK_NAME(dgemm_batch_strided)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE transa, CBLAS_TRANSPOSE transb, ORK_INT m,
+                                   ORK_INT n, ORK_INT k, double alpha, const double* a, ORK_INT lda, ORK_INT stridea,
+                                   const double* b, ORK_INT ldb, ORK_INT strideb, double beta, double* c, ORK_INT ldc,
+                                   ORK_INT stridec, ORK_INT batch_size);
+void ORK_NAME(cgemm_batch_strided)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE transa, CBLAS_TRANSPOSE transb, ORK_INT m,
+                                   ORK_INT n, ORK_INT k, const void* alpha, const void* a, ORK_INT lda, ORK_INT stridea,
+                                   const void* b, ORK_INT ldb, ORK_INT strideb, const void* beta, void* c, ORK_INT ldc,
+                                   ORK_INT stridec, ORK_INT batch_size);
+void ORK_NAME(zgemm_batch_strided)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE transa, CBLAS_TRANSPOSE transb, ORK_INT m,
+                                   ORK_INT n, ORK_INT k, const void* alpha, const void* a, ORK_INT lda, ORK_INT stridea,
+                                   const void* b, ORK_INT ldb, ORK_INT strideb, const void* beta, void* c, ORK_INT ldc,
+                                   ORK_INT stridec, ORK_INT batch_size);

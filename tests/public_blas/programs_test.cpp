@@ -75,6 +75,8 @@ TEST(DropIn, ExportsTheBlasAndNothingElse)
     const auto c = [&](std::string name) { want.insert("cblas_" + name); };
 #define ROUTINE(n, routine, ...) fortran(#routine), c(#routine);
 #define ORDERED_ROUTINE ROUTINE
+#define FORTRAN_ROUTINE(n, routine, ...) fortran(#routine);
+#define OWN_ROUTINE(...)
 #define EXTENSION_FUNCTION ROUTINE
 #define FUNCTION(n, routine, ...) fortran(#routine), fortran(#routine "sub"), c(#routine);
 #define COMPLEX_FUNCTION(n, routine, ...) fortran(#routine), fortran(#routine "sub"), c(#routine "_sub");
