@@ -206,12 +206,12 @@ template <bool subtract, int count, class I, class C, class T, int registers>
     }
 }
 
-// body(i) for i = 0, count, 2 count ... and then one at a time, or backwards. In a whole leaf i is a constant, so that
-// every inner loop has its own length for the branch predictor to learn.
-template <int count, bool forward, class Body>
+// body(i) for i = 0, count, 2 count ... and then one at a time, or backwards. In a whole leaf of real numbers i is a
+// constant, so that every inner loop has its own length for the branch predictor to learn.
+template <int count, bool forward, bool constants, class Body>
 [[gnu::always_inline]] inline void for_each_slice(Int n, Body&& body)
 {
-    if (n == leaf) {
+    if (constants && n == leaf) {
         [&]<Int... i>(std::integer_sequence<Int, i...>) {
             (body.template operator()<count>(
                  std::integral_constant<Int, (forward ? i * count : leaf - (i + 1) * count)>()),

@@ -38,7 +38,7 @@ struct MultiplyLeaf {
     void run(const C& c, S& strip, Int n) const
     {
         constexpr int width = together<T, S::width / S::lanes>;
-        for_each_slice<width, false>(n, [&]<int count>(auto i) __attribute__((always_inline)) { slices<unit, count>(c, strip, i); });
+        for_each_slice<width, false, !is_complex<T>>(n, [&]<int count>(auto i) __attribute__((always_inline)) { slices<unit, count>(c, strip, i); });
     }
 };
 

@@ -16,7 +16,7 @@ struct SolveLeaf {
         if (!invert(d, inverse[i])) divides = true;
     }
 
-    template <bool unit, int count, class I, class C, class S>
+    template <bool unit, bool dividing, int count, class I, class C, class S>
     [[gnu::always_inline]] void slices(const C& c, S& strip, I i) const
     {
         constexpr int registers = S::width / S::lanes;
@@ -31,27 +31,30 @@ struct SolveLeaf {
 #pragma GCC unroll 8
             for (int r = 0; r < registers; ++r) {
                 if (s == 1) x[s][r] = accumulate<true>(x[s][r], c(i + 1, i), x[0][r]);
-                if constexpr (!unit)
-                    x[s][r] = divides ? quotient(x[s][r], diagonal[i + s]) : times(Element<T>(&inverse[i + s]), x[s][r]);
+                if constexpr (!unit && !dividing) x[s][r] = times(Element<T>(&inverse[i + s]), x[s][r]);
             }
             strip.put(i + s, x[s]);
         }
+        if constexpr (!unit && dividing)
+            for (int r = 0; r < S::width; ++r) {
+                T& element = strip.first[i * strip.step + r];
+                element = divide(element, diagonal[i]);
+            }
     }
 
     template <bool unit, class C, class S>
     void run(const C& c, S& strip, Int n) const
     {
-        constexpr int width = together<T, S::width / S::lanes>;
-        for_each_slice<width, true>(n, [&]<int count>(auto i) __attribute__((always_inline)) { slices<unit, count>(c, strip, i); });
+        if (divides) return run_dividing<unit>(c, strip, n);
+        for_each_slice<together<T, S::width / S::lanes>, true, !is_complex<T>>(
+            n, [&]<int count>(auto i) __attribute__((always_inline)) { slices<unit, false, count>(c, strip, i); });
     }
 
 private:
-    [[gnu::noinline, gnu::cold]] static Vec<T> quotient(Vec<T> x, T d)
+    template <bool unit, class C, class S>
+    [[gnu::noinline, gnu::cold]] void run_dividing(const C& c, S& strip, Int n) const
     {
-        T lanes[Vec<T>::lanes];
-        store<Vec<T>::lanes>(lanes, x);
-        for (T& lane : lanes) lane = divide(lane, d);
-        return load<Vec<T>::lanes>(lanes);
+        for (Int i = 0; i < n; ++i) slices<unit, true, 1>(c, strip, i);
     }
 };
 
