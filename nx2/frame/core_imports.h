@@ -16,6 +16,11 @@ IMPORT(ork_serv_deallocate)
 IMPORT(ork_serv_get_microarchitecture)
 IMPORT(ork_serv_cache_info)
 
+// Memory for objects that callers keep (blas/gemm/recorded.h)
+IMPORT(ork_serv_malloc)
+IMPORT(ork_serv_free)
+IMPORT(ork_serv_check_ptr_and_warn)
+
 // The reproducibility switch, which chooses between loops in level 2
 IMPORT(ork_serv_cbwr_get)
 

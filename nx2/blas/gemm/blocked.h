@@ -97,8 +97,12 @@ void multiply_blocked(const Product<T, S>& p, Desc& desc, Part part)
                         packed = true;
                     }
                 if (!packed) pack_a(p.a.from(i, l), rows, depth, packed_a, desc.a.panel_stride, p.alpha);
-                const PackedBlock<T> block{reinterpret_cast<PackedKernel<T>*>(r.kernel), packed_a, packed_b,
-                                           desc.a.panel_stride, desc.b.panel_stride, round_up(depth, Units<T>::k)};
+                const PackedBlock<T> block{reinterpret_cast<PackedKernel<T>*>(r.kernel),
+                                           packed_a,
+                                           packed_b,
+                                           desc.a.panel_stride,
+                                           desc.b.panel_stride,
+                                           round_up(depth, Units<T>::k)};
                 part.multiply(block, i, rows, j, columns, p.overwrite && l == 0, p.c, p.ldc);
             }
         }

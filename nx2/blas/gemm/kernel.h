@@ -46,20 +46,11 @@ inline void edge_sums(Int rows, Int depth, const T* a, Int a_stride, const T* b,
     constexpr int step = 16 / sizeof(R);
     Sums<Arrangement::broadcast, vectors> sums[together] = {};
     const R* x = reinterpret_cast<const R*>(b);
-    const auto half = [](const R* p) -> Vec<R> {
+    const auto half = [](const R* p) {
         const double* pair = reinterpret_cast<const double*>(p);
-        const __m128d v = halves < 2 * vectors ? _mm_load_sd(pair) : _mm_loaddup_pd(pair);
-        if constexpr (sizeof(R) == 8)
-            return {v};
-        else
-            return {_mm_castpd_ps(v)};
+        return from_bits<R>(halves < 2 * vectors ? _mm_load_sd(pair) : _mm_loaddup_pd(pair));
     };
-    const auto add = [](__m128d& sum, Vec<R> product) {
-        if constexpr (sizeof(R) == 8)
-            sum = _mm_add_pd(sum, product.v);
-        else
-            sum = _mm_castps_pd(_mm_add_ps(_mm_castpd_ps(sum), product.v));
-    };
+    const auto add = [](__m128d& sum, Vec<R> product) { sum = bits(from_bits<R>(sum) + product); };
     for (Int l = 0; l < depth; ++l, x += vectors * step) {
 #pragma GCC unroll 4
         for (int i = 0; i < together; ++i) {

@@ -39,8 +39,8 @@ Operand<T> columns_of(Op op, const T* b, Int ldb)
     return {b, op.transposed ? 1 : ldb, op.transposed ? ldb : 1, op.conjugated};
 }
 
-// S is the type of alpha: T, or its real type where the formula has a real one, which must not meet the other part of an
-// infinite number.
+// S is the type of alpha: T, or its real type where the formula has a real one, which must not meet the other part of
+// an infinite number.
 template <class T, class S = T>
 struct Product {
     Int m, n, k;

@@ -48,8 +48,7 @@ struct Triangle {
         if (!lower) {
             const Int crossed = row + rows - column; // columns from here on are wanted whole
             j = crossed <= 0 ? 0 : crossed < columns ? round_up(crossed, width) : columns;
-            if (j < columns)
-                block.multiply(0, rows, j, columns - j, overwrite, c + row + (column + j) * ldc, ldc);
+            if (j < columns) block.multiply(0, rows, j, columns - j, overwrite, c + row + (column + j) * ldc, ldc);
         }
         const Int from = lower ? j : 0, to = lower ? columns : j < columns ? j : columns;
         for (Int p = from; p < to; p += width) {
@@ -83,25 +82,25 @@ private:
     template <bool overwrite, class T, class S>
     void add_tiles(const Product<T, S>& p) const
     {
-        for_each_panel(p, [&]<int vectors, bool full>(Int row, const T* a, Int a_stride, Tail tail, Int first,
-                                                      Int last) {
-            const auto columns = [&](Int from, Int count, T* c, Int ldc) {
-                auto part = p;
-                part.n = count;
-                part.b = p.b.from(from, 0);
-                part.c = c;
-                part.ldc = ldc;
-                return part;
-            };
-            const Int from = lower ? 0 : last, count = lower ? first : p.n - last;
-            if (count > 0)
-                direct_panel<overwrite, vectors, full>(columns(from, count, p.c + from * p.ldc, p.ldc), row, a,
-                                                       a_stride, tail);
-            constexpr Int height = 2 * Vec<T>::lanes;
-            alignas(16) T sums[height * height];
-            direct_panel<true, vectors, full>(columns(first, last - first, sums, height), 0, a, a_stride, tail);
-            add_corner(lower, overwrite, sums, height, row, first, last, first, last - first, p.c, p.ldc);
-        });
+        for_each_panel(
+            p, [&]<int vectors, bool full>(Int row, const T* a, Int a_stride, Tail tail, Int first, Int last) {
+                const auto columns = [&](Int from, Int count, T* c, Int ldc) {
+                    auto part = p;
+                    part.n = count;
+                    part.b = p.b.from(from, 0);
+                    part.c = c;
+                    part.ldc = ldc;
+                    return part;
+                };
+                const Int from = lower ? 0 : last, count = lower ? first : p.n - last;
+                if (count > 0)
+                    direct_panel<overwrite, vectors, full>(columns(from, count, p.c + from * p.ldc, p.ldc), row, a,
+                                                           a_stride, tail);
+                constexpr Int height = 2 * Vec<T>::lanes;
+                alignas(16) T sums[height * height];
+                direct_panel<true, vectors, full>(columns(first, last - first, sums, height), 0, a, a_stride, tail);
+                add_corner(lower, overwrite, sums, height, row, first, last, first, last - first, p.c, p.ldc);
+            });
     }
 };
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// A triangle of order at most `leaf` against slices: a strip of a few registers of every slice at a time is brought into
-// a buffer, where elements of different rows or columns of B stand in the lanes, and comes back when it is done. Strips
-// of eight registers hide the time of a division behind the others.
+// A triangle of order at most `leaf` against slices: a strip of a few registers of every slice at a time is brought
+// into a buffer, where elements of different rows or columns of B stand in the lanes, and comes back when it is done.
+// Strips of eight registers hide the time of a division behind the others.
 //
 // Order: a solve subtracts coefficient(i, l) x_l from b_i one after another in the order in which the x_l become known,
 // then multiplies with the inverse of the diagonal (it divides where that would overflow or lose digits); a product
@@ -212,7 +212,8 @@ template <int count, bool forward, bool constants, class Body>
 [[gnu::always_inline]] inline void for_each_slice(Int n, Body&& body)
 {
     if (constants && n == leaf) {
-        [&]<Int... i>(std::integer_sequence<Int, i...>) {
+        [&]<Int... i>(std::integer_sequence<Int, i...>)
+        {
             (body.template operator()<count>(
                  std::integral_constant<Int, (forward ? i * count : leaf - (i + 1) * count)>()),
              ...);

@@ -31,8 +31,7 @@ struct TriangleOf {
     {
         const bool adds = !(alpha == S(0)) && k > 0;
         if (!(beta == B(1)) && !(beta == B(0) && adds))
-            for (Int j = 0; j < n; ++j)
-                gemm::scale(lower ? n - j : j + 1, 1, beta, c + (lower ? j : 0) + j * ldc, ldc);
+            for (Int j = 0; j < n; ++j) gemm::scale(lower ? n - j : j + 1, 1, beta, c + (lower ? j : 0) + j * ldc, ldc);
         return adds;
     }
 
@@ -76,8 +75,8 @@ void syr2k(TriangleOf<T> c, char trans, Int k, T alpha, const T* a, Int lda, con
     c.add(alpha, k, rows_of(left, b, ldb), columns_of(right, a, lda), false);
 }
 
-// C <- alpha A A^H + beta C, or alpha A^H A + beta C; alpha and beta are real. Imaginary parts of the diagonal are taken
-// to be zero and made so, except where C stays as it is.
+// C <- alpha A A^H + beta C, or alpha A^H A + beta C; alpha and beta are real. Imaginary parts of the diagonal are
+// taken to be zero and made so, except where C stays as it is.
 template <class R>
 void herk(TriangleOf<Complex<R>> c, char trans, Int k, R alpha, const Complex<R>* a, Int lda, R beta)
 {
@@ -90,8 +89,8 @@ void herk(TriangleOf<Complex<R>> c, char trans, Int k, R alpha, const Complex<R>
     c.make_diagonal_real();
 }
 
-// C <- alpha A B^H + conj(alpha) B A^H + beta C, or alpha A^H B + conj(alpha) B^H A + beta C; beta is real. The diagonal
-// as in herk.
+// C <- alpha A B^H + conj(alpha) B A^H + beta C, or alpha A^H B + conj(alpha) B^H A + beta C; beta is real. The
+// diagonal as in herk.
 template <class R>
 void her2k(TriangleOf<Complex<R>> c, char trans, Int k, Complex<R> alpha, const Complex<R>* a, Int lda,
            const Complex<R>* b, Int ldb, R beta)

@@ -97,8 +97,8 @@ void symm(bool left, bool lower, Int m, Int n, T alpha, const T* a, Int lda, con
                 multiply(Product<T>{count, n, depth, alpha, part, {b + l, ldb, 1}, c + first, ldc, clears && l == 0});
             } else {
                 part.conjugated = part.conjugated != hermitian; // A(l, i) instead of A(i, l)
-                multiply(Product<T>{m, count, depth, alpha, {b + l * ldb, 1, ldb}, part, c + first * ldc, ldc,
-                                    clears && l == 0});
+                multiply(Product<T>{
+                    m, count, depth, alpha, {b + l * ldb, 1, ldb}, part, c + first * ldc, ldc, clears && l == 0});
             }
         };
         add(0, l, matrix.beside(0, l));
@@ -118,8 +118,8 @@ using Ptr = const std::int64_t*;
 using Letter = const char*;
 
 #define MEMBER(routine, T, hermitian)                                                                                  \
-    ORK_EXPORT void ork_blas_nx2_x##routine(Letter side, Letter uplo, Ptr m, Ptr n, const T* alpha, const T* a, Ptr lda, \
-                                            const T* b, Ptr ldb, const T* beta, T* c, Ptr ldc)                         \
+    ORK_EXPORT void ork_blas_nx2_x##routine(Letter side, Letter uplo, Ptr m, Ptr n, const T* alpha, const T* a,        \
+                                            Ptr lda, const T* b, Ptr ldb, const T* beta, T* c, Ptr ldc)                \
     {                                                                                                                  \
         level3::symm<hermitian>((*side & ~0x20) == 'L', (*uplo & ~0x20) == 'L', *m, *n, *alpha, a, *lda, b, *ldb,      \
                                 *beta, c, *ldc);                                                                       \

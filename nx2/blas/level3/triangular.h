@@ -51,11 +51,11 @@ void add_slices(const Coefficients<T>& t, const Slices<T>& x, Int i, Int rows, I
 {
     const Operand<T> square{t.at(i, l), t.i_stride, t.l_stride, t.conjugated};
     if (x.rows)
-        gemm::multiply(gemm::Product<T>{rows, x.length, depth, scale, square, {x.at(l, 0), x.ldb, 1}, x.at(i, 0),
-                                        x.ldb, false});
+        gemm::multiply(
+            gemm::Product<T>{rows, x.length, depth, scale, square, {x.at(l, 0), x.ldb, 1}, x.at(i, 0), x.ldb, false});
     else
-        gemm::multiply(gemm::Product<T>{x.length, rows, depth, scale, {x.at(l, 0), 1, x.ldb}, square, x.at(i, 0),
-                                        x.ldb, false});
+        gemm::multiply(
+            gemm::Product<T>{x.length, rows, depth, scale, {x.at(l, 0), 1, x.ldb}, square, x.at(i, 0), x.ldb, false});
 }
 
 // Order of the first part: the largest leaf * 2^q below n, so that blocks of depth stay whole.

@@ -38,7 +38,8 @@ struct MultiplyLeaf {
     void run(const C& c, S& strip, Int n) const
     {
         constexpr int width = together<T, S::width / S::lanes>;
-        for_each_slice<width, false, !is_complex<T>>(n, [&]<int count>(auto i) __attribute__((always_inline)) { slices<unit, count>(c, strip, i); });
+        for_each_slice<width, false, !is_complex<T>>(
+            n, [&]<int count>(auto i) __attribute__((always_inline)) { slices<unit, count>(c, strip, i); });
     }
 };
 
@@ -59,10 +60,10 @@ using Ptr = const std::int64_t*;
 using Letter = const char*;
 
 #define MEMBER(p, T)                                                                                                   \
-    ORK_EXPORT void ork_blas_nx2_x##p##trmm(Letter side, Letter uplo, Letter transa, Letter diag, Ptr m, Ptr n,          \
+    ORK_EXPORT void ork_blas_nx2_x##p##trmm(Letter side, Letter uplo, Letter transa, Letter diag, Ptr m, Ptr n,        \
                                             const T* alpha, const T* a, Ptr lda, T* b, Ptr ldb)                        \
     {                                                                                                                  \
-        level3::triangular<level3::Multiply>(*side, *uplo, *transa, *diag, *m, *n, *alpha, a, *lda, b, *ldb);             \
+        level3::triangular<level3::Multiply>(*side, *uplo, *transa, *diag, *m, *n, *alpha, a, *lda, b, *ldb);          \
     }
 MEMBER(s, float)
 MEMBER(d, double)

@@ -75,7 +75,7 @@ using Ptr = const std::int64_t*;
 using Letter = const char*;
 
 #define MEMBER(p, T)                                                                                                   \
-    ORK_EXPORT void ork_blas_nx2_x##p##trsm(Letter side, Letter uplo, Letter transa, Letter diag, Ptr m, Ptr n,          \
+    ORK_EXPORT void ork_blas_nx2_x##p##trsm(Letter side, Letter uplo, Letter transa, Letter diag, Ptr m, Ptr n,        \
                                             const T* alpha, const T* a, Ptr lda, T* b, Ptr ldb)                        \
     {                                                                                                                  \
         level3::triangular<level3::Solve>(*side, *uplo, *transa, *diag, *m, *n, *alpha, a, *lda, b, *ldb);             \
