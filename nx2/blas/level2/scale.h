@@ -27,20 +27,27 @@ struct Multiplied {
     }
 };
 
+template <class T, class Step>
+inline void each_of(Int n, const Step& step, Strided<T> y)
+{
+    if (y.contiguous()) return elementwise::adjacent(n, step, y.first, y.first);
+#pragma GCC unroll 8
+    for (Int i = 0; i < n; ++i) step.template at<1>(y.at(i), y.at(i));
+}
+
+template <class T>
+[[gnu::noinline]] void multiply_or_clear(Int n, T beta, Strided<T> y)
+{
+    if (beta == T{})
+        each_of(n, Cleared<T>{}, y);
+    else
+        each_of(n, Multiplied<T>{Factor<T>(beta)}, y);
+}
+
 template <class T>
 inline void scale(Int n, T beta, Strided<T> y)
 {
-    const auto run = [&](const auto& step) {
-        if (y.contiguous()) return elementwise::adjacent(n, step, y.first, y.first);
-        T* element = y.first;
-#pragma GCC unroll 8
-        for (Int i = 0; i < n; ++i, element += y.inc) step.template at<1>(element, element);
-    };
-    if (beta == T(1)) return;
-    if (beta == T{})
-        run(Cleared<T>{});
-    else
-        run(Multiplied<T>{Factor<T>(beta)});
+    if (!(beta == T(1))) multiply_or_clear(n, beta, y);
 }
 
 } // namespace ork::level2

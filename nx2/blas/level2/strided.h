@@ -4,21 +4,23 @@
 // runs along its rows.
 #pragma once
 
+#include <type_traits>
+
 #include "blas/elementwise.h"
 
 namespace ork::level2 {
 
 constexpr Int panel = 128, chunk = 1000;
 
+// Room for elements that are written before they are read.
 template <class T, Int size>
-struct Buffer {
-    alignas(16) T data[size]; // not initialised
-    operator T*() { return data; }
-};
-template <class R, Int size>
-struct Buffer<Complex<R>, size> {
-    alignas(16) R numbers[2 * size];
-    operator Complex<R>*() { return reinterpret_cast<Complex<R>*>(numbers); }
+class Buffer {
+public:
+    T* data() { return reinterpret_cast<T*>(numbers_); }
+    operator T*() { return data(); }
+
+private:
+    alignas(16) Real<T> numbers_[size * (sizeof(T) / sizeof(Real<T>))];
 };
 
 // Element i stands at first + i * inc; with a negative increment element 0 is the last in memory. An increment of 0
@@ -43,14 +45,14 @@ struct Strided {
 
 // Addresses may be any, as everywhere.
 template <class T>
-inline void gather(Int n, Strided<const T> x, T* buffer)
+inline void gather(Int n, Strided<const T> x, std::type_identity_t<T>* buffer)
 {
 #pragma GCC unroll 4
     for (Int i = 0; i < n; ++i) buffer[i] = get(x.at(i));
 }
 
 template <class T>
-inline void scatter(Int n, const T* buffer, Strided<T> y)
+inline void scatter(Int n, const std::type_identity_t<T>* buffer, Strided<T> y)
 {
 #pragma GCC unroll 4
     for (Int i = 0; i < n; ++i) put(y.at(i), buffer[i]);

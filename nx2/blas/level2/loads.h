@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: MIT
+// How a matrix is read. None of it changes a bit of any result.
+#pragma once
+
+#include "blas/level2/options.h"
+#include "blas/level2/strided.h"
+
+namespace ork::level2 {
+
+struct Loads {
+    bool aligned = false; // every column begins at a multiple of 16 bytes
+    bool far = false;     // it comes from memory: lines are asked for ahead of their turn
+};
+
+// A third more speed from memory, but a tenth less from the caches, so only what exceeds them.
+constexpr Int far_bytes = 16 << 20;
+
+template <class T>
+inline Loads loads_of(Int m, Int n, const T* a, Int lda)
+{
+    return {aligned16(a) && lda * Int(sizeof(T)) % 16 == 0, m * n * Int(sizeof(T)) >= far_bytes};
+}
+
+// Calls body.operator()<aligned, far>().
+template <class Body>
+inline void with_loads(Loads loads, Body&& body)
+{
+    with_flag(loads.aligned, [&]<bool aligned>() {
+        with_flag(loads.far, [&]<bool far>() { body.template operator()<aligned, far>(); });
+    });
+}
+
+// The factor of a product that has none.
+struct One {};
+template <class T>
+inline T operator*(One, T x)
+{
+    return x;
+}
+
+template <bool aligned, int width, class T>
+[[gnu::always_inline]] inline Vec<T> load_column(const T* p)
+{
+    if constexpr (aligned && width == Vec<T>::lanes) {
+        if constexpr (is_complex<T>)
+            return {load_aligned(reals(p))};
+        else
+            return load_aligned(p);
+    } else {
+        return load<width>(p);
+    }
+}
+
+// Where `count` <= 8 adjacent columns are read, the same row of all. Two pointers and the leading dimension in bytes
+// address eight; left to itself the compiler keeps a pointer for each and runs out of registers.
+template <bool aligned, int count, class T>
+class Reader {
+public:
+    Reader(const T* a, Int lda)
+        : near_(reinterpret_cast<const char*>(a)), bytes_(lda * Int(sizeof(T))), far_(near_ + 4 * bytes_),
+          three_(3 * bytes_)
+    {
+    }
+    // Column j, i rows below the present one.
+    [[gnu::always_inline]] const T* at(int j, int i = 0) const
+    {
+        return reinterpret_cast<const T*>(byte(j) + i * Int(sizeof(T)));
+    }
+    template <int width>
+    [[gnu::always_inline]] Vec<T> load(int j, int i = 0) const
+    {
+        return load_column<aligned, width>(at(j, i));
+    }
+    [[gnu::always_inline]] void advance(Int rows)
+    {
+        near_ += rows * Int(sizeof(T));
+        asm("" : "+r"(near_));
+        if constexpr (count > 4) {
+            far_ += rows * Int(sizeof(T));
+            asm("" : "+r"(far_));
+        }
+    }
+    // The lines `ahead` bytes below the present row, of every column. Never faults.
+    [[gnu::always_inline]] void prefetch() const
+    {
+#pragma GCC unroll 8
+        for (int j = 0; j < count; ++j)
+            _mm_prefetch(reinterpret_cast<const char*>(reinterpret_cast<std::uintptr_t>(byte(j)) + ahead), _MM_HINT_T0);
+    }
+
+private:
+    const char* byte(int j) const
+    {
+        const char* p = j < 4 ? near_ : far_;
+        return j % 4 == 0 ? p : j % 4 == 1 ? p + bytes_ : j % 4 == 2 ? p + 2 * bytes_ : p + three_;
+    }
+    const char* near_;
+    Int bytes_;
+    const char* far_;
+    Int three_;
+};
+
+} // namespace ork::level2
