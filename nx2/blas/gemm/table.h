@@ -70,7 +70,8 @@ struct Routines {
     // Of real numbers the conjugated copy is the transposed one, the same routine.
     static constexpr char conjugate_copy = is_complex<T> ? 'C' : 'T';
 
-    static const ork_gemm_row rows[2]; // of which Units<T>::kernels count
+    static constexpr int kernels = Units<T>::kernels; // that count of these
+    static const ork_gemm_row rows[2];
 
     // Row 1 for model 66, the core's word for processors that broadcast in the load unit; row 0 for every other.
     static std::uint32_t best_row()

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+// The multiply of a real by a complex matrix in single precision: kernel table and exports.
+#include "blas/gemm/mixed.h"
+#include "frame/export.h"
+
+#define GEMM(suffix) ork_blas_nx2_scgemm_##suffix
+using TA = float;
+using TB = ork::Complex<float>;
+using T = ork::Complex<float>;
+using R = ork::gemm::Mixed<float>;
+#include "blas/gemm/table_exports.inc"
+
+ORK_EXPORT void ork_blas_nx2_xscgemm(const char* transa, const char* transb, Ptr m, Ptr n, Ptr k, const T* alpha,
+                                     const TA* a, Ptr lda, const TB* b, Ptr ldb, const T* beta, T* c, Ptr ldc)
+{
+    ork::gemm::drive_mixed(*transa, *transb, *m, *n, *k, *alpha, a, *lda, b, *ldb, *beta, c, *ldc);
+}
