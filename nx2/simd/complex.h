@@ -200,6 +200,8 @@ private:
 // Between the types of the boundary and these.
 inline float* pairs(float* p) { return p; }
 inline double* pairs(double* p) { return p; }
+inline const float* pairs(const float* p) { return p; }
+inline const double* pairs(const double* p) { return p; }
 inline Complex<float>* pairs(ork_complex_float* p) { return reinterpret_cast<Complex<float>*>(p); }
 inline Complex<double>* pairs(ork_complex_double* p) { return reinterpret_cast<Complex<double>*>(p); }
 inline const Complex<float>* pairs(const ork_complex_float* p) { return reinterpret_cast<const Complex<float>*>(p); }
