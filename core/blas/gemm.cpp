@@ -6,22 +6,9 @@
 
 #include <algorithm>
 
-#include "threads/pool.h"
+#include "blas/strips.h"
 
 namespace ork::blas {
-
-namespace {
-
-// Blocks start at multiples of this, which holds a whole number of micro-tiles of every kernel in both directions.
-constexpr std::int64_t grain = 8;
-
-std::int64_t share(std::int64_t size, int parts)
-{
-    const std::int64_t grains = (size + grain - 1) / grain;
-    return (grains + parts - 1) / parts * grain;
-}
-
-} // namespace
 
 GemmGrid gemm_grid(std::int64_t m, std::int64_t n, std::int64_t k, int threads)
 {
@@ -37,7 +24,7 @@ GemmGrid gemm_grid(std::int64_t m, std::int64_t n, std::int64_t k, int threads)
     double lowest = cost(static_cast<double>(m), static_cast<double>(n));
     for (int row_parts = 1; row_parts <= threads; ++row_parts) {
         const int column_parts = threads / row_parts;
-        const std::int64_t rows = share(m, row_parts), columns = share(n, column_parts);
+        const std::int64_t rows = strip_length(m, row_parts), columns = strip_length(n, column_parts);
         const double c = cost(static_cast<double>(rows), static_cast<double>(columns));
         if (!(c < lowest)) continue;
         lowest = c;

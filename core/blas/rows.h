@@ -7,8 +7,10 @@
 #include "blas/gemm_batch.h"
 #include "blas/kernels.h"
 #include "blas/norm.h"
+#include "blas/rank_k.h"
 #include "blas/routine.h"
 #include "blas/shapes.h"
+#include "blas/side.h"
 
 namespace ork::blas::rows {
 

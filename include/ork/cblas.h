@@ -54,7 +54,8 @@ typedef enum CBLAS_SIDE ORK_ENUM { CblasLeft = 141, CblasRight = 142 } CBLAS_SID
 void cblas_xerbla(int32_t position, const char* routine, const char* form, ...);
 void cblas_xerbla64_(int64_t position, const char* routine, const char* form, ...);
 
-/* Words that testers written for the reference look at. Always 0: positions are reported as the caller counts them. */
+/* Words that testers written for the reference look at. RowMajorStrg is 0 in cblas_xerbla, because positions are those
+   that the caller counts. */
 extern int RowMajorStrg;
 extern int CBLAS_CallFromC;
 
