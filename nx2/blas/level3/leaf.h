@@ -97,12 +97,15 @@ struct Strip {
     T* first; // of the slice that the work starts with
     Int step; // from slice to slice of the work
 
-    Vec<T> get(Int slice, int r) const { return load<lanes>(first + slice * step + r * lanes); }
-    void put(Int slice, const Vec<T> (&x)[registers])
+    [[gnu::always_inline]] void get(Int slice, Vec<T> (&x)[registers]) const
     {
-        T* to = first + slice * step;
 #pragma GCC unroll 8
-        for (int r = 0; r < registers; ++r) store<lanes>(to + r * lanes, x[r]);
+        for (int r = 0; r < registers; ++r) x[r] = load<lanes>(first + slice * step + r * lanes);
+    }
+    [[gnu::always_inline]] void put(Int slice, const Vec<T> (&x)[registers])
+    {
+#pragma GCC unroll 8
+        for (int r = 0; r < registers; ++r) store<lanes>(first + slice * step + r * lanes, x[r]);
     }
 
     void start(bool forward, Int n, T* slices, Int stride)
@@ -187,68 +190,105 @@ struct Strip {
     }
 };
 
-// `count` slices from i on take their coefficients times the slices before.
-template <bool subtract, int count, class I, class C, class T, int registers>
-[[gnu::always_inline]] inline void accumulate_slices(const C& c, const Strip<T, registers>& strip, I i,
+// `count` slices from i on take their coefficients times the slices before, which stand at x, `step` apart.
+template <bool subtract, int count, int registers, class I, class C, class T>
+[[gnu::always_inline]] inline void accumulate_slices(const C& c, const T* x, Int step, I i,
                                                      Vec<T> (&sum)[count][registers])
 {
     C at = c;
     at.first += i * c.i_step;
-    const T* x = strip.first;
-    for (Int l = 0; l < i; ++l, at.first += c.l_step, x += strip.step) {
-        const Element<T> own = at(0, 0), next = at(count - 1, 0);
+    for (Int l = 0; l < i; ++l, at.first += c.l_step, x += step)
+#pragma GCC unroll 4
+        for (int s = 0; s < count; ++s) {
+            const Element<T> e = at(s, 0);
 #pragma GCC unroll 8
-        for (int r = 0; r < registers; ++r) {
-            const Vec<T> v = load<Vec<T>::lanes>(x + r * Vec<T>::lanes);
-            sum[0][r] = accumulate<subtract>(sum[0][r], own, v);
-            if constexpr (count == 2) sum[1][r] = accumulate<subtract>(sum[1][r], next, v);
+            for (int r = 0; r < registers; ++r)
+                sum[s][r] = accumulate<subtract>(sum[s][r], e, load<Vec<T>::lanes>(x + r * Vec<T>::lanes));
         }
-    }
 }
 
-// body(i) for i = 0, count, 2 count ... and then one at a time, or backwards. In a whole leaf of real numbers i is a
+// Rows of B in registers: squares of lanes x lanes elements are transposed on their way, so that `lanes` slices from i
+// on stand in x, in the order of the work.
+template <class T, int registers, bool forward>
+struct Squares {
+    static constexpr int lanes = Vec<T>::lanes;
+    T* b; // element `from` of slice 0
+    Int ldb, n;
+
+    T* corner(Int i) const { return b + (forward ? i : n - i - lanes); }
+    static constexpr int place(int s) { return forward ? s : lanes - 1 - s; }
+
+    [[gnu::always_inline]] void get(Int i, Vec<T> (&x)[lanes][registers]) const
+    {
+        const T* column = corner(i);
+#pragma GCC unroll 8
+        for (int r = 0; r < registers; ++r) {
+            Vec<T> square[lanes];
+#pragma GCC unroll 4
+            for (int s = 0; s < lanes; ++s) square[s] = load<lanes>(column + (r * lanes + s) * ldb);
+            transpose(square);
+#pragma GCC unroll 4
+            for (int s = 0; s < lanes; ++s) x[place(s)][r] = square[s];
+        }
+    }
+    [[gnu::always_inline]] void put(Int i, const Vec<T> (&x)[lanes][registers]) const
+    {
+        T* column = corner(i);
+#pragma GCC unroll 8
+        for (int r = 0; r < registers; ++r) {
+            Vec<T> square[lanes];
+#pragma GCC unroll 4
+            for (int s = 0; s < lanes; ++s) square[s] = x[place(s)][r];
+            transpose(square);
+#pragma GCC unroll 4
+            for (int s = 0; s < lanes; ++s) store<lanes>(column + (r * lanes + s) * ldb, square[s]);
+        }
+    }
+};
+
+// body(i) for i = 0, count, 2 count ..., or backwards; n is a multiple of count. In a whole leaf of real numbers i is a
 // constant, so that every inner loop has its own length for the branch predictor to learn.
-template <int count, bool forward, bool constants, class Body>
+template <class T, int count, bool forward, class Body>
 [[gnu::always_inline]] inline void for_each_slice(Int n, Body&& body)
 {
-    if (constants && n == leaf) {
+    if (!is_complex<T> && n == leaf) {
         [&]<Int... i>(std::integer_sequence<Int, i...>)
         {
-            (body.template operator()<count>(
-                 std::integral_constant<Int, (forward ? i * count : leaf - (i + 1) * count)>()),
-             ...);
+            (body(std::integral_constant<Int, (forward ? i * count : leaf - (i + 1) * count)>()), ...);
         }
         (std::make_integer_sequence<Int, leaf / count>());
     } else if (forward) {
-        Int i = 0;
-        for (; i + count <= n; i += count) body.template operator()<count>(i);
-        for (; i < n; ++i) body.template operator()<1>(i);
+        for (Int i = 0; i + count <= n; i += count) body(i);
     } else {
-        Int i = n;
-        for (; i >= count; i -= count) body.template operator()<count>(i - count);
-        for (; i >= 1; --i) body.template operator()<1>(i - 1);
+        for (Int i = n - count; i >= 0; i -= count) body(i);
     }
 }
 
-// Runs Work::strip over all strips of the slices, as many registers wide as there are elements for.
-template <class Work, bool unit, bool conjugated, class T>
+// Runs the work over all strips of the slices, as many registers wide as there are elements for.
+template <class Work, bool conjugated, class T>
 inline void for_each_strip(const Coefficients<T>& t, const Slices<T>& x, Int n)
 {
+    constexpr int lanes = Vec<T>::lanes;
     const Ordered<T, conjugated> c(t, n);
     Work work;
-    if constexpr (!unit)
-        for (Int i = 0; i < n; ++i) work.set_diagonal(i, c.diagonal(i));
+    for (Int i = 0; i < n; ++i) work.set_diagonal(i, t.unit ? T(1) : c.diagonal(i));
     Int from = 0;
+    if (x.rows && n % lanes == 0 && !work.divides())
+        gemm::with_flag(t.lower, [&]<bool forward>() {
+            constexpr int registers = 8 / lanes;
+            Strip<T, registers> strip;
+            for (; from + strip.width <= x.length; from += strip.width)
+                work.squares(c, strip, Squares<T, registers, forward>{x.at(0, from), x.ldb, n}, n);
+        });
     const auto strips = [&]<int registers>(Int until) {
-        using S = Strip<T, registers>;
-        S strip;
-        for (; from < until; from += S::width) {
+        Strip<T, registers> strip;
+        for (; from < until; from += strip.width) {
             strip.fetch(t.lower, x, n, from);
-            work.template run<unit>(c, strip, n);
+            work.slices(c, strip, n);
             strip.bring_back(x, n, from);
         }
     };
-    constexpr Int wide = 8 * Vec<T>::lanes;
+    constexpr Int wide = 8 * lanes;
     strips.template operator()<8>(x.length - wide + 1);
     if (x.length - from > wide / 2) return strips.template operator()<8>(x.length);
     if (x.length - from > wide / 4) return strips.template operator()<4>(x.length);
@@ -258,17 +298,10 @@ inline void for_each_strip(const Coefficients<T>& t, const Slices<T>& x, Int n)
 template <template <class> class Work, class T>
 inline void run_leaf(const Coefficients<T>& t, const Slices<T>& x, Int n)
 {
-    gemm::with_flag(t.unit, [&]<bool unit>() {
-        if constexpr (is_complex<T>)
-            gemm::with_flag(t.conjugated,
-                            [&]<bool conjugated>() { for_each_strip<Work<T>, unit, conjugated>(t, x, n); });
-        else
-            for_each_strip<Work<T>, unit, false>(t, x, n);
-    });
+    if constexpr (is_complex<T>)
+        gemm::with_flag(t.conjugated, [&]<bool conjugated>() { for_each_strip<Work<T>, conjugated>(t, x, n); });
+    else
+        for_each_strip<Work<T>, false>(t, x, n);
 }
-
-// Two slices of real numbers at a time share loads, where their sums fit in half of the registers.
-template <class T, int registers>
-constexpr int together = !is_complex<T> && registers <= 4 ? 2 : 1;
 
 } // namespace ork::level3

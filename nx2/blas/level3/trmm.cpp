@@ -5,42 +5,62 @@
 
 namespace ork::level3 {
 
+// The last slices go first, as they need all the others.
 template <class T>
-struct MultiplyLeaf {
-    T diagonal[leaf];
+class MultiplyLeaf {
+public:
+    void set_diagonal(Int i, T d) { diagonal_[i] = d; }
+    bool divides() const { return false; }
 
-    void set_diagonal(Int i, T d) { diagonal[i] = d; }
-
-    template <bool unit, int count, class I, class C, class S>
-    [[gnu::always_inline]] void slices(const C& c, S& strip, I i) const
+    // `lanes` slices at a time, from a copy of B straight to B.
+    template <class C, int registers, bool forward>
+    void squares(const C& c, Strip<T, registers>& strip, Squares<T, registers, forward> b, Int n) const
     {
-        constexpr int registers = S::width / S::lanes;
-        Vec<T> sum[count][registers];
-#pragma GCC unroll 2
-        for (int s = 0; s < count; ++s)
+        constexpr int lanes = Vec<T>::lanes;
+        strip.copy(Slices<T>{true, b.b, b.ldb, strip.width}, n, 0);
+        strip.start(forward, n, strip.memory, strip.width);
+        for_each_slice<T, lanes, false>(
+            n, [&](auto i) __attribute__((always_inline)) {
+                Vec<T> sum[lanes][registers];
+#pragma GCC unroll 4
+                for (int s = 0; s < lanes; ++s) start(strip, i + s, sum[s]);
+                accumulate_slices<false>(c, strip.first, strip.step, i, sum);
+#pragma GCC unroll 4
+                for (int s = 1; s < lanes; ++s)
+#pragma GCC unroll 4
+                    for (int l = 0; l < s; ++l) {
+                        Vec<T> x[registers];
+                        strip.get(i + l, x);
 #pragma GCC unroll 8
-            for (int r = 0; r < registers; ++r) {
-                sum[s][r] = strip.get(i + s, r);
-                if constexpr (!unit) sum[s][r] = times(Element<T>(&diagonal[i + s]), sum[s][r]);
-            }
-        accumulate_slices<false>(c, strip, i, sum);
-#pragma GCC unroll 2
-        for (int s = count - 1; s >= 0; --s) {
-#pragma GCC unroll 8
-            for (int r = 0; r < registers; ++r)
-                if (s == 1) sum[s][r] = accumulate<false>(sum[s][r], c(i + 1, i), strip.get(i, r));
-            strip.put(i + s, sum[s]);
-        }
+                        for (int r = 0; r < registers; ++r)
+                            sum[s][r] = accumulate<false>(sum[s][r], c(i + s, i + l), x[r]);
+                    }
+                b.put(i, sum);
+            });
     }
 
-    // The last ones first, as they need all the others.
-    template <bool unit, class C, class S>
-    void run(const C& c, S& strip, Int n) const
+    template <class C, int registers>
+    void slices(const C& c, Strip<T, registers>& strip, Int n) const
     {
-        constexpr int width = together<T, S::width / S::lanes>;
-        for_each_slice<width, false, !is_complex<T>>(
-            n, [&]<int count>(auto i) __attribute__((always_inline)) { slices<unit, count>(c, strip, i); });
+        for_each_slice<T, 1, false>(
+            n, [&](auto i) __attribute__((always_inline)) {
+                Vec<T> sum[1][registers];
+                start(strip, i, sum[0]);
+                accumulate_slices<false>(c, strip.first, strip.step, i, sum);
+                strip.put(i, sum[0]);
+            });
     }
+
+private:
+    template <int registers>
+    [[gnu::always_inline]] void start(const Strip<T, registers>& strip, Int i, Vec<T> (&sum)[registers]) const
+    {
+        strip.get(i, sum);
+#pragma GCC unroll 8
+        for (int r = 0; r < registers; ++r) sum[r] = times(Element<T>(&diagonal_[i]), sum[r]);
+    }
+
+    T diagonal_[leaf];
 };
 
 struct Multiply {

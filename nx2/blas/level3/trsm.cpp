@@ -6,56 +6,74 @@
 namespace ork::level3 {
 
 template <class T>
-struct SolveLeaf {
-    T inverse[leaf], diagonal[leaf];
-    bool divides = false;
-
+class SolveLeaf {
+public:
     void set_diagonal(Int i, T d)
     {
-        diagonal[i] = d;
-        if (!invert(d, inverse[i])) divides = true;
+        diagonal_[i] = d;
+        if (!invert(d, inverse_[i])) divides_ = true;
+    }
+    bool divides() const { return divides_; }
+
+    // `lanes` slices at a time from B through registers; the strip has them for those that follow.
+    template <class C, int registers, bool forward>
+    void squares(const C& c, Strip<T, registers>& strip, Squares<T, registers, forward> b, Int n) const
+    {
+        constexpr int lanes = Vec<T>::lanes;
+        strip.start(true, n, strip.memory, strip.width);
+        for_each_slice<T, lanes, true>(
+            n, [&](auto i) __attribute__((always_inline)) {
+                Vec<T> x[lanes][registers];
+                b.get(i, x);
+                accumulate_slices<true>(c, strip.memory, strip.width, i, x);
+#pragma GCC unroll 4
+                for (int s = 0; s < lanes; ++s) {
+#pragma GCC unroll 4
+                    for (int l = 0; l < s; ++l)
+#pragma GCC unroll 8
+                        for (int r = 0; r < registers; ++r)
+                            x[s][r] = accumulate<true>(x[s][r], c(i + s, i + l), x[l][r]);
+#pragma GCC unroll 8
+                    for (int r = 0; r < registers; ++r) x[s][r] = times(Element<T>(&inverse_[i + s]), x[s][r]);
+                    strip.put(i + s, x[s]);
+                }
+                b.put(i, x);
+            });
     }
 
-    template <bool unit, bool dividing, int count, class I, class C, class S>
-    [[gnu::always_inline]] void slices(const C& c, S& strip, I i) const
+    template <class C, int registers>
+    void slices(const C& c, Strip<T, registers>& strip, Int n) const
     {
-        constexpr int registers = S::width / S::lanes;
-        Vec<T> x[count][registers];
-#pragma GCC unroll 2
-        for (int s = 0; s < count; ++s)
+        if (divides_) return slices_dividing(c, strip, n);
+        for_each_slice<T, 1, true>(
+            n, [&](auto i) __attribute__((always_inline)) {
+                Vec<T> x[1][registers];
+                strip.get(i, x[0]);
+                accumulate_slices<true>(c, strip.first, strip.step, i, x);
 #pragma GCC unroll 8
-            for (int r = 0; r < registers; ++r) x[s][r] = strip.get(i + s, r);
-        accumulate_slices<true>(c, strip, i, x);
-#pragma GCC unroll 2
-        for (int s = 0; s < count; ++s) {
-#pragma GCC unroll 8
-            for (int r = 0; r < registers; ++r) {
-                if (s == 1) x[s][r] = accumulate<true>(x[s][r], c(i + 1, i), x[0][r]);
-                if constexpr (!unit && !dividing) x[s][r] = times(Element<T>(&inverse[i + s]), x[s][r]);
-            }
-            strip.put(i + s, x[s]);
-        }
-        if constexpr (!unit && dividing)
-            for (int r = 0; r < S::width; ++r) {
-                T& element = strip.first[i * strip.step + r];
-                element = divide(element, diagonal[i]);
-            }
-    }
-
-    template <bool unit, class C, class S>
-    void run(const C& c, S& strip, Int n) const
-    {
-        if (divides) return run_dividing<unit>(c, strip, n);
-        for_each_slice<together<T, S::width / S::lanes>, true, !is_complex<T>>(
-            n, [&]<int count>(auto i) __attribute__((always_inline)) { slices<unit, false, count>(c, strip, i); });
+                for (int r = 0; r < registers; ++r) x[0][r] = times(Element<T>(&inverse_[i]), x[0][r]);
+                strip.put(i, x[0]);
+            });
     }
 
 private:
-    template <bool unit, class C, class S>
-    [[gnu::noinline, gnu::cold]] void run_dividing(const C& c, S& strip, Int n) const
+    template <class C, int registers>
+    [[gnu::noinline, gnu::cold]] void slices_dividing(const C& c, Strip<T, registers>& strip, Int n) const
     {
-        for (Int i = 0; i < n; ++i) slices<unit, true, 1>(c, strip, i);
+        for (Int i = 0; i < n; ++i) {
+            Vec<T> x[1][registers];
+            strip.get(i, x[0]);
+            accumulate_slices<true>(c, strip.first, strip.step, i, x);
+            strip.put(i, x[0]);
+            for (Int r = 0; r < strip.width; ++r) {
+                T& element = strip.first[i * strip.step + r];
+                element = divide(element, diagonal_[i]);
+            }
+        }
     }
+
+    T inverse_[leaf], diagonal_[leaf];
+    bool divides_ = false;
 };
 
 struct Solve {
