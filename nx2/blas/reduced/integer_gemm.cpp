@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // C <- alpha op(A) op(B) + beta C of 8- or 16-bit integers with 32-bit C, alpha and beta, exact modulo 2^32. Both are
-// widened to 16 bits: pmaddwd then multiplies and adds two at a time without losing a bit, where pmaddubsw would have to
-// saturate 255 * 127 + 255 * 127.
+// widened to 16 bits: pmaddwd then multiplies and adds two at a time without losing a bit, where pmaddubsw would have
+// to saturate 255 * 127 + 255 * 127.
 #include <cstddef>
 
 #include "blas/gemm/strips.h"
@@ -62,8 +62,8 @@ void add_product(const IntegerProduct<A, B>& p)
     const Int a_stride = Unit::a_step * (kb / 2), b_stride = Unit::b_step * (kb / 2);
     const Int a_bytes = round_up(mb / 4 * a_stride * Int(sizeof(WordPair)), 4096);
     const Int b_bytes = nb / 8 * b_stride * Int(sizeof(WordPair));
-    void* base = p.m * p.n * p.k < 4096 ? nullptr
-                                        : ork_serv_allocate(static_cast<std::size_t>(a_bytes + b_bytes), 4096);
+    void* base =
+        p.m * p.n * p.k < 4096 ? nullptr : ork_serv_allocate(static_cast<std::size_t>(a_bytes + b_bytes), 4096);
     if (base == nullptr) return add_plainly(p);
     auto* packed_a = static_cast<WordPair*>(base);
     auto* packed_b = reinterpret_cast<WordPair*>(static_cast<char*>(base) + a_bytes);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // C <- alpha op(A) op(B) + beta C with A and B of narrow floating-point numbers, C, alpha and beta in binary32. The
-// result has the bits of xsgemm on the widened operands: products are exact in binary32 (bfloat16's may leave its range),
-// and sums round once a step, in xsgemm's order.
+// result has the bits of xsgemm on the widened operands: products are exact in binary32 (bfloat16's may leave its
+// range), and sums round once a step, in xsgemm's order.
 #include <cstddef>
 
 #include "blas/gemm/multiply.h"
@@ -43,8 +43,8 @@ void narrow_gemm(char transa, char transb, Int m, Int n, Int k, float alpha, con
     const auto least = [](Int x, Int y) { return x < y ? x : y; };
     const Int kb = least(k, block_depth(k, Units<float>::k));
     Int mb = least(m, 640), nb = least(n, 1024);
-    void* base = m * n <= 1 ? nullptr
-                            : ork_serv_allocate(static_cast<std::size_t>((mb + nb) * kb) * sizeof(float), 4096);
+    void* base =
+        m * n <= 1 ? nullptr : ork_serv_allocate(static_cast<std::size_t>((mb + nb) * kb) * sizeof(float), 4096);
     if (base == nullptr) mb = nb = 1;
     float* wide_a = base != nullptr ? static_cast<float*>(base) : reserved;
     float* wide_b = wide_a + mb * kb;

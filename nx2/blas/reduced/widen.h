@@ -20,7 +20,8 @@ constexpr std::uint32_t widened(std::uint32_t x, int exponent, int fraction)
     if (e != 0) return sign | (e + static_cast<std::uint32_t>(127 - bias)) << 23 | f << (23 - fraction);
     if (f == 0) return sign;
     const int shift = std::countl_zero(f) - (31 - fraction); // of the leading one to its hidden place
-    return sign | static_cast<std::uint32_t>(128 - bias - shift) << 23 | (f << shift & ((1U << fraction) - 1)) << (23 - fraction);
+    return sign | static_cast<std::uint32_t>(128 - bias - shift) << 23 |
+           (f << shift & ((1U << fraction) - 1)) << (23 - fraction);
 }
 
 // The upper half of binary32.
