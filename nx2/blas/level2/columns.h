@@ -7,19 +7,20 @@
 #include <utility>
 
 #include "blas/level2/loads.h"
+#include "blas/level2/tile_rows.h"
 
 namespace ork::level2 {
 namespace columns {
 
-// t(0 .. count) spread over registers.
+// t(0), t(stride), .. spread over registers.
 template <class T, int count>
 struct Factors {
     Factor<T> factor[count];
-    explicit Factors(const T* t) : Factors(t, std::make_integer_sequence<int, count>()) {}
+    explicit Factors(const T* t, Int stride = 1) : Factors(t, stride, std::make_integer_sequence<int, count>()) {}
 
 private:
     template <int... j>
-    Factors(const T* t, std::integer_sequence<int, j...>) : factor{Factor<T>(get(t + j))...}
+    Factors(const T* t, Int stride, std::integer_sequence<int, j...>) : factor{Factor<T>(get(t + j * stride))...}
     {
     }
 };
@@ -94,31 +95,7 @@ constexpr Int tile_rows = 8 * Vec<T>::lanes;
 template <class Alpha, class T>
 inline void few_rows(Int m, Int n, Alpha alpha, const T* a, Int lda, const T* x, Int incx, T* y)
 {
-    constexpr int lanes = Vec<T>::lanes;
-    if constexpr (lanes > 1)
-        if (m < lanes) {
-            if (m == 1) return one_tile<1, 1>(m, n, alpha, a, lda, x, incx, y);
-            if (m == 2) return one_tile<lanes / 2, 1>(m, n, alpha, a, lda, x, incx, y);
-            return one_tile<lanes / 2, 2>(m, n, alpha, a, lda, x, incx, y);
-        }
-    switch ((m + lanes - 1) / lanes) {
-    case 1:
-        return one_tile<lanes, 1>(m, n, alpha, a, lda, x, incx, y);
-    case 2:
-        return one_tile<lanes, 2>(m, n, alpha, a, lda, x, incx, y);
-    case 3:
-        return one_tile<lanes, 3>(m, n, alpha, a, lda, x, incx, y);
-    case 4:
-        return one_tile<lanes, 4>(m, n, alpha, a, lda, x, incx, y);
-    case 5:
-        return one_tile<lanes, 5>(m, n, alpha, a, lda, x, incx, y);
-    case 6:
-        return one_tile<lanes, 6>(m, n, alpha, a, lda, x, incx, y);
-    case 7:
-        return one_tile<lanes, 7>(m, n, alpha, a, lda, x, incx, y);
-    default:
-        return one_tile<lanes, 8>(m, n, alpha, a, lda, x, incx, y);
-    }
+    with_tile<T>(m, [&]<int width, int registers>() { one_tile<width, registers>(m, n, alpha, a, lda, x, incx, y); });
 }
 
 } // namespace columns
