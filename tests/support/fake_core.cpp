@@ -20,25 +20,46 @@ void FreshCore::reset() { new (&fake_core()) FakeCore; } // atomics can't be ass
 
 using ork::test::fake_core;
 
-extern "C" {
+namespace {
 
-void* ork_serv_allocate(size_t size, size_t alignment)
+void* allocate(size_t size, size_t alignment, std::atomic<int>& live)
 {
     auto& core = fake_core();
     ++core.allocations;
     core.last_size = static_cast<int64_t>(size);
     core.last_alignment = static_cast<int64_t>(alignment);
     if (core.fail_allocation_at > 0 && --core.fail_allocation_at == 0) return nullptr;
-    ++core.live_allocations;
+    ++live;
     return std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);
 }
 
-void ork_serv_deallocate(void* ptr)
+void release(void* ptr, std::atomic<int>& live)
 {
     ++fake_core().deallocations;
     if (ptr == nullptr) return;
-    --fake_core().live_allocations;
+    --live;
     std::free(ptr);
+}
+
+} // namespace
+
+extern "C" {
+
+void* ork_serv_allocate(size_t size, size_t alignment)
+{
+    return allocate(size, alignment, fake_core().live_allocations);
+}
+
+void ork_serv_deallocate(void* ptr) { release(ptr, fake_core().live_allocations); }
+
+void* ork_serv_malloc(size_t size, size_t alignment) { return allocate(size, alignment, fake_core().live_objects); }
+
+void ork_serv_free(void* ptr) { release(ptr, fake_core().live_objects); }
+
+int ork_serv_check_ptr_and_warn(const void* ptr, const char* name)
+{
+    fake_core().last_checked = name;
+    return ptr == nullptr;
 }
 
 int64_t ork_serv_get_microarchitecture()

@@ -10,6 +10,7 @@ namespace ork::test {
 struct FakeCore {
     std::atomic<int> fail_allocation_at = 0; // 1: the next allocation returns null, 2: the one after it ..., 0: none
     std::atomic<int> live_allocations = 0;   // handed out and not yet returned
+    std::atomic<int> live_objects = 0;       // the same of malloc, whose memory free takes back
     std::atomic<int64_t> microarchitecture = 0;
     std::atomic<int64_t> cache_levels = 3;
     std::atomic<int64_t> cache_size = 32 << 20; // bytes
@@ -25,6 +26,7 @@ struct FakeCore {
 
     std::atomic<int64_t> last_size = 0; // bytes and alignment that the latest allocation asked for
     std::atomic<int64_t> last_alignment = 0;
+    std::atomic<const char*> last_checked = nullptr; // the name under which a pointer was checked last
 };
 
 // The one that this program's kernels talk to.

@@ -106,6 +106,13 @@ public:
     {
         return memory_.unchanged_except([&](std::int64_t i) { return i % ld_ < rows_; });
     }
+    // Only elements with may_change(i, j) may differ from what was remembered.
+    template <class MayChange>
+    testing::AssertionResult unchanged_except(MayChange&& may_change) const
+    {
+        return memory_.unchanged_except(
+            [&](std::int64_t at) { return at % ld_ < rows_ && may_change(at % ld_, at / ld_); });
+    }
     testing::AssertionResult unchanged() const { return memory_.unchanged(); }
 
 private:
