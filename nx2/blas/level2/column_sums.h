@@ -87,6 +87,23 @@ template <bool conjugated>
     return {{_mm_unpacklo_ps(x, _mm_movehl_ps(y, y))}};
 }
 
+// y(j) <- y(j) + alpha times the sum of column j, for `count` columns; s has those that complete a register, too.
+template <bool conjugated, int count, class Alpha, class T>
+[[gnu::always_inline]] inline void add_totals(Alpha alpha, const Sums<T>* s, T* y)
+{
+    constexpr int lanes = Vec<T>::lanes;
+#pragma GCC unroll 4
+    for (int j = 0; j < count; j += lanes) {
+        const Vec<T> result = alpha * total<conjugated>(s + j);
+        if (j + lanes <= count)
+            store<lanes>(y + j, sum(load<lanes>(y + j), result));
+        else if (lanes == 4 && count % 4 == 2)
+            store<lanes / 2>(y + j, sum(load<lanes / 2>(y + j), result));
+        else
+            store<1>(y + j, sum(load<1>(y + j), result));
+    }
+}
+
 // `count` columns.
 template <bool aligned, bool far, bool conjugated, int count, class Alpha, class T>
 [[gnu::always_inline]] inline void group(Int m, Alpha alpha, const T* a, Int lda, const T* x, T* y)
@@ -140,16 +157,7 @@ template <bool aligned, bool far, bool conjugated, int count, class Alpha, class
         } else if (rows % lanes != 0) {
             few.template operator()<false>();
         }
-#pragma GCC unroll 4
-        for (int j = 0; j < full; j += lanes) {
-            const Vec<T> result = alpha * total<conjugated>(s + j);
-            if (j + lanes <= count)
-                store<lanes>(y + j, sum(load<lanes>(y + j), result));
-            else if (lanes == 4 && count % 4 == 2)
-                store<lanes / 2>(y + j, sum(load<lanes / 2>(y + j), result));
-            else
-                store<1>(y + j, sum(load<1>(y + j), result));
-        }
+        add_totals<conjugated, count>(alpha, s, y);
     }
 }
 
