@@ -12,7 +12,10 @@ namespace ork {
 
 template <class R>
 struct Complex {
-    R re = 0, im = 0;
+    R re, im;
+
+    Complex() = default; // leaves both open, so that buffers cost nothing; Complex{} is zero
+    constexpr Complex(R re, R im = 0) : re(re), im(im) {}
 
     friend Complex operator+(Complex a, Complex b) { return {a.re + b.re, a.im + b.im}; }
     friend Complex operator-(Complex a, Complex b) { return {a.re - b.re, a.im - b.im}; }

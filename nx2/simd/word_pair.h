@@ -11,7 +11,7 @@
 namespace ork {
 
 struct WordPair {
-    std::int16_t even = 0, odd = 0;
+    std::int16_t even, odd;
 
     friend WordPair operator+(WordPair a, WordPair b) // as 32-bit numbers
     {

@@ -15,7 +15,7 @@ bool packing_pays(const Product<T, S>& p)
 {
     if (p.m <= 8 || p.n < 8) return false;
     const bool whole = p.m % Units<T>::m == 0 && p.n % Units<T>::n == 0; // edges of tiles cost packing more
-    const Int crossover = is_complex<T> ? (whole ? 12 : 16) : whole ? 24 : 40;
+    const Int crossover = is_complex<T> ? (whole ? 12 : sizeof(T) == 16 ? 26 : 17) : whole ? 24 : 40;
     return p.m * p.n * p.k > crossover * crossover * crossover;
 }
 

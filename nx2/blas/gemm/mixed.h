@@ -95,7 +95,7 @@ void multiply_mixed_plainly(Int m, Int n, Int k, Int kb, Complex<R> alpha, Opera
     for (Int j = 0; j < n; ++j)
         for (Int l = 0; l < k; l += kb)
             for (Int i = 0; i < m; ++i) {
-                Complex<R> sum;
+                Complex<R> sum{};
                 for (Int q = l; q < k && q < l + kb; ++q) {
                     const Complex<R> x = b.conjugated ? conj(*b.at(j, q)) : *b.at(j, q);
                     sum = sum + *a.at(i, q) * x;

@@ -17,14 +17,22 @@ namespace ork::level3 {
 
 using gemm::Element;
 
-// 1 / d, and whether multiplying with it does what dividing by d would: it neither overflows nor loses digits.
+// Whether the inverse of a number of this magnitude neither overflows nor loses digits. Others are not even tried,
+// which would raise flags that the quotient does not.
+template <class R>
+inline bool has_inverse(R magnitude)
+{
+    constexpr R largest = sizeof(R) == 8 ? R(0x1p+1020) : R(0x1p+124);
+    return magnitude <= largest && magnitude >= 1 / largest;
+}
+
+// 1 / d, or false where multiplying with it would not do what dividing by d does.
 template <class R>
 inline bool invert(R d, R& inverse)
 {
-    constexpr R largest = sizeof(R) == 8 ? R(0x1p+1020) : R(0x1p+124);
-    const R magnitude = d < 0 ? -d : d;
+    if (!has_inverse(d < 0 ? -d : d)) return false;
     inverse = 1 / d;
-    return magnitude <= largest && magnitude >= 1 / largest;
+    return true;
 }
 // Smith's division: with r = im / re, (a + ib) / d = ((a + br) + i(b - ar)) / (re + im r), or the same with the parts
 // exchanged when im is the larger (Smith, "Algorithm 116", 1962). No square can overflow.
@@ -42,10 +50,10 @@ inline Complex<R> divide(Complex<R> x, Complex<R> d)
 template <class R>
 inline bool invert(Complex<R> d, Complex<R>& inverse)
 {
-    R unused;
-    inverse = divide(Complex<R>{1, 0}, d);
     const R re = d.re < 0 ? -d.re : d.re, im = d.im < 0 ? -d.im : d.im;
-    return invert(re < im ? im : re, unused) && re <= im + re && im <= im + re; // neither is NaN
+    if (!has_inverse(re < im ? im : re) || !(im == im)) return false; // a NaN in re is what has_inverse sees
+    inverse = divide(Complex<R>{1, 0}, d);
+    return true;
 }
 inline double divide(double x, double d) { return x / d; }
 inline float divide(float x, float d) { return x / d; }

@@ -28,20 +28,36 @@ struct Symmetric {
                 hermitian && !stored};
     }
 
-    // Rows [first, last) of the square at `corner` of order `size`: element (i, l) to square[i - first + l * ld].
+    // Rows [first, last) of the square at `corner` of order `size`: element (i, l) to square[i - first + l * ld]. In
+    // tiles of 8 x 8, so that what is read across columns stays in the cache.
     void complete(Int corner, Int first, Int last, Int size, T* square, Int ld) const
     {
+        constexpr Int edge = 8;
         const T* origin = a + corner * (lda + 1);
-        for (Int l = 0; l < size; ++l) {
-            const T *down = origin + l * lda, *across = origin + l;
-            T* to = square + l * ld - first;
-            for (Int i = first; i < last; ++i) {
-                const bool stored = lower ? i > l : i < l;
-                to[i] = stored ? down[i] : conjugate<hermitian>(across[i * lda]);
+        const auto least = [](Int x, Int y) { return x < y ? x : y; };
+        for (Int l0 = 0; l0 < size; l0 += edge)
+            for (Int i0 = first; i0 < last; i0 += edge) {
+                const Int l_end = least(size, l0 + edge), i_end = least(last, i0 + edge);
+                T* to = square - first;
+                if (lower ? i0 >= l_end : i_end <= l0) { // all stored
+                    for (Int l = l0; l < l_end; ++l)
+                        for (Int i = i0; i < i_end; ++i) to[i + l * ld] = origin[i + l * lda];
+                } else if (lower ? i_end <= l0 : i0 >= l_end) {
+                    for (Int i = i0; i < i_end; ++i)
+                        for (Int l = l0; l < l_end; ++l) to[i + l * ld] = conjugate<hermitian>(origin[l + i * lda]);
+                } else {
+                    for (Int l = l0; l < l_end; ++l)
+                        for (Int i = i0; i < i_end; ++i) to[i + l * ld] = one(origin, i, l);
+                }
             }
-            if constexpr (hermitian)
-                if (l >= first && l < last) to[l] = {down[l].re, 0};
-        }
+    }
+
+private:
+    T one(const T* origin, Int i, Int l) const
+    {
+        if constexpr (hermitian)
+            if (i == l) return {origin[i + l * lda].re, 0};
+        return i == l || (i > l) == lower ? origin[i + l * lda] : conjugate<hermitian>(origin[l + i * lda]);
     }
 };
 
