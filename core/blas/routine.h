@@ -45,17 +45,11 @@ constexpr auto element_type()
         return std::type_identity<T>();
 }
 
-// `body` takes every argument by address, integers as 64-bit ones, and is called only with legal arguments.
-template <class T, const auto& shape, auto& body>
-struct Routine {
+// Arguments in the order of the Fortran list, for a routine of type T.
+template <class T, const auto& shape>
+struct Signature {
     static constexpr const auto& arguments = shape;
     static constexpr std::size_t count = std::size(shape);
-
-    template <class... Arguments>
-    static decltype(auto) run(Arguments... a)
-    {
-        return body(a...);
-    }
 
     static constexpr bool is_checked()
     {
@@ -66,7 +60,7 @@ struct Routine {
     // Whether calls by rows may be made of conjugates.
     static constexpr bool has_conjugated()
     {
-        if (!blas::is_complex<T>) return false;
+        if (!is_complex<T>) return false;
         for (const Argument& a : shape)
             if (a.conjugated) return true;
         return false;
@@ -95,11 +89,23 @@ struct Routine {
     }
     template <std::size_t i>
     using Canonical = typename decltype(canonical_type<i>())::type;
+};
+
+// `body` takes every argument by address, integers as 64-bit ones, and is called only with legal arguments.
+template <class T, const auto& shape, auto& body>
+struct Routine : Signature<T, shape> {
+    using Arguments = Signature<T, shape>;
+
+    template <class... Values>
+    static decltype(auto) run(Values... a)
+    {
+        return body(a...);
+    }
 
     template <std::size_t... i>
     static auto result_type(std::index_sequence<i...>)
-        -> std::type_identity<decltype(body(std::declval<Canonical<i>>()...))>;
-    using Result = typename decltype(result_type(std::make_index_sequence<count>()))::type;
+        -> std::type_identity<decltype(body(std::declval<typename Arguments::template Canonical<i>>()...))>;
+    using Result = typename decltype(result_type(std::make_index_sequence<Arguments::count>()))::type;
 };
 
 // Argument i of the Fortran binding: everything by address.
@@ -115,8 +121,10 @@ constexpr auto fortran_type()
 template <class Row, class Int, std::size_t i>
 using FortranType = typename decltype(fortran_type<Row, Int, i>())::type;
 
+template <class Result, class Int>
+using FortranResultOf = std::conditional_t<std::is_same_v<Result, std::int64_t>, Int, Result>;
 template <class Row, class Int>
-using FortranResult = std::conditional_t<std::is_same_v<typename Row::Result, std::int64_t>, Int, typename Row::Result>;
+using FortranResult = FortranResultOf<typename Row::Result, Int>;
 
 // Argument i of the C binding: integers and real scalars by value, whatever is complex behind a void pointer.
 template <class Row, class Int, std::size_t i>
@@ -146,9 +154,10 @@ constexpr auto cblas_type()
 template <class Row, class Int, std::size_t i>
 using CblasType = typename decltype(cblas_type<Row, Int, i>())::type;
 
+template <class Result>
+using CblasResultOf = std::conditional_t<std::is_same_v<Result, std::int64_t>, CBLAS_INDEX,
+                                         std::conditional_t<is_complex<Result>, void, Result>>;
 template <class Row>
-using CblasResult =
-    std::conditional_t<std::is_same_v<typename Row::Result, std::int64_t>, CBLAS_INDEX,
-                       std::conditional_t<is_complex<typename Row::Result>, void, typename Row::Result>>;
+using CblasResult = CblasResultOf<typename Row::Result>;
 
 } // namespace ork::blas

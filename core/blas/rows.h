@@ -12,19 +12,29 @@
 #include "blas/shapes.h"
 #include "blas/side.h"
 
+namespace ork::blas {
+
+// Where a routine has names beside those that begin with ork_.
+enum class Names { everywhere, fortran, nowhere };
+
+} // namespace ork::blas
+
 namespace ork::blas::rows {
 
-#define ROUTINE(count, routine, T, shape, ...)                                                                         \
+#define ORK_ROW(where, count, routine, T, shape, ...)                                                                  \
     struct routine : Routine<T, shapes::shape, __VA_ARGS__> {                                                          \
         static constexpr char name[] = #routine;                                                                       \
+        static constexpr Names names = Names::where;                                                                   \
     };
+#define ROUTINE(...) ORK_ROW(everywhere, __VA_ARGS__)
 #define FUNCTION ROUTINE
 #define COMPLEX_FUNCTION ROUTINE
 #define ORDERED_ROUTINE ROUTINE
-#define FORTRAN_ROUTINE ROUTINE
-#define OWN_ROUTINE ROUTINE
+#define FORTRAN_ROUTINE(...) ORK_ROW(fortran, __VA_ARGS__)
+#define OWN_ROUTINE(...) ORK_ROW(nowhere, __VA_ARGS__)
 #define EXTENSION_FUNCTION ROUTINE
 #define EXTENSION_COMPLEX_FUNCTION ROUTINE
 #include "blas/routines.inc"
+#undef ORK_ROW
 
 } // namespace ork::blas::rows

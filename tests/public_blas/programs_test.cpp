@@ -68,6 +68,42 @@ std::set<std::string> exports(const char* library)
     return names;
 }
 
+// The names of the reference library, written as its families.
+std::set<std::string> reference_names()
+{
+    std::set<std::string> names = {"RowMajorStrg", "CBLAS_CallFromC", "lsame_",      "xerbla_",
+                                   "cblas_xerbla", "xerbla_array_",   "cblas_csrot", "cblas_zdrot"};
+    const auto words = [](const std::string& text, auto&& add) {
+        std::istringstream list(text);
+        for (std::string word; list >> word;) add(word);
+    };
+    const auto routine = [&](const std::string& name) { names.insert(name + "_"), names.insert("cblas_" + name); };
+    const auto function = [&](const std::string& name) { routine(name), names.insert(name + "sub_"); };
+    for (const auto& [types, stems] :
+         {std::pair{"sdcz", "copy swap axpy scal rotg gemv gbmv trmv tbmv tpmv trsv tbsv tpsv gemm symm syrk syr2k "
+                            "trmm trsm"},
+          {"sd", "rot rotm rotmg symv sbmv spmv ger syr spr syr2 spr2"},
+          {"cz", "geru gerc hemv hbmv hpmv her her2 hpr hpr2 hemm herk her2k"}})
+        words(stems, [&](const std::string& stem) {
+            for (const char* type = types; *type != 0; ++type) routine(*type + stem);
+        });
+    words("csscal zdscal csrot zdrot", routine);
+    words("sdot ddot dsdot sdsdot snrm2 dnrm2 scnrm2 dznrm2 sasum dasum scasum dzasum isamax idamax icamax izamax "
+          "scabs1 dcabs1",
+          function);
+    words("cdotu cdotc zdotu zdotc", [&](const std::string& name) {
+        names.insert({name + "_", name + "sub_", "cblas_" + name + "_sub"});
+    });
+    return names;
+}
+
+TEST(DropIn, ExportsAllOfTheReferenceLibrary)
+{
+    const auto want = reference_names(), got = exports(ORK_LIB_DIR "/libblas.so.3");
+    EXPECT_EQ(want.size(), 324u);
+    EXPECT_TRUE(std::includes(got.begin(), got.end(), want.begin(), want.end()));
+}
+
 TEST(DropIn, ExportsTheBlasAndNothingElse)
 {
     std::set<std::string> want = {"RowMajorStrg", "CBLAS_CallFromC"};

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
-// What the table can say: routines of levels 2 and 3 described in it are checked in the reference's order and turned
-// around for matrices by rows. The bodies here only write down what reaches them.
+// Shapes of levels 2 and 3: calls are checked in the reference's order and turned around for matrices by rows. The
+// bodies here only write down what reaches them.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "blas/binding.h"
+#include "blas/shapes.h"
 
 namespace ork::blas {
 
@@ -60,73 +61,16 @@ void body(Arguments... arguments)
     (note(arguments), ...);
 }
 
-constexpr Argument gemv[] = {transposition("trans", "NTC").turned_by_rows(),
-                             size("m").by_rows("n"),
-                             size("n").by_rows("m"),
-                             scalar("alpha"),
-                             input("a"),
-                             lead("lda", {.plain = "m"}),
-                             input("x"),
-                             increment("incx"),
-                             scalar("beta"),
-                             output("y"),
-                             increment("incy")};
-constexpr Argument gbmv[] = {transposition("trans", "NTC").turned_by_rows(),
-                             size("m").by_rows("n"),
-                             size("n").by_rows("m"),
-                             band("kl").by_rows("ku"),
-                             band("ku").by_rows("kl"),
-                             scalar("alpha"),
-                             input("a"),
-                             lead("lda", {.plain = "kl", .plus = "ku", .add = 1}),
-                             input("x"),
-                             increment("incx"),
-                             scalar("beta"),
-                             output("y"),
-                             increment("incy")};
-constexpr Argument trsm[] = {side("side"),
-                             triangle("uplo"),
-                             transposition("transa", "NTC"),
-                             diagonal("diag"),
-                             size("m").by_rows("n"),
-                             size("n").by_rows("m"),
-                             scalar("alpha"),
-                             input("a"),
-                             lead("lda", {.option = "side", .plain = "m", .other = "n"}),
-                             output("b"),
-                             lead("ldb", {.plain = "m"})};
-constexpr Argument syrk[] = {triangle("uplo"),
-                             transposition("trans", "NTC").turned_by_rows(),
-                             size("n"),
-                             size("k"),
-                             scalar("alpha"),
-                             input("a"),
-                             lead("lda", {.option = "trans", .plain = "n", .other = "k"}),
-                             scalar("beta"),
-                             output("c"),
-                             lead("ldc", {.plain = "n"})};
-
-constexpr Argument herk[] = {triangle("uplo"),
-                             transposition("trans", "NC").turned_by_rows(),
-                             size("n"),
-                             size("k"),
-                             scalar("alpha"),
-                             input("a"),
-                             lead("lda", {.option = "trans", .plain = "n", .other = "k"}),
-                             scalar("beta"),
-                             output("c"),
-                             lead("ldc", {.plain = "n"})};
-
 using C = const char*;
 using I = const std::int64_t*;
 using D = const double*;
 #define ROW(routine, ...)                                                                                              \
-    struct routine##_row : Routine<double, routine, body<__VA_ARGS__>> {                                               \
+    struct routine##_row : Routine<double, shapes::routine, body<__VA_ARGS__>> {                                       \
         static constexpr char name[] = #routine;                                                                       \
     }
 ROW(gemv, C, I, I, D, D, I, D, I, D, double*, I);
 ROW(gbmv, C, I, I, I, I, D, D, I, D, I, D, double*, I);
-ROW(trsm, C, C, C, C, I, I, D, D, I, double*, I);
+ROW(trmm, C, C, C, C, I, I, D, D, I, double*, I);
 ROW(syrk, C, C, I, I, D, D, I, D, double*, I);
 ROW(herk, C, C, I, I, D, D, I, D, double*, I);
 
@@ -221,9 +165,9 @@ TEST(Table, ChecksBands)
     EXPECT_THAT(positions(V{"N", {5, 5, 1, -1, 3, 1, 1}}), ElementsAre(5, 6, 6));
 }
 
-TEST(Table, ChecksTriangularSolves)
+TEST(Table, ChecksTriangularProducts)
 {
-    using V = Values<trsm_row>; // side uplo transa diag; m n lda ldb
+    using V = Values<trmm_row>; // side uplo transa diag; m n lda ldb
     EXPECT_THAT(positions(V{"LUNN", {5, 3, 5, 5}}), ElementsAre(0, 0, 0));
     EXPECT_THAT(positions(V{"LUNN", {5, 3, 4, 5}}), ElementsAre(9, 10, 10)) << "A is m x m on the left in either order";
     EXPECT_THAT(positions(V{"RLTU", {5, 3, 3, 5}}), ElementsAre(0, 0, 0));
@@ -239,8 +183,8 @@ TEST(Table, ChecksTriangularSolves)
 
 TEST(Table, TurnsProblemsByRowsAround)
 {
-    run<trsm_row, std::int64_t>(true, CblasRowMajor, {"LUTN", {5, 3, 6, 7}},
-                                std::make_index_sequence<trsm_row::count>());
+    run<trmm_row, std::int64_t>(true, CblasRowMajor, {"LUTN", {5, 3, 6, 7}},
+                                std::make_index_sequence<trmm_row::count>());
     EXPECT_EQ(seen.letters, "RLTN");
     EXPECT_THAT(seen.integers, ElementsAre(3, 5, 6, 7));
     run<syrk_row, std::int64_t>(true, CblasRowMajor, {"UN", {4, 2, 9, 8}}, std::make_index_sequence<syrk_row::count>());
