@@ -45,6 +45,15 @@ struct Symmetric {
                 } else if (lower ? i_end <= l0 : i0 >= l_end) {
                     for (Int i = i0; i < i_end; ++i)
                         for (Int l = l0; l < l_end; ++l) to[i + l * ld] = conjugate<hermitian>(origin[l + i * lda]);
+                } else if (i0 == l0 && i_end == l_end) { // on the diagonal: every stored element goes to two places
+                    for (Int j = l0; j < l_end; ++j) {
+                        const T* column = origin + j * lda;
+                        for (Int i = lower ? j : i0; i < (lower ? i_end : j + 1); ++i) {
+                            to[i + j * ld] = column[i];
+                            to[j + i * ld] = conjugate<hermitian>(column[i]);
+                        }
+                        if constexpr (hermitian) to[j + j * ld] = {column[j].re, 0};
+                    }
                 } else {
                     for (Int l = l0; l < l_end; ++l)
                         for (Int i = i0; i < i_end; ++i) to[i + l * ld] = one(origin, i, l);
