@@ -5,6 +5,7 @@
 // time.
 #pragma once
 
+#include "ork/abi/core_blas.h"
 #include "ork/abi/services.h"
 
 // The name of one import; the declarations themselves are in ork/abi/.
@@ -23,6 +24,12 @@ IMPORT(ork_serv_check_ptr_and_warn)
 
 // The reproducibility switch, which chooses between loops in level 2
 IMPORT(ork_serv_cbwr_get)
+
+// Triangular solves take what is beside a block from it by the core's gemv, which may use threads
+IMPORT(ork_blas_sgemv)
+IMPORT(ork_blas_dgemv)
+IMPORT(ork_blas_cgemv)
+IMPORT(ork_blas_zgemv)
 
 // Targets of forwarding entries (frame/forward.cpp)
 IMPORT(ork_conv_copytask)

@@ -2,8 +2,10 @@
 #include "support/fake_core.h"
 
 #include <cstdlib>
+#include <dlfcn.h>
 #include <new>
 
+#include "ork/abi/core_blas.h"
 #include "ork/abi/services.h"
 
 namespace ork::test {
@@ -82,4 +84,22 @@ int64_t ork_serv_cbwr_get(int64_t what)
     ++fake_core().reproducibility_queries;
     return what == 1 ? fake_core().reproducibility.load() : 0;
 }
+
+// A core's gemv is a kernel's, of whichever kernel library calls it.
+#define GEMV(letter, T)                                                                                                \
+    void ork_blas_##letter##gemv(const char* trans, const int64_t* m, const int64_t* n, const T* alpha, const T* a,    \
+                                 const int64_t* lda, const T* x, const int64_t* incx, const T* beta, T* y,             \
+                                 const int64_t* incy)                                                                  \
+    {                                                                                                                  \
+        ++fake_core().gemv_calls;                                                                                      \
+        fake_core().gemv_elements += *m * *n;                                                                          \
+        const auto kernel = reinterpret_cast<decltype(&ork_blas_##letter##gemv)>(                                      \
+            dlsym(RTLD_DEFAULT, "ork_blas_nx2_x" #letter "gemv"));                                                     \
+        kernel(trans, m, n, alpha, a, lda, x, incx, beta, y, incy);                                                    \
+    }
+GEMV(s, float)
+GEMV(d, double)
+GEMV(c, ork_complex_float)
+GEMV(z, ork_complex_double)
+#undef GEMV
 }

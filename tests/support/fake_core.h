@@ -23,6 +23,8 @@ struct FakeCore {
     std::atomic<int> microarchitecture_queries = 0;
     std::atomic<int> cache_queries = 0;
     std::atomic<int> reproducibility_queries = 0;
+    std::atomic<int> gemv_calls = 0;
+    std::atomic<int64_t> gemv_elements = 0; // m * n of all of them
 
     std::atomic<int64_t> last_size = 0; // bytes and alignment that the latest allocation asked for
     std::atomic<int64_t> last_alignment = 0;

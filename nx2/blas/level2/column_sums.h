@@ -175,15 +175,15 @@ template <bool aligned, bool far, bool conjugated, class Alpha, class T>
 
 } // namespace sums
 
-// Any number of rows and columns. alpha: an element or One.
+// Any number of rows and columns. alpha: an element, or something that multiplies registers.
 template <bool conjugated, class Alpha, class T>
 inline void add_column_sums(Loads loads, Int m, Int n, Alpha alpha, const T* a, Int lda, const T* x, T* y)
 {
     with_loads(loads, [&]<bool aligned, bool far>() {
-        if constexpr (std::is_same_v<Alpha, One>)
-            sums::all<aligned, far, conjugated>(m, n, alpha, a, lda, x, y);
-        else
+        if constexpr (std::is_same_v<Alpha, T>)
             sums::all<aligned, far, conjugated>(m, n, Factor<T>(alpha), a, lda, x, y);
+        else
+            sums::all<aligned, far, conjugated>(m, n, alpha, a, lda, x, y);
     });
 }
 

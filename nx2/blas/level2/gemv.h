@@ -33,6 +33,11 @@ inline void scaled(Int n, One, Strided<const T> x, T* t)
 {
     gather(n, x, t);
 }
+template <class T>
+inline void scaled(Int n, MinusOne, Strided<const T> x, T* t)
+{
+    for (Int i = 0; i < n; ++i) t[i] = MinusOne() * get(x.at(i));
+}
 
 // op(A) = A, contiguous y
 template <class Alpha, class T>

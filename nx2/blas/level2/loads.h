@@ -38,6 +38,22 @@ inline T operator*(One, T x)
     return x;
 }
 
+// The factor -1, without the products with 0 of a complex one, which would make NaN of infinity.
+struct MinusOne {};
+template <class T>
+inline T operator*(MinusOne, T x)
+{
+    if constexpr (is_complex<T>)
+        return {-x.re, -x.im};
+    else
+        return -x;
+}
+template <class T>
+inline Vec<T> operator*(MinusOne, Vec<T> x)
+{
+    return Factor<T, Real<T>>(-1) * x;
+}
+
 template <bool aligned, int width, class T>
 [[gnu::always_inline]] inline Vec<T> load_column(const T* p)
 {
