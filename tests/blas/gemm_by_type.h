@@ -57,6 +57,22 @@ inline std::int64_t gemm_block(std::int64_t k)
 template <class T> inline constexpr auto gemm = of_type<T>(ork_blas_nx2_xsgemm, ork_blas_nx2_xdgemm, ork_blas_nx2_xcgemm, ork_blas_nx2_xzgemm);
 // clang-format on
 
+// x, with an imaginary part unless it is 0 or 1.
+template <class T>
+T scalar(double x)
+{
+    if constexpr (is_complex<T>)
+        return {static_cast<Real<T>>(x), static_cast<Real<T>>(x == 0 || x == 1 ? 0 : 0.5)};
+    else
+        return static_cast<T>(x);
+}
+
+template <class T>
+bool has_nan(T x)
+{
+    return !(x == x);
+}
+
 // One element: beta * c (not read for beta = 0), then block after block the sum from zero of (alpha a(l)) b(l) in
 // order. A complex block has four sums, (re re - im im, im re + re im).
 template <class T, class A, class B>

@@ -42,27 +42,12 @@ using Precisions = testing::Types<float, double, cfloat, cdouble>;
 TYPED_TEST_SUITE(Gemm, Precisions);
 
 template <class T>
-T scalar(double x)
-{
-    if constexpr (is_complex<T>)
-        return {static_cast<Real<T>>(x), static_cast<Real<T>>(x == 0 || x == 1 ? 0 : 0.5)};
-    else
-        return static_cast<T>(x);
-}
-
-template <class T>
 Real<T> real_part(T x)
 {
     if constexpr (is_complex<T>)
         return x.real();
     else
         return x;
-}
-
-template <class T>
-bool has_nan(T x)
-{
-    return !(x == x);
 }
 
 // A, B and C tight against guarded pages; A and B can't be written, the padding of all three is NaN.

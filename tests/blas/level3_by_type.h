@@ -5,6 +5,8 @@
 #include <cstring>
 
 #include "blas/gemm_by_type.h"
+#include "support/random.h"
+#include "support/strided.h"
 
 #define KERNEL(result, routine, ...) extern "C" result ork_blas_nx2_##routine(__VA_ARGS__);
 #include "ork/abi/level3.inc"
@@ -27,16 +29,6 @@ template <class T> inline constexpr auto gemm3m = of_type<T>(ork_blas_nx2_xcgemm
 template <class T> inline constexpr auto mixed_gemm = of_type<T>(ork_blas_nx2_xscgemm, ork_blas_nx2_xdzgemm);
 // clang-format on
 
-// x, with an imaginary part unless it is 0 or 1.
-template <class T>
-T scalar(double x)
-{
-    if constexpr (is_complex<T>)
-        return {static_cast<Real<T>>(x), static_cast<Real<T>>(x == 0 || x == 1 ? 0 : 0.5)};
-    else
-        return static_cast<T>(x);
-}
-
 template <class T>
 T conjugate(T x)
 {
@@ -46,10 +38,12 @@ T conjugate(T x)
         return x;
 }
 
+// Padded, against either page, at any alignment.
 template <class T>
-bool has_nan(T x)
+Matrix<T> any_matrix(std::int64_t rows, std::int64_t columns, Random& random)
 {
-    return !(x == x);
+    return {rows, columns, rows + random.integer(0, 3), both_guards[random.integer(0, 1)],
+            sizeof(Real<T>) * (random.bits() % 4)};
 }
 
 // Whether (i, j) is in the triangle.

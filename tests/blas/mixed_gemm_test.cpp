@@ -63,11 +63,9 @@ struct Problem {
 
     Problem(char transa, char transb, Int m, Int n, Int k, double beta, Random random)
         : transa(transa), transb(transb), m(m), n(n), k(k),
-          a(transa == 'N' ? m : k, transa == 'N' ? k : m, (transa == 'N' ? m : k) + random.integer(0, 3),
-            both_guards[random.integer(0, 1)]),
-          b(transb == 'N' ? k : n, transb == 'N' ? n : k, (transb == 'N' ? k : n) + random.integer(0, 3),
-            both_guards[random.integer(0, 1)]),
-          c(m, n, m + random.integer(0, 3)), beta(scalar<T>(beta))
+          a(any_matrix<E>(transa == 'N' ? m : k, transa == 'N' ? k : m, random)),
+          b(any_matrix<T>(transb == 'N' ? k : n, transb == 'N' ? n : k, random)), c(any_matrix<T>(m, n, random)),
+          beta(scalar<T>(beta))
     {
         a.fill(random);
         b.fill(random);

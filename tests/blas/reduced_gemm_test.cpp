@@ -33,9 +33,7 @@ struct Shape {
 template <class E>
 Matrix<E> operand(bool upright, Int outer, Int depth, Random& random)
 {
-    const Int rows = upright ? outer : depth;
-    return {rows, upright ? depth : outer, rows + random.integer(0, 3), both_guards[random.integer(0, 1)],
-            sizeof(E) * (random.bits() % 4)};
+    return any_matrix<E>(upright ? outer : depth, upright ? depth : outer, random);
 }
 template <class E>
 E at(const Matrix<E>& x, char trans, Int i, Int j)
