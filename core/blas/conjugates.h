@@ -9,10 +9,10 @@
 #pragma once
 
 #include <complex>
-#include <memory>
 #include <string_view>
 
 #include "blas/checks.h"
+#include "blas/work_buffer.h"
 #include "ork/abi/services.h"
 
 namespace ork::blas {
@@ -61,29 +61,23 @@ class ConjugatedCopy {
 public:
     template <class Call>
     explicit ConjugatedCopy(const Call& call)
+        : n_(extent<Row, i>(call)), more_(n_ > size_of_few ? n_ : 0),
+          values_(n_ > size_of_few ? more_.data() : reinterpret_cast<T*>(few_))
     {
-        const std::int64_t n = extent<Row, i>(call), incx = *std::get<i + 1>(call);
-        if (n > size_of_few) {
-            more_.reset(static_cast<T*>(ork_serv_allocate(static_cast<std::size_t>(n) * sizeof(T), 64)));
-            if (ork_serv_check_ptr_and_warn(more_.get(), Row::name) != 0) return;
-            values_ = more_.get();
-        } else {
-            values_ = reinterpret_cast<T*>(few_);
-        }
-        conjugate(n, first_element(n, std::get<i>(call), incx), incx, values_, 1);
+        const std::int64_t incx = *std::get<i + 1>(call);
+        if (ork_serv_check_ptr_and_warn(values_, Row::name) == 0)
+            conjugate(n_, first_element(n_, std::get<i>(call), incx), incx, values_, 1);
     }
     const auto* get() const { return values_; }
     bool ok() const { return values_ != nullptr; }
 
 private:
     using T = typename Row::template Value<i>;
-    struct Release {
-        void operator()(T* p) const { ork_serv_deallocate(p); }
-    };
     static constexpr std::int64_t size_of_few = 128;
+    std::int64_t n_;
     alignas(64) unsigned char few_[size_of_few * sizeof(T)];
-    std::unique_ptr<T, Release> more_;
-    T* values_ = nullptr;
+    WorkBuffer<T> more_;
+    T* values_;
 };
 
 // A vector that is written, conjugated as long as this object lives.

@@ -6,6 +6,7 @@
 #include "blas/gemm.h"
 #include "blas/gemm_batch.h"
 #include "blas/kernels.h"
+#include "blas/level2.h"
 #include "blas/norm.h"
 #include "blas/rank_k.h"
 #include "blas/routine.h"

@@ -10,5 +10,5 @@ std::int64_t ork::blas::triangle_strip_begin(bool lower, std::int64_t n, int par
     if (part >= parts) return n;
     const double share = static_cast<double>(part) / parts;
     const double begin = static_cast<double>(n) * (lower ? 1 - std::sqrt(1 - share) : std::sqrt(share));
-    return std::min(n, round_up_to_grain(static_cast<std::int64_t>(begin)));
+    return std::min(n, round_up(static_cast<std::int64_t>(begin), grain));
 }

@@ -13,12 +13,12 @@ namespace ork::blas {
 // directions.
 inline constexpr std::int64_t grain = 8;
 
-constexpr std::int64_t round_up_to_grain(std::int64_t size) { return (size + grain - 1) / grain * grain; }
+constexpr std::int64_t round_up(std::int64_t size, std::int64_t unit) { return (size + unit - 1) / unit * unit; }
 
-// Length of each of `parts` strips of a side, the last of which may be shorter.
-constexpr std::int64_t strip_length(std::int64_t size, int parts)
+// Length of each of `parts` strips of a side, the last of which may be shorter: a multiple of `unit`.
+constexpr std::int64_t strip_length(std::int64_t size, int parts, std::int64_t unit = grain)
 {
-    return std::max(grain, round_up_to_grain((size + parts - 1) / parts));
+    return std::max(unit, round_up((size + parts - 1) / parts, unit));
 }
 
 // Threads worth using for so much work; at least 1.
@@ -30,9 +30,9 @@ inline int affordable_threads(double work, double work_per_thread)
 
 // Runs body(first, count) for strips of `size` rows or columns.
 template <class Body>
-void run_strips(std::int64_t size, int threads, Body body)
+void run_strips(std::int64_t size, int threads, Body body, std::int64_t unit = grain)
 {
-    const std::int64_t length = strip_length(size, threads);
+    const std::int64_t length = strip_length(size, threads, unit);
     const int parts = static_cast<int>((size + length - 1) / length);
     if (parts <= 1) return body(std::int64_t{0}, size);
     threads::run(parts, [&](int part) {

@@ -52,13 +52,13 @@ Call random_call(const TableRow& row, std::int64_t n, std::int64_t incx, std::in
     return call;
 }
 
-void expect_agreement(Call first)
+void expect_agreement(Call first, std::int64_t n)
 {
     const Call before = first;
     const bool has_kernel = !first.row->is("_batch");
     const auto bindings = bindings_of(*first.row);
     const auto want = has_kernel ? invoke_kernel(first) : invoke(bindings[1], first);
-    EXPECT_FALSE(first.same_elements(before) && first.row->is_checked) << "nothing was written";
+    EXPECT_FALSE(first.same_elements(before) && n > 1 && first.row->is_checked) << "nothing was written";
     for (const Binding& binding : bindings) {
         Call call = before;
         const auto got = invoke(binding, call);
@@ -78,9 +78,9 @@ TEST(Bindings, GiveTheBitsOfTheKernel)
                 SCOPED_TRACE(testing::Message() << row.name << " n " << n << " incx " << incx << " incy " << incy);
                 Call call = random_call(row, n, incx, incy);
                 if (n == 7)
-                    for_each_letters(call, [&] { expect_agreement(call); });
+                    for_each_letters(call, [&] { expect_agreement(call, n); });
                 else
-                    expect_agreement(call);
+                    expect_agreement(call, n);
             }
     }
     EXPECT_TRUE(take_reports().empty());

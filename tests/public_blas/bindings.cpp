@@ -3,6 +3,7 @@
 
 #include <dlfcn.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "blas/rows.h"
@@ -234,11 +235,17 @@ Call::Call(const TableRow& row, std::int64_t room)
       elements(row.arguments.size())
 {
     for (std::size_t i = 0; i < row.arguments.size(); ++i) {
-        if (row.arguments[i].is_option())
-            letters[i] = row.arguments[i].legal[0];
-        else if (!row.arguments[i].is_integer())
-            elements[i].resize(row.arguments[i].role == Role::scalar ? 1 : room);
+        if (row.arguments[i].is_option()) letters[i] = row.arguments[i].legal[0];
+        visit(i, [&]<class T>(T*) { elements[i].resize((capacity(i) * sizeof(T) + sizeof(Wide) - 1) / sizeof(Wide)); });
     }
+}
+
+std::int64_t Call::capacity(std::size_t i) const
+{
+    constexpr std::int64_t longest_vector = 4096;
+    const Argument& a = row->arguments[i];
+    if (a.is_option() || a.is_integer()) return 0;
+    return a.role == Role::scalar ? 1 : row->is_matrix(i) ? room : std::min(room, longest_vector);
 }
 
 bool Call::same_elements(const Call& other) const
@@ -253,7 +260,7 @@ void Call::fill(Random& random, bool exact)
 {
     for (std::size_t i = 0; i < elements.size(); ++i)
         visit(i, [&]<class T>(T* values) {
-            for (std::size_t j = 0; j < elements[i].size(); ++j) {
+            for (std::int64_t j = 0; j < capacity(i); ++j) {
                 if constexpr (std::is_integral_v<T>)
                     values[j] = static_cast<T>(random.integer(std::is_signed_v<T> ? -3 : 0, 3));
                 else if (!exact)

@@ -44,6 +44,11 @@ struct TableRow {
             if (a.role == role) return true;
         return false;
     }
+    bool is_matrix(std::size_t i) const
+    {
+        return std::string_view(arguments[i].name) == "ap" ||
+               (arguments[i].role == Role::vector && i + 1 < arguments.size() && arguments[i + 1].role == Role::lead);
+    }
     bool is(std::string_view stem) const { return std::string_view(name).find(stem) != std::string_view::npos; }
 };
 
@@ -64,7 +69,7 @@ std::ostream& operator<<(std::ostream& out, const Binding& b);
 
 std::vector<Binding> bindings_of(const TableRow& row);
 
-// Argument values of one call, in Fortran order, and room for elements behind each pointer.
+// Argument values of one call, in Fortran order, and room for elements behind each pointer, in a vector 4096 at most.
 struct Call {
     using Wide = std::complex<double>;
 
@@ -78,6 +83,7 @@ struct Call {
 
     explicit Call(const TableRow& row, std::int64_t room = 1024);
 
+    std::int64_t capacity(std::size_t i) const; // values of argument i
     std::int64_t& integer(const char* name) { return integers[row->place(name)]; }
     bool same_elements(const Call& other) const;
 

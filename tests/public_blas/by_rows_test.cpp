@@ -30,13 +30,6 @@ struct Storage {
     }
 };
 
-bool is_matrix(const Call& call, std::size_t i)
-{
-    const auto& arguments = call.row->arguments;
-    return std::string_view(arguments[i].name) == "ap" ||
-           (arguments[i].role == Role::vector && i + 1 < arguments.size() && arguments[i + 1].role == Role::lead);
-}
-
 Storage storage_of(Call& call, std::size_t i)
 {
     const TableRow& row = *call.row;
@@ -71,7 +64,7 @@ Call stored_by_rows(Call& call)
     turned.layout = CblasRowMajor;
     const std::int64_t copies = call.row->is("_batch") ? call.integer("batch_size") : 1;
     for (std::size_t i = 0; i < call.elements.size(); ++i) {
-        if (!is_matrix(call, i)) continue;
+        if (!call.row->is_matrix(i)) continue;
         const Storage s = storage_of(call, i);
         const std::int64_t stride = copies > 1 ? call.integers[i + 2] : 0;
         call.visit(i, [&]<class T>(T* from) {
@@ -93,7 +86,7 @@ bool equal_numbers(Call& a, Call& b, std::size_t i)
 {
     bool equal = true;
     a.visit(i, [&]<class T>(T* x) {
-        equal = std::equal(x, x + a.elements[i].size(), reinterpret_cast<const T*>(b.elements[i].data()));
+        equal = std::equal(x, x + a.capacity(i), reinterpret_cast<const T*>(b.elements[i].data()));
     });
     return equal;
 }
