@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A triangle of order at most `leaf` against slices: a strip of a few registers of every slice at a time is brought
 // into a buffer, where elements of different rows or columns of B stand in the lanes, and comes back when it is done.
-// Strips of eight registers hide the time of a division behind the others.
+// Strips of eight registers keep the adders busy through the latency of each step.
 //
 // Order: a solve subtracts coefficient(i, l) x_l from b_i one after another in the order in which the x_l become known,
 // then multiplies with the inverse of the diagonal (it divides where that would overflow or lose digits); a product
@@ -10,6 +10,7 @@
 
 #include <utility>
 
+#include "blas/divide.h"
 #include "blas/gemm/direct_tile.h"
 #include "blas/level3/triangular.h"
 
@@ -34,29 +35,14 @@ inline bool invert(R d, R& inverse)
     inverse = 1 / d;
     return true;
 }
-// Smith's division: with r = im / re, (a + ib) / d = ((a + br) + i(b - ar)) / (re + im r), or the same with the parts
-// exchanged when im is the larger (Smith, "Algorithm 116", 1962). No square can overflow.
-template <class R>
-inline Complex<R> divide(Complex<R> x, Complex<R> d)
-{
-    const auto magnitude = [](R x) { return x < 0 ? -x : x; };
-    if (magnitude(d.re) >= magnitude(d.im)) {
-        const R r = d.im / d.re, size = d.re + d.im * r;
-        return {(x.re + x.im * r) / size, (x.im - x.re * r) / size};
-    }
-    const R r = d.re / d.im, size = d.im + d.re * r;
-    return {(x.re * r + x.im) / size, (x.im * r - x.re) / size};
-}
 template <class R>
 inline bool invert(Complex<R> d, Complex<R>& inverse)
 {
     const R re = d.re < 0 ? -d.re : d.re, im = d.im < 0 ? -d.im : d.im;
     if (!has_inverse(re < im ? im : re) || !(im == im)) return false; // a NaN in re is what has_inverse sees
-    inverse = divide(Complex<R>{1, 0}, d);
+    inverse = divided(Complex<R>{1, 0}, d);
     return true;
 }
-inline double divide(double x, double d) { return x / d; }
-inline float divide(float x, float d) { return x / d; }
 
 // c x.
 template <class T>

@@ -67,7 +67,7 @@ private:
             strip.put(i, x[0]);
             for (Int r = 0; r < strip.width; ++r) {
                 T& element = strip.first[i * strip.step + r];
-                element = divide(element, diagonal_[i]);
+                element = divided(element, diagonal_[i]);
             }
         }
     }
