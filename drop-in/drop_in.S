@@ -15,6 +15,7 @@
 #define ORDERED_ROUTINE(n, routine, ...) FORTRAN(routine) CBLAS(routine)
 #define FORTRAN_ROUTINE(n, routine, ...) FORTRAN(routine)
 #define OWN_ROUTINE(...)
+#define BATCH_ROUTINE(routine, ...) FORTRAN(routine) CBLAS(routine)
 #define FUNCTION(n, routine, ...) FORTRAN(routine) FORTRAN(routine##sub) CBLAS(routine)
 #define EXTENSION_FUNCTION(n, routine, ...) FORTRAN(routine) CBLAS(routine)
 #define COMPLEX_FUNCTION(n, routine, ...) FORTRAN(routine) FORTRAN(routine##sub) CBLAS(routine##_sub)

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "blas/binding.h"
+#include "blas/gemm_groups.h"
 #include "blas/rows.h"
 #include "export.h"
 

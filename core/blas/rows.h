@@ -35,6 +35,12 @@ namespace ork::blas::rows {
 #define OWN_ROUTINE(...) ORK_ROW(nowhere, __VA_ARGS__)
 #define EXTENSION_FUNCTION ROUTINE
 #define EXTENSION_COMPLEX_FUNCTION ROUTINE
+#define BATCH_ROUTINE(routine, T, of)                                                                                  \
+    struct routine {                                                                                                   \
+        static constexpr char name[] = #routine;                                                                       \
+        using gemm = rows::of;                                                                                         \
+        using Value = T;                                                                                               \
+    };
 #include "blas/routines.inc"
 #undef ORK_ROW
 

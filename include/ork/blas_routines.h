@@ -515,6 +515,27 @@ void ORK_NAME(zgemm3m)(const char* transa, const char* transb, const ORK_INT* m,
                        const ork_complex_double* b, const ORK_INT* ldb, const ork_complex_double* beta,
                        ork_complex_double* c, const ORK_INT* ldc);
 
+/* Groups of multiplies: group g is group_size[g] calls of gemm with the g-th element of every array; the matrices of
+   all groups stand in a, b and c one after the other. No two C may overlap. */
+void ORK_NAME(sgemm_batch)(const char* transa, const char* transb, const ORK_INT* m, const ORK_INT* n, const ORK_INT* k,
+                           const float* alpha, const float* const* a, const ORK_INT* lda, const float* const* b,
+                           const ORK_INT* ldb, const float* beta, float* const* c, const ORK_INT* ldc,
+                           const ORK_INT* group_count, const ORK_INT* group_size);
+void ORK_NAME(dgemm_batch)(const char* transa, const char* transb, const ORK_INT* m, const ORK_INT* n, const ORK_INT* k,
+                           const double* alpha, const double* const* a, const ORK_INT* lda, const double* const* b,
+                           const ORK_INT* ldb, const double* beta, double* const* c, const ORK_INT* ldc,
+                           const ORK_INT* group_count, const ORK_INT* group_size);
+void ORK_NAME(cgemm_batch)(const char* transa, const char* transb, const ORK_INT* m, const ORK_INT* n, const ORK_INT* k,
+                           const ork_complex_float* alpha, const ork_complex_float* const* a, const ORK_INT* lda,
+                           const ork_complex_float* const* b, const ORK_INT* ldb, const ork_complex_float* beta,
+                           ork_complex_float* const* c, const ORK_INT* ldc, const ORK_INT* group_count,
+                           const ORK_INT* group_size);
+void ORK_NAME(zgemm_batch)(const char* transa, const char* transb, const ORK_INT* m, const ORK_INT* n, const ORK_INT* k,
+                           const ork_complex_double* alpha, const ork_complex_double* const* a, const ORK_INT* lda,
+                           const ork_complex_double* const* b, const ORK_INT* ldb, const ork_complex_double* beta,
+                           ork_complex_double* const* c, const ORK_INT* ldc, const ORK_INT* group_count,
+                           const ORK_INT* group_size);
+
 /* batch_size multiplies of one shape: the i-th, from 0 on, of the matrices at a + i stridea, b + i strideb, c + i
    stridec. */
 void ORK_NAME(sgemm_batch_strided)(const char* transa, const char* transb, const ORK_INT* m, const ORK_INT* n,

@@ -431,6 +431,25 @@ void ORK_NAME(zgemm3m)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE transa, CBLAS_TRANSP
                        ORK_INT k, const void* alpha, const void* a, ORK_INT lda, const void* b, ORK_INT ldb,
                        const void* beta, void* c, ORK_INT ldc);
 
+/* Groups of multiplies: group g is group_size[g] calls of gemm with the g-th element of every array; the matrices of
+   all groups stand in a, b and c one after the other. No two C may overlap. */
+void ORK_NAME(sgemm_batch)(CBLAS_LAYOUT layout, const CBLAS_TRANSPOSE* transa, const CBLAS_TRANSPOSE* transb,
+                           const ORK_INT* m, const ORK_INT* n, const ORK_INT* k, const float* alpha, const float** a,
+                           const ORK_INT* lda, const float** b, const ORK_INT* ldb, const float* beta, float** c,
+                           const ORK_INT* ldc, ORK_INT group_count, const ORK_INT* group_size);
+void ORK_NAME(dgemm_batch)(CBLAS_LAYOUT layout, const CBLAS_TRANSPOSE* transa, const CBLAS_TRANSPOSE* transb,
+                           const ORK_INT* m, const ORK_INT* n, const ORK_INT* k, const double* alpha, const double** a,
+                           const ORK_INT* lda, const double** b, const ORK_INT* ldb, const double* beta, double** c,
+                           const ORK_INT* ldc, ORK_INT group_count, const ORK_INT* group_size);
+void ORK_NAME(cgemm_batch)(CBLAS_LAYOUT layout, const CBLAS_TRANSPOSE* transa, const CBLAS_TRANSPOSE* transb,
+                           const ORK_INT* m, const ORK_INT* n, const ORK_INT* k, const void* alpha, const void** a,
+                           const ORK_INT* lda, const void** b, const ORK_INT* ldb, const void* beta, void** c,
+                           const ORK_INT* ldc, ORK_INT group_count, const ORK_INT* group_size);
+void ORK_NAME(zgemm_batch)(CBLAS_LAYOUT layout, const CBLAS_TRANSPOSE* transa, const CBLAS_TRANSPOSE* transb,
+                           const ORK_INT* m, const ORK_INT* n, const ORK_INT* k, const void* alpha, const void** a,
+                           const ORK_INT* lda, const void** b, const ORK_INT* ldb, const void* beta, void** c,
+                           const ORK_INT* ldc, ORK_INT group_count, const ORK_INT* group_size);
+
 /* batch_size multiplies of one shape: the i-th, from 0 on, of the matrices at a + i stridea, b + i strideb, c + i
    stridec. */
 void ORK_NAME(sgemm_batch_strided)(CBLAS_LAYOUT layout, CBLAS_TRANSPOSE transa, CBLAS_TRANSPOSE transb, ORK_INT m,

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// dgemm as applications call it: storage orders, quick returns, and threads that change no bit.
+// dgemm as applications call it: quick returns, and threads that change no bit.
 
 #include <atomic>
 #include <thread>
@@ -7,12 +7,10 @@
 #include <gtest/gtest.h>
 
 #include "ork/blas.h"
-#include "ork/cblas.h"
 #include "ork/ork.h"
 #include "support/compare.h"
 #include "support/process.h"
 #include "support/random.h"
-#include "support/reference.h"
 
 namespace ork::test {
 
@@ -63,40 +61,6 @@ Values serial(const Problem& p)
 {
     const ThreadCount one(1);
     return p.run();
-}
-
-TEST(Dgemm, ByRowsIsTheProductOfTheTransposedMatrices)
-{
-    for (const Shape s : {Shape{3, 4, 5}, {12, 7, 9}, {40, 17, 30}, {1, 9, 4}})
-        for (const char ta : {'N', 'T', 'C'})
-            for (const char tb : {'N', 'T', 'C'}) {
-                SCOPED_TRACE(testing::Message() << s << " " << ta << tb);
-                const auto code = [](char t) {
-                    return t == 'N' ? CblasNoTrans : t == 'T' ? CblasTrans : CblasConjTrans;
-                };
-                // By rows element (i, j) of op(A) is that of the transposed matrix by columns.
-                const auto flip = [](char t) { return t == 'N' ? 'T' : 'N'; };
-                const std::int64_t lda = (ta == 'N' ? s.k : s.m) + 2, ldb = (tb == 'N' ? s.n : s.k) + 1, ldc = s.n + 3;
-                const Values a = uniform_values<double>(lda * (ta == 'N' ? s.m : s.k), 1);
-                const Values b = uniform_values<double>(ldb * (tb == 'N' ? s.k : s.n), 2);
-                const Values c = uniform_values<double>(ldc * s.m, 3);
-                Values columns(s.m * s.n);
-                for (std::int64_t i = 0; i < s.m; ++i)
-                    for (std::int64_t j = 0; j < s.n; ++j) columns[i + j * s.m] = c[i * ldc + j];
-                const auto want = reference_gemm<double>(flip(ta), flip(tb), s.m, s.n, s.k, 0.75, a.data(), lda,
-                                                         b.data(), ldb, -0.5, columns.data(), s.m);
-                Values got = c;
-                cblas_dgemm(CblasRowMajor, code(ta), code(tb), static_cast<int32_t>(s.m), static_cast<int32_t>(s.n),
-                            static_cast<int32_t>(s.k), 0.75, a.data(), static_cast<int32_t>(lda), b.data(),
-                            static_cast<int32_t>(ldb), -0.5, got.data(), static_cast<int32_t>(ldc));
-                for (std::int64_t i = 0; i < s.m; ++i)
-                    for (std::int64_t j = 0; j < ldc; ++j) {
-                        if (j < s.n)
-                            expect_near(got[i * ldc + j], want[i + j * s.m], static_cast<double>(s.k) + 2);
-                        else
-                            expect_same_bits(got[i * ldc + j], c[i * ldc + j]);
-                    }
-            }
 }
 
 // What the quick returns leave alone holds NaN or is no memory at all.

@@ -113,6 +113,7 @@ TEST(DropIn, ExportsTheBlasAndNothingElse)
 #define ORDERED_ROUTINE ROUTINE
 #define FORTRAN_ROUTINE(n, routine, ...) fortran(#routine);
 #define OWN_ROUTINE(...)
+#define BATCH_ROUTINE(routine, ...) fortran(#routine), c(#routine);
 #define EXTENSION_FUNCTION ROUTINE
 #define FUNCTION(n, routine, ...) fortran(#routine), fortran(#routine "sub"), c(#routine);
 #define COMPLEX_FUNCTION(n, routine, ...) fortran(#routine), fortran(#routine "sub"), c(#routine "_sub");
