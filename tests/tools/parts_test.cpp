@@ -104,6 +104,103 @@ TEST(ResultChecks, RejectEveryFaultyVectorRoutine)
     EXPECT_NE(fault("idamax", iamax<2>), "");
 }
 
+// Every routine of levels 2 and 3 that computes nothing, and one of each kind with faults that show in one element
+// only.
+void does_nothing() {}
+
+TEST(ResultChecks, RejectRoutinesThatDoNothing)
+{
+    constexpr const char* letters[] = {"", "N", "L", "LN", "UC", "LL", "LTN", "LNN", "LUNN"};
+    const auto fault = [](peers::Problem& problem) { return problem.check(reinterpret_cast<void*>(does_nothing)); };
+    int cases = 0;
+    for (const char* l : letters) {
+        for (const std::string& routine : peers::level2_routines())
+            if (const auto problem = peers::make_level2({routine, l, 9, peers::is_band(routine) ? 2 : 9}); problem) {
+                EXPECT_NE(fault(*problem), "") << routine << ' ' << l;
+                ++cases;
+            }
+        for (const std::string& routine : peers::level3_routines())
+            if (const auto problem = peers::make_level3({routine, l, 9, 7}); problem) {
+                EXPECT_NE(fault(*problem), "") << routine << ' ' << l;
+                ++cases;
+            }
+    }
+    EXPECT_GE(cases, 100);
+}
+
+template <int fault>
+void trsm(const char* side, const char* uplo, const char* trans, const char* diag, const int* m, const int* n,
+          const double* alpha, const double* a, const int* lda, double* b, const int* ldb)
+{
+    const char other = *uplo == 'L' ? 'U' : 'L';
+    const double minus = -*alpha;
+    if constexpr (fault == 1) return dtrsm_(side, &other, trans, diag, m, n, alpha, a, lda, b, ldb);
+    if constexpr (fault == 2) return dtrsm_(side, uplo, trans, "U", m, n, alpha, a, lda, b, ldb);
+    if constexpr (fault == 3) return dtrsm_(side, uplo, trans, diag, m, n, &minus, a, lda, b, ldb);
+    if constexpr (fault == 4) return dtrmm_(side, uplo, trans, diag, m, n, alpha, a, lda, b, ldb);
+    const double kept = b[*m - 1];
+    dtrsm_(side, uplo, trans, diag, m, n, alpha, a, lda, b, ldb);
+    if constexpr (fault == 5) b[*m - 1] = kept;
+    if constexpr (fault == 6) b[*m] = nan;
+}
+
+template <int fault>
+void syrk(const char* uplo, const char* trans, const int* n, const int* k, const double* alpha, const double* a,
+          const int* lda, const double* beta, double* c, const int* ldc)
+{
+    const int less = *k - 1;
+    const char other = *uplo == 'L' ? 'U' : 'L';
+    if constexpr (fault == 1) return dsyrk_(&other, trans, n, k, alpha, a, lda, beta, c, ldc);
+    if constexpr (fault == 2) return dsyrk_(uplo, trans, n, &less, alpha, a, lda, beta, c, ldc);
+    dsyrk_(uplo, trans, n, k, alpha, a, lda, beta, c, ldc);
+    if constexpr (fault == 3) c[*n * *n - 1] += 1e-9;
+    if constexpr (fault == 4) c[*uplo == 'L' ? *n : 1] = 0; // the triangle that is not to be touched
+}
+
+template <int fault>
+void symv(const char* uplo, const int* n, const double* alpha, const double* a, const int* lda, const double* x,
+          const int* incx, const double* beta, double* y, const int* incy)
+{
+    const char other = *uplo == 'L' ? 'U' : 'L';
+    if constexpr (fault == 1) return dsymv_(&other, n, alpha, a, lda, x, incx, beta, y, incy);
+    dsymv_(uplo, n, alpha, a, lda, x, incx, beta, y, incy);
+    if constexpr (fault == 2) y[*n - 1] *= 1 + 1e-9;
+}
+
+template <int fault>
+void ger(const int* m, const int* n, const double* alpha, const double* x, const int* incx, const double* y,
+         const int* incy, double* a, const int* lda)
+{
+    const int less = *n - 1;
+    if constexpr (fault == 1) return dger_(m, &less, alpha, x, incx, y, incy, a, lda);
+    dger_(m, n, alpha, x, incx, y, incy, a, lda);
+    if constexpr (fault == 2) a[0] = nan;
+}
+
+TEST(ResultChecks, RejectEveryFaultyMatrixRoutine)
+{
+    const auto check = [](const auto& problem, auto* function) {
+        return problem->check(reinterpret_cast<void*>(function));
+    };
+    for (const char* letters : {"LLNN", "RUTN"}) {
+        const auto problem = peers::make_level3({"dtrsm", letters, 9, 9});
+        EXPECT_EQ(check(problem, trsm<0>), "");
+        for (auto* f : {trsm<1>, trsm<2>, trsm<3>, trsm<4>, trsm<5>, trsm<6>})
+            EXPECT_NE(check(problem, f), "") << letters;
+    }
+    for (const char* letters : {"LN", "UT"}) {
+        const auto problem = peers::make_level3({"dsyrk", letters, 8, 5});
+        EXPECT_EQ(check(problem, syrk<0>), "");
+        for (auto* f : {syrk<1>, syrk<2>, syrk<3>, syrk<4>}) EXPECT_NE(check(problem, f), "") << letters;
+    }
+    const auto symmetric = peers::make_level2({"dsymv", "L", 9, 9});
+    EXPECT_EQ(check(symmetric, symv<0>), "");
+    for (auto* f : {symv<1>, symv<2>}) EXPECT_NE(check(symmetric, f), "");
+    const auto update = peers::make_level2({"dger", "", 9, 6});
+    EXPECT_EQ(check(update, ger<0>), "");
+    for (auto* f : {ger<1>, ger<2>}) EXPECT_NE(check(update, f), "");
+}
+
 TEST(DemoReport, HoldsOnlyIfSomethingWasCheckedAndAllOfItHolds)
 {
     tool::Report nothing, held, failed, poisoned;
