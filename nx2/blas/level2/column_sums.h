@@ -92,7 +92,7 @@ template <bool conjugated, int count, class Alpha, class T>
 [[gnu::always_inline]] inline void add_totals(Alpha alpha, const Sums<T>* s, T* y)
 {
     constexpr int lanes = Vec<T>::lanes;
-#pragma GCC unroll 4
+#pragma GCC unroll 8
     for (int j = 0; j < count; j += lanes) {
         const Vec<T> result = alpha * total<conjugated>(s + j);
         if (j + lanes <= count)
@@ -106,7 +106,7 @@ template <bool conjugated, int count, class Alpha, class T>
 
 // `count` columns.
 template <bool aligned, bool far, bool conjugated, int count, class Alpha, class T>
-[[gnu::always_inline]] inline void group(Int m, Alpha alpha, const T* a, Int lda, const T* x, T* y)
+[[gnu::always_inline]] inline void group(Int ahead, Int m, Alpha alpha, const T* a, Int lda, const T* x, T* y)
 {
     constexpr int lanes = Vec<T>::lanes, pass = 64 / sizeof(T); // a line
     constexpr int full = (count + lanes - 1) / lanes * lanes;
@@ -131,7 +131,7 @@ template <bool aligned, bool far, bool conjugated, int count, class Alpha, class
         };
         const Int rows = m < chunk ? m : chunk;
         for (Int i = rows / pass; i > 0; --i) {
-            if constexpr (far) column.prefetch();
+            if constexpr (far) column.prefetch(ahead);
 #pragma GCC unroll 4
             for (int r = 0; r < pass; r += 2 * lanes) {
                 full_step.template operator()<false>(r);
@@ -161,16 +161,41 @@ template <bool aligned, bool far, bool conjugated, int count, class Alpha, class
     }
 }
 
+// Columns of two registers, which the general way spends more on beginning than on adding. The same sums.
+template <bool conjugated, class Alpha, class T>
+requires(!is_complex<T>) [[gnu::noinline]] void two_registers(Int n, Alpha alpha, const T* a, Int lda, const T* x, T* y)
+{
+    constexpr int lanes = Vec<T>::lanes;
+    const Vec<T> even = load(x), odd = load(x + lanes);
+    const auto columns = [&]<int count>() __attribute__((always_inline))
+    {
+        Sums<T> s[lanes];
+#pragma GCC unroll 4
+        for (int j = 0; j < count; ++j, a += lda) s[j].even = load(a) * even, s[j].odd = load(a + lanes) * odd;
+        add_totals<conjugated, count>(alpha, s, y);
+        y += count, n -= count;
+    };
+    while (n >= lanes) columns.template operator()<lanes>();
+    if constexpr (lanes == 4)
+        if (n & 2) columns.template operator()<2>();
+    if (n & 1) columns.template operator()<1>();
+}
+
 // m rows, n columns
 template <bool aligned, bool far, bool conjugated, class Alpha, class T>
-[[gnu::noinline]] void all(Int m, Int n, Alpha alpha, const T* a, Int lda, const T* x, T* y)
+[[gnu::noinline]] void all(Int ahead, Int m, Int n, Alpha alpha, const T* a, Int lda, const T* x, T* y)
 {
-    for (; n >= 4; n -= 4, a += 4 * lda, y += 4) group<aligned, far, conjugated, 4>(m, alpha, a, lda, x, y);
-    if (n & 2) {
-        group<aligned, far, conjugated, 2>(m, alpha, a, lda, x, y);
-        a += 2 * lda, y += 2;
-    }
-    if (n & 1) group<aligned, far, conjugated, 1>(m, alpha, a, lda, x, y);
+    const auto columns = [&]<int count>() __attribute__((always_inline))
+    {
+        group<aligned, far, conjugated, count>(ahead, m, alpha, a, lda, x, y);
+        n -= count, a += count * lda, y += count;
+    };
+    if constexpr (!is_complex<T>) // as many as there are accumulators for; not worth it where they add little
+        if (m >= 32)
+            while (n >= 6) columns.template operator()<6>();
+    while (n >= 4) columns.template operator()<4>();
+    if (n & 2) columns.template operator()<2>();
+    if (n & 1) columns.template operator()<1>();
 }
 
 } // namespace sums
@@ -179,12 +204,18 @@ template <bool aligned, bool far, bool conjugated, class Alpha, class T>
 template <bool conjugated, class Alpha, class T>
 inline void add_column_sums(Loads loads, Int m, Int n, Alpha alpha, const T* a, Int lda, const T* x, T* y)
 {
-    with_loads(loads, [&]<bool aligned, bool far>() {
-        if constexpr (std::is_same_v<Alpha, T>)
-            sums::all<aligned, far, conjugated>(m, n, Factor<T>(alpha), a, lda, x, y);
-        else
-            sums::all<aligned, far, conjugated>(m, n, alpha, a, lda, x, y);
-    });
+    const auto run = [&](auto factor) __attribute__((always_inline))
+    {
+        if constexpr (!is_complex<T>)
+            if (m == 2 * Vec<T>::lanes) return sums::two_registers<conjugated>(n, factor, a, lda, x, y);
+        with_loads(loads, [&]<bool aligned, bool far>() {
+            sums::all<aligned, far, conjugated>(loads.ahead, m, n, factor, a, lda, x, y);
+        });
+    };
+    if constexpr (std::is_same_v<Alpha, T>)
+        run(Factor<T>(alpha));
+    else
+        run(alpha);
 }
 
 } // namespace ork::level2

@@ -28,7 +28,7 @@ private:
 // `count` columns at a time; y streams by. The chains of additions of `together` registers of y run side by side: one
 // after the other they lost a quarter.
 template <bool aligned, bool far, int count, class T>
-[[gnu::noinline]] void sweep(Int m, const T* a, Int lda, const T* t, T* y)
+[[gnu::noinline]] void sweep(Int m, const T* a, Int lda, const T* t, T* y, Int ahead = 0)
 {
     constexpr int lanes = Vec<T>::lanes, together = is_complex<T> ? 2 : 4;
     const Factors<T, count> f(t);
@@ -49,7 +49,7 @@ template <bool aligned, bool far, int count, class T>
         y += registers * width;
     };
     for (Int pass = m / (together * lanes); pass > 0; --pass) {
-        if constexpr (far) column.prefetch();
+        if constexpr (far) column.prefetch(ahead);
         step.template operator()<lanes, together>();
     }
     if constexpr (together == 4)
@@ -71,12 +71,21 @@ template <int width, int registers, class Alpha, class T>
     Vec<T> s[registers];
 #pragma GCC unroll 8
     for (int r = 0; r < registers; ++r) s[r] = load<width>(y + row(r));
-#pragma GCC unroll 1
-    for (; n > 0; --n, a += lda, x += incx) {
-        const Factor<T> f(alpha * get(x));
+    const auto column = [&](const T* c, const T* element) __attribute__((always_inline))
+    {
+        const Factor<T> f(alpha * get(element));
 #pragma GCC unroll 8
-        for (int r = 0; r < registers; ++r) s[r] = sum(s[r], f * load<width>(a + row(r)));
+        for (int r = 0; r < registers; ++r) s[r] = sum(s[r], f * load<width>(c + row(r)));
+    };
+#pragma GCC unroll 1
+    for (; n >= 2; n -= 2) { // what it takes to count is noticeable
+        column(a, x);
+        a += lda, x += incx;
+        asm("" : "+r"(a), "+r"(x)); // as they stand: GCC would make nine of a
+        column(a, x);
+        a += lda, x += incx;
     }
+    if (n > 0) column(a, x);
 #pragma GCC unroll 8
     for (int r = 0; r < registers; ++r) store<width>(y + row(r), s[r]);
 }
@@ -85,8 +94,6 @@ template <int width, int registers, class Alpha, class T>
 {
     tile<width, registers>(m, n, alpha, a, lda, x, incx, y);
 }
-
-constexpr Int near_bytes = 64 << 10;
 
 template <class T>
 constexpr Int tile_rows = 8 * Vec<T>::lanes;
@@ -98,32 +105,44 @@ inline void few_rows(Int m, Int n, Alpha alpha, const T* a, Int lda, const T* x,
     with_tile<T>(m, [&]<int width, int registers>() { one_tile<width, registers>(m, n, alpha, a, lda, x, incx, y); });
 }
 
+// Where the columns stay in the nearest caches, one tile after the other is a tenth faster than sweeps.
+constexpr Int near_bytes = 96 << 10, enough_columns = 16;
+
+template <class T>
+inline bool suits_tiles(Int n, Int lda)
+{
+    return n >= enough_columns && n * (lda < 0 ? -lda : lda) * Int(sizeof(T)) <= near_bytes;
+}
+
+template <class T>
+inline void tiles(Int m, Int n, const T* a, Int lda, const T* t, T* y)
+{
+    constexpr Int rows = tile_rows<T>, lanes = Vec<T>::lanes;
+    for (; m >= 2 * rows; m -= rows, a += rows, y += rows) tile<lanes, 8>(rows, n, One(), a, lda, t, Int{1}, y);
+    if (m > rows) { // two of about the same size
+        const Int part = (m / 2 + lanes - 1) / lanes * lanes;
+        few_rows(part, n, One(), a, lda, t, Int{1}, y);
+        m -= part, a += part, y += part;
+    }
+    few_rows(m, n, One(), a, lda, t, Int{1}, y);
+}
+
 } // namespace columns
 
 // m rows and n columns; t(0 .. n) contiguous.
 template <class T>
 [[gnu::noinline]] void add_columns(Loads loads, Int m, Int n, const T* a, Int lda, const T* t, T* y)
 {
+    if (m <= columns::tile_rows<T> || columns::suits_tiles<T>(n, lda)) return columns::tiles(m, n, a, lda, t, y);
     constexpr int most = is_complex<T> ? 4 : 8; // their factors fill half of the registers
-    constexpr Int rows = columns::tile_rows<T>, lanes = Vec<T>::lanes;
-    // Tiles are a tenth faster where the columns stay in the nearest caches and there are enough of them.
-    if (m <= rows || (n >= 16 && m * n * Int(sizeof(T)) <= columns::near_bytes)) {
-        for (; m >= 2 * rows; m -= rows, a += rows, y += rows)
-            columns::tile<lanes, 8>(rows, n, One(), a, lda, t, Int{1}, y);
-        if (m > rows) { // two of about the same size
-            const Int part = (m / 2 + lanes - 1) / lanes * lanes;
-            columns::few_rows(part, n, One(), a, lda, t, Int{1}, y);
-            m -= part, a += part, y += part;
-        }
-        return columns::few_rows(m, n, One(), a, lda, t, Int{1}, y);
-    }
     with_loads(loads, [&]<bool aligned, bool far>() {
-        for (; n >= most; n -= most, a += most * lda, t += most) columns::sweep<aligned, far, most>(m, a, lda, t, y);
+        for (; n >= most; n -= most, a += most * lda, t += most)
+            columns::sweep<aligned, far, most>(m, a, lda, t, y, loads.ahead);
     });
-    if constexpr (most == 8)
-        if (n & 4) {
+    if constexpr (most > 4)
+        if (n >= 4) {
             columns::sweep<false, false, 4>(m, a, lda, t, y);
-            a += 4 * lda, t += 4;
+            n -= 4, a += 4 * lda, t += 4;
         }
     if (n & 2) {
         columns::sweep<false, false, 2>(m, a, lda, t, y);

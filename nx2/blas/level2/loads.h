@@ -9,16 +9,27 @@ namespace ork::level2 {
 
 struct Loads {
     bool aligned = false; // every column begins at a multiple of 16 bytes
-    bool far = false;     // it comes from memory: lines are asked for ahead of their turn
+    Int ahead = 0;        // bytes from a line to the one that is asked for meanwhile; 0: none is
 };
 
-// A third more speed from memory, but a tenth less from the caches, so only what exceeds them.
-constexpr Int far_bytes = 16 << 20;
+// Asking ahead down a column gains up to a third where the matrix comes from memory, but costs a tenth where it is in a
+// cache. A few columns may be the panel of a triangular solve, so for them the matrix counts as square. Columns that
+// are short and far apart gain from the third level of cache on: the lines wanted next are in later columns.
+constexpr Int far_bytes = 10 << 20, apart_bytes = 1 << 20, few_columns = 32, short_column = 2 * ahead,
+              columns_ahead = 16;
 
 template <class T>
 inline Loads loads_of(Int m, Int n, const T* a, Int lda)
 {
-    return {aligned16(a) && lda * Int(sizeof(T)) % 16 == 0, m * n * Int(sizeof(T)) >= far_bytes};
+    const Int column = lda * Int(sizeof(T));
+    Loads loads = {aligned16(a) && column % 16 == 0, 0};
+    if (m * Int(sizeof(T)) < short_column) {
+        // Columns at multiples of a page would drive each other out of the first level of cache.
+        if (n * column >= (column % 4096 == 0 ? far_bytes : apart_bytes)) loads.ahead = columns_ahead * column;
+    } else if ((n <= few_columns && n < lda ? lda : n) * column >= far_bytes) {
+        loads.ahead = ahead;
+    }
+    return loads;
 }
 
 // Calls body.operator()<aligned, far>().
@@ -26,7 +37,7 @@ template <class Body>
 inline void with_loads(Loads loads, Body&& body)
 {
     with_flag(loads.aligned, [&]<bool aligned>() {
-        with_flag(loads.far, [&]<bool far>() { body.template operator()<aligned, far>(); });
+        with_flag(loads.ahead != 0, [&]<bool far>() { body.template operator()<aligned, far>(); });
     });
 }
 
@@ -96,12 +107,14 @@ public:
             asm("" : "+r"(far_));
         }
     }
-    // The lines `ahead` bytes below the present row, of every column. Never faults.
-    [[gnu::always_inline]] void prefetch() const
+    // The lines so many bytes behind the present row of every column. Never faults.
+    [[gnu::always_inline]] void prefetch(Int distance) const
     {
 #pragma GCC unroll 8
         for (int j = 0; j < count; ++j)
-            _mm_prefetch(reinterpret_cast<const char*>(reinterpret_cast<std::uintptr_t>(byte(j)) + ahead), _MM_HINT_T0);
+            _mm_prefetch(reinterpret_cast<const char*>(reinterpret_cast<std::uintptr_t>(byte(j)) +
+                                                       static_cast<std::uintptr_t>(distance)),
+                         _MM_HINT_T0);
     }
 
 private:

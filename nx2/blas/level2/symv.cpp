@@ -76,7 +76,7 @@ void symv(const char* uplo, Int n, T alpha, const T* a, Int lda, const T* x, Int
     scale(n, beta, Strided<T>(y, n, incy));
     if (alpha == T{}) return;
     with_triangle(uplo, loads, [&]<bool upper, bool aligned>() {
-        if (incx == 1 && incy == 1) return add_product<upper, aligned>(loads.far, n, alpha, a, lda, x, y);
+        if (incx == 1 && incy == 1) return add_product<upper, aligned>(loads.ahead != 0, n, alpha, a, lda, x, y);
         add_product<upper, aligned, T>(n, alpha, a, lda, {x, n, incx}, {y, n, incy});
     });
 }
@@ -86,8 +86,9 @@ void symv_kernel(const char* uplo, Int n, T alpha, const T* a, Int lda, const T*
 {
     if (n == 0 || alpha == T{}) return;
     const Loads loads = loads_of(n, n, a, lda);
-    with_triangle(uplo, loads,
-                  [&]<bool upper, bool aligned>() { add_product<upper, aligned>(loads.far, n, alpha, a, lda, x, y); });
+    with_triangle(uplo, loads, [&]<bool upper, bool aligned>() {
+        add_product<upper, aligned>(loads.ahead != 0, n, alpha, a, lda, x, y);
+    });
 }
 
 } // namespace

@@ -84,7 +84,7 @@ template <bool aligned, bool far, int count, class T>
         x += done, y += done;
     };
     for (Int i = rows / (pass * lanes); i > 0; --i) {
-        if constexpr (far) column.prefetch();
+        if constexpr (far) column.prefetch(ahead);
 #pragma GCC unroll 2
         for (int r = 0; r < pass; ++r) step.template operator()<lanes>(r * lanes, load<lanes>(x + r * lanes));
         advance(pass * lanes);

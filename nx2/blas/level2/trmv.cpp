@@ -60,7 +60,7 @@ template <class Shape, int count, class T>
 template <class Shape, class T>
 [[gnu::noinline]] void small_product(Loads loads, Int n, const T* a, Int lda, T* x)
 {
-    loads.far = false;
+    loads.ahead = 0;
     each_group(
         Shape::upper != Shape::transposed, n, [&]<int count>(Int j) __attribute__((always_inline)) {
             const T* const block = a + j * lda;
