@@ -243,7 +243,7 @@ Call::Call(const TableRow& row, std::int64_t room)
 
 std::int64_t Call::capacity(std::size_t i) const
 {
-    constexpr std::int64_t longest_vector = 8192;
+    constexpr std::int64_t longest_vector = 10000;
     const Argument& a = row->arguments[i];
     if (a.is_option() || a.is_integer()) return 0;
     return a.role == Role::scalar ? 1 : row->is_matrix(i) ? room : std::min(room, longest_vector);

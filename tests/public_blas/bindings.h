@@ -69,7 +69,7 @@ std::ostream& operator<<(std::ostream& out, const Binding& b);
 
 std::vector<Binding> bindings_of(const TableRow& row);
 
-// Argument values of one call, in Fortran order, and room for elements behind each pointer, in a vector 8192 at most.
+// Argument values of one call, in Fortran order, and room for elements behind each pointer, in a vector 10000 at most.
 struct Call {
     using Wide = std::complex<double>;
 
