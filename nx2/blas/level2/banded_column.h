@@ -236,6 +236,25 @@ private:
     Int row_ = 0;
 };
 
+// In one store: a load of the whole element right behind stores of its parts would wait for both.
+inline void put_whole(float* p, float a) { put(p, a); }
+inline void put_whole(double* p, double a) { put(p, a); }
+inline void put_whole(Complex<float>* p, Complex<float> a)
+{
+    store<1>(p, Vec<Complex<float>>{{_mm_unpacklo_ps(_mm_set_ss(a.re), _mm_set_ss(a.im))}});
+}
+inline void put_whole(Complex<double>* p, Complex<double> a) { store(reals(p), Vec<double>{_mm_set_pd(a.im, a.re)}); }
+
+// y <- y + t a of one element.
+template <class T>
+[[gnu::always_inline]] inline void add_one(T* y, Factor<T> factor, T t, const T* a)
+{
+    if constexpr (is_complex<T>)
+        store<1>(y, sum(load<1>(y), times<1>(factor, a)));
+    else
+        put(y, get(y) + t * get(a));
+}
+
 // Columns of few elements, and y with increments.
 template <class T>
 [[gnu::always_inline]] inline void add_one_by_one(const StoredColumn<const T>& c, T t, Strided<T> y)
@@ -243,7 +262,7 @@ template <class T>
     const Factor<T> factor(t);
     T* p = y.at(c.row);
 #pragma GCC unroll 2
-    for (Int i = 0; i < c.count; ++i, p += y.inc) store<1>(p, sum(load<1>(p), times<1>(factor, c.a + i)));
+    for (Int i = 0; i < c.count; ++i, p += y.inc) add_one(p, factor, t, c.a + i);
 }
 template <class T>
 [[gnu::always_inline]] inline T sum_one_by_one(const StoredColumn<const T>& c, Strided<const T> x, bool conjugated)
@@ -263,7 +282,7 @@ template <class T>
     T s{};
     y += c.row, x += c.row;
     for (Int i = 0; i < c.count; ++i) {
-        store<1>(y + i, sum(load<1>(y + i), times<1>(factor, c.a + i)));
+        add_one(y + i, factor, t, c.a + i);
         s = s + (conjugated ? conjugate<true>(get(c.a + i)) : get(c.a + i)) * get(x + i);
     }
     return s;
@@ -292,24 +311,27 @@ template <int parts, class T>
     return s.total(conjugated);
 }
 
+// `narrow`: all columns are of few elements and the vectors contiguous. A kernel is compiled for itself then, and what
+// it does for a column is little more than the arithmetic.
+
 // y(row .. row + count) <- y + t a.
-template <class T>
+template <bool narrow, class T>
 [[gnu::always_inline]] inline void add_column(const StoredColumn<const T>& c, T t, Strided<T> y, bool far)
 {
-    if (!y.contiguous()) return add_one_by_one(c, t, y);
-    if (c.count < few<T>) return add_one_by_one(c, t, Strided<T>(y.first));
+    if (!narrow && !y.contiguous()) return add_one_by_one(c, t, y);
+    if (narrow || c.count < few<T>) return add_one_by_one(c, t, Strided<T>(y.first));
     Pass<true, false, 1, 1, T> pass({c}, {t}, y.first, nullptr);
     pass.begin(far);
     pass.template finish<0>();
 }
 
 // Sum of a x(row .. row + count), or of conj(a) x.
-template <class T>
+template <bool narrow, class T>
 [[gnu::always_inline]] inline T column_sum(const StoredColumn<const T>& c, Strided<const T> x, bool conjugated,
                                            bool far)
 {
-    if (!x.contiguous()) return sum_strided<parts_alone<T>>(c, x, conjugated);
-    if (c.count < few<T>) return sum_one_by_one(c, Strided<const T>(x.first), conjugated);
+    if (!narrow && !x.contiguous()) return sum_strided<parts_alone<T>>(c, x, conjugated);
+    if (narrow || c.count < few<T>) return sum_one_by_one(c, Strided<const T>(x.first), conjugated);
     Pass<false, true, 1, parts_alone<T>, T> pass({c}, {T{}}, nullptr, x.first);
     pass.begin(far);
     pass.template finish<0>();
@@ -317,15 +339,15 @@ template <class T>
 }
 
 // Both; x and y do not overlap.
-template <class T>
+template <bool narrow, class T>
 [[gnu::always_inline]] inline T add_and_sum(const StoredColumn<const T>& c, T t, Strided<T> y, Strided<const T> x,
                                             bool conjugated, bool far)
 {
-    if (!x.contiguous() || !y.contiguous()) {
+    if (!narrow && (!x.contiguous() || !y.contiguous())) {
         add_one_by_one(c, t, y);
         return sum_strided<parts_beside_y<T>>(c, x, conjugated);
     }
-    if (c.count < few<T>) return add_and_sum_one_by_one(c, t, y.first, x.first, conjugated);
+    if (narrow || c.count < few<T>) return add_and_sum_one_by_one(c, t, y.first, x.first, conjugated);
     Pass<true, true, 1, parts_beside_y<T>, T> pass({c}, {t}, y.first, x.first);
     pass.begin(far);
     pass.template finish<0>();

@@ -23,11 +23,12 @@ struct Band {
     Int columns() const { return n < m + ku ? n : m + ku; }
 };
 
-template <class T>
+template <bool narrow, class T>
 [[gnu::noinline]] void add_product(const Band<T> band, T alpha, Strided<const T> x, Strided<T> y)
 {
+    if constexpr (narrow) x.inc = y.inc = 1;
     using Pair = Pass<true, false, 2, 1, T>;
-    const bool far = band.far(), pairs = band.kl + band.ku >= few<T> && y.contiguous();
+    const bool far = band.far(), pairs = !narrow && y.contiguous();
     const Int n = band.columns();
     for (Int j = 0; j < n; ++j) {
         const T t = alpha * get(x.at(j));
@@ -43,18 +44,19 @@ template <class T>
                 continue;
             }
         }
-        add_column(column, t, y, far);
+        add_column<narrow>(column, t, y, far);
     }
 }
 
-template <class T>
+template <bool narrow, class T>
 [[gnu::noinline]] void add_transposed_product(const Band<T> band, T alpha, Strided<const T> x, Strided<T> y,
                                               bool conjugated)
 {
+    if constexpr (narrow) x.inc = y.inc = 1;
     using Pair = Pass<false, true, 2, parts_alone<T>, T>;
-    const bool far = band.far(), pairs = band.kl + band.ku >= few<T> && x.contiguous();
+    const bool far = band.far(), pairs = !narrow && x.contiguous();
     const Int n = band.columns();
-    const auto add = [&](Int j, T sum) { put(y.at(j), get(y.at(j)) + alpha * sum); };
+    const auto add = [&](Int j, T sum) { put_whole(y.at(j), get(y.at(j)) + alpha * sum); };
     for (Int j = 0; j < n; ++j) {
         const auto column = band.column(j);
         if (pairs && j + 1 < n) {
@@ -69,7 +71,7 @@ template <class T>
                 continue;
             }
         }
-        add(j, column_sum(column, x, conjugated, far));
+        add(j, column_sum<narrow>(column, x, conjugated, far));
     }
 }
 
@@ -83,10 +85,13 @@ void gbmv(Op op, const Band<T>& band, T alpha, const T* x, Int incx, T beta, T* 
     if (alpha == T{}) return;
     contiguous(lenx, Strided<const T>(x, lenx, incx), [&](Strided<const T> v) {
         contiguous(leny, all_y, [&](Strided<T> w) {
-            if (op.transposed)
-                add_transposed_product(band, alpha, v, w, op.conjugated);
-            else
-                add_product(band, alpha, v, w);
+            const bool few_beside = band.kl + band.ku + 1 < few<T> && v.contiguous() && w.contiguous();
+            with_flag(few_beside, [&]<bool narrow>() {
+                if (op.transposed)
+                    add_transposed_product<narrow>(band, alpha, v, w, op.conjugated);
+                else
+                    add_product<narrow>(band, alpha, v, w);
+            });
         });
     });
 }

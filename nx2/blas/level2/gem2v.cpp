@@ -26,7 +26,7 @@ template <class T>
             add(j, pair.result[0].total(is_complex<T>));
             add(++j, pair.result[1].total(is_complex<T>));
         } else {
-            add(j, add_and_sum(column(j), factor(j), y1, x2, is_complex<T>, far));
+            add(j, add_and_sum<false>(column(j), factor(j), y1, x2, is_complex<T>, far));
         }
     }
 }

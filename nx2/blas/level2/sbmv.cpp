@@ -15,13 +15,14 @@ inline T real_times(Real<T> a, T x)
     return a * x;
 }
 
-template <bool upper, class T>
+template <bool upper, bool narrow, class T>
 [[gnu::noinline]] void add_symmetric(const BandedTriangle<const T>& triangle, T alpha, Strided<const T> x, Strided<T> y)
 {
+    if constexpr (narrow) x.inc = y.inc = 1;
     using Pair = Pass<true, true, 2, parts_beside_y<T>, T>;
-    const bool far = triangle.far(), pairs = triangle.reach > few<T> && x.contiguous() && y.contiguous();
+    const bool far = triangle.far(), pairs = !narrow && x.contiguous() && y.contiguous();
     const auto add = [&](Int j, const T* diagonal, T t, T sum) {
-        put(y.at(j), get(y.at(j)) + real_times(get(reals(diagonal)), t) + alpha * sum);
+        put_whole(y.at(j), get(y.at(j)) + real_times(get(reals(diagonal)), t) + alpha * sum);
     };
     for (Walk<upper, true, const T> walk(triangle); !walk.ended(); walk.advance()) {
         const T t = alpha * get(x.at(walk.j));
@@ -41,7 +42,7 @@ template <bool upper, class T>
                 continue;
             }
         }
-        add(walk.j, walk.diagonal, t, add_and_sum(beside, t, y, x, is_complex<T>, far));
+        add(walk.j, walk.diagonal, t, add_and_sum<narrow>(beside, t, y, x, is_complex<T>, far));
     }
 }
 
@@ -56,7 +57,10 @@ void product(const BandedTriangle<const T>& triangle, T alpha, const T* x, Int i
     if (alpha == T{}) return;
     contiguous(n, Strided<const T>(x, n, incx), [&](Strided<const T> v) {
         contiguous(n, all_y, [&](Strided<T> w) {
-            with_flag(triangle.upper, [&]<bool upper>() { add_symmetric<upper>(triangle, alpha, v, w); });
+            const bool few_beside = triangle.reach < few<T> && v.contiguous() && w.contiguous();
+            with_flag(triangle.upper, [&]<bool upper>() {
+                with_flag(few_beside, [&]<bool narrow>() { add_symmetric<upper, narrow>(triangle, alpha, v, w); });
+            });
         });
     });
 }

@@ -35,7 +35,7 @@ template <class T>
     const Factor<T> factor(t);
     const auto step = [&]<int width>(Int i) __attribute__((always_inline))
     {
-        store<width>(a + i, sum(load<width>(a + i), times<width>(factor, x.at(i))));
+        store<width>(a + i, sum(load<width>(a + i), factor * pinned(load<width>(x.at(i)))));
     };
     Int i = 0;
     if (x.contiguous()) {

@@ -8,11 +8,12 @@
 namespace ork::level2 {
 namespace {
 
-template <bool upper, bool transposed, class T>
+template <bool upper, bool transposed, bool narrow, class T>
 [[gnu::noinline]] void multiply(const BandedTriangle<const T>& triangle, bool conjugated, bool unit, Strided<T> x)
 {
+    if constexpr (narrow) x.inc = 1;
     using Pair = Pass<!transposed, transposed, 2, transposed ? parts_alone<T> : 1, T>;
-    const bool far = triangle.far(), pairs = triangle.reach > few<T> && x.contiguous();
+    const bool far = triangle.far(), pairs = !narrow && x.contiguous();
     const auto own = [&](const T* diagonal, T value) {
         if (unit) return value;
         const T d = get(diagonal);
@@ -28,23 +29,23 @@ template <bool upper, bool transposed, class T>
                 const T other = get(x.at(next.j));
                 T a = own(walk.diagonal, value), b = own(next.diagonal, other);
                 Pair pair({beside, beside_next}, {value, other}, x.first, x.first);
-                if constexpr (!transposed) put(x.at(walk.j), a), put(x.at(next.j), b);
+                if constexpr (!transposed) put_whole(x.at(walk.j), a), put_whole(x.at(next.j), b);
                 pair.begin(far);
                 pair.template finish<0>();
                 pair.template finish<1>();
                 if constexpr (transposed) {
-                    put(x.at(walk.j), a + pair.result[0].total(conjugated));
-                    put(x.at(next.j), b + pair.result[1].total(conjugated));
+                    put_whole(x.at(walk.j), a + pair.result[0].total(conjugated));
+                    put_whole(x.at(next.j), b + pair.result[1].total(conjugated));
                 }
                 walk = next;
                 continue;
             }
         }
         if constexpr (transposed) {
-            put(x.at(walk.j), own(walk.diagonal, value) + column_sum<T>(beside, x, conjugated, far));
+            put_whole(x.at(walk.j), own(walk.diagonal, value) + column_sum<narrow, T>(beside, x, conjugated, far));
         } else {
-            put(x.at(walk.j), own(walk.diagonal, value));
-            add_column(beside, value, x, far);
+            put_whole(x.at(walk.j), own(walk.diagonal, value));
+            add_column<narrow>(beside, value, x, far);
         }
     }
 }
@@ -55,10 +56,12 @@ void product(const BandedTriangle<const T>& triangle, const char* trans, const c
     const Op op(*trans);
     contiguous(triangle.n, Strided<T>(x, triangle.n, incx), [&](Strided<T> v) {
         with_flag(triangle.upper, [&]<bool upper>() {
-            if (op.transposed)
-                multiply<upper, true>(triangle, op.conjugated, is_unit(diag), v);
-            else
-                multiply<upper, false>(triangle, false, is_unit(diag), v);
+            with_flag(triangle.reach < few<T> && v.contiguous(), [&]<bool narrow>() {
+                if (op.transposed)
+                    multiply<upper, true, narrow>(triangle, op.conjugated, is_unit(diag), v);
+                else
+                    multiply<upper, false, narrow>(triangle, false, is_unit(diag), v);
+            });
         });
     });
 }

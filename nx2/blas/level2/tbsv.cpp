@@ -42,14 +42,15 @@ inline StoredColumn<const T> without_nearest(StoredColumn<const T> column, Int c
     return {column.row + count, column.count - count, column.a + count};
 }
 
-template <bool upper, class T>
+template <bool upper, bool narrow, class T>
 [[gnu::noinline]] void solve(const BandedTriangle<const T>& triangle, bool unit, Strided<T> x)
 {
+    if constexpr (narrow) x.inc = 1;
     using Pair = Pass<true, false, 2, 1, T>;
-    const bool far = triangle.far(), pairs = triangle.reach > few<T> + 1 && x.contiguous();
+    const bool far = triangle.far(), pairs = !narrow && x.contiguous();
     const auto solved = [&](const auto& walk, T value) {
         if (!unit) value = divided(value, get(walk.diagonal));
-        put(x.at(walk.j), value);
+        put_whole(x.at(walk.j), value);
         return value;
     };
     T following{}; // the element that comes next, when it is in no hurry to memory
@@ -76,27 +77,33 @@ template <bool upper, class T>
                 continue;
             }
         }
-        add_column(first, minus(value), x, far);
+        add_column<narrow>(first, minus(value), x, far);
     }
 }
 
-template <bool upper, class T>
+template <bool upper, bool narrow, class T>
 [[gnu::noinline]] void solve_transposed(const BandedTriangle<const T>& triangle, bool conjugated, bool unit,
                                         Strided<T> x)
 {
+    if constexpr (narrow) x.inc = 1;
     using Pair = Pass<false, true, 2, parts_alone<T>, T>;
-    const bool far = triangle.far(), pairs = triangle.reach > few<T> + nearest && x.contiguous();
+    const bool far = triangle.far(), pairs = !narrow && x.contiguous();
     const auto coefficient = [&](const T* a) { return conjugated ? conjugate<true>(get(a)) : get(a); };
     const auto near = [](const auto& beside) { return beside.count < nearest ? beside.count : nearest; };
-    const auto finish = [&](const auto& walk, const StoredColumn<const T>& beside, T value) {
+    T last{}; // the element solved last, which is wanted before a store and a load would bring it
+    const auto finish = [&](const auto& walk, const StoredColumn<const T>& beside, T value)
+        __attribute__((always_inline))
+    {
         const T* a = upper ? beside.a + beside.count - near(beside) : beside.a + near(beside) - 1;
         const T* element = x.at(upper ? beside.end() - near(beside) : beside.row + near(beside) - 1);
-        for (Int i = near(beside); i > 0; --i) {
+        for (Int i = near(beside); i > 1; --i) {
             value = value - coefficient(a) * get(element);
             a += upper ? 1 : -1, element += upper ? x.inc : -x.inc;
         }
+        if (beside.count > 0) value = value - coefficient(a) * last;
         if (!unit) value = divided(value, coefficient(walk.diagonal));
-        put(x.at(walk.j), value);
+        last = value;
+        put_whole(x.at(walk.j), value);
     };
     for (Walk<upper, upper, const T> walk(triangle); !walk.ended(); walk.advance()) {
         const auto beside = walk.beside(), first = without_nearest<upper>(beside, near(beside));
@@ -119,7 +126,7 @@ template <bool upper, class T>
                 continue;
             }
         }
-        finish(walk, beside, value - column_sum<T>(first, x, conjugated, far));
+        finish(walk, beside, value - column_sum<narrow, T>(first, x, conjugated, far));
     }
 }
 
@@ -129,10 +136,12 @@ void solve(const BandedTriangle<const T>& triangle, const char* trans, const cha
     const Op op(*trans);
     contiguous(triangle.n, Strided<T>(x, triangle.n, incx), [&](Strided<T> v) {
         with_flag(triangle.upper, [&]<bool upper>() {
-            if (op.transposed)
-                solve_transposed<upper>(triangle, op.conjugated, is_unit(diag), v);
-            else
-                solve<upper>(triangle, is_unit(diag), v);
+            with_flag(triangle.reach < few<T> && v.contiguous(), [&]<bool narrow>() {
+                if (op.transposed)
+                    solve_transposed<upper, narrow>(triangle, op.conjugated, is_unit(diag), v);
+                else
+                    solve<upper, narrow>(triangle, is_unit(diag), v);
+            });
         });
     });
 }
