@@ -111,7 +111,7 @@ struct Strip {
     // Columns at such distances share a few sets of the first level of cache.
     static bool in_place(const Slices<T>& x, Int from)
     {
-        return !x.rows && x.length - from >= width && x.ldb * sizeof(T) % 1024 != 0;
+        return !x.rows && x.length - from >= width && x.ldb * sizeof(T) % 4096 != 0;
     }
 
     void fetch(bool forward, const Slices<T>& x, Int n, Int from)
