@@ -103,14 +103,36 @@ TEST_F(Tool, DemoPrintsSoundNumbersAndAPicture)
 TEST_F(Tool, DemoShowsNothingOfAWrongComputation)
 {
     if (sanitized) GTEST_SKIP() << "a sanitizer's run-time must be preloaded first";
-    for (const char* fault : {"nan", "small"}) {
-        const ChildResult run = ork({"demo", "pca", "--out", folder},
-                                    {"LD_PRELOAD=" ORK_WRONG_BLAS, std::string("ORK_TEST_FAULT=") + fault});
-        EXPECT_EQ(run.exit_code, 1) << fault << run.describe();
-        EXPECT_THAT(run.out, HasSubstr("CHECK FAILED")) << fault;
-        EXPECT_THAT(run.out, Not(HasSubstr("explained"))) << fault;
-        EXPECT_FALSE(fs::exists(folder / "ork-demo-pca.svg")) << fault;
-    }
+    for (const auto& [demo, result] : {std::pair{"pca", "explained"}, {"system", "recognised that"}})
+        for (const char* fault : {"nan", "small"}) {
+            const ChildResult run = ork({"demo", demo, "--out", folder},
+                                        {"LD_PRELOAD=" ORK_WRONG_BLAS, std::string("ORK_TEST_FAULT=") + fault});
+            EXPECT_EQ(run.exit_code, 1) << fault << run.describe();
+            EXPECT_THAT(run.out + run.err, ContainsRegex("CHECK FAILED|singular")) << fault;
+            EXPECT_THAT(run.out, Not(HasSubstr(result))) << fault;
+            EXPECT_FALSE(fs::exists(folder / "ork-demo-pca.svg")) << fault;
+        }
+}
+
+TEST_F(Tool, DemoSolvesASystem)
+{
+    const ChildResult run = ork({"demo", "system", "--checks"});
+    ASSERT_TRUE(run.ok()) << run.describe();
+    EXPECT_THAT(run.out, HasSubstr("system of order 1000"));
+    EXPECT_THAT(run.out, HasSubstr("held: scaled residual"));
+    std::smatch recognised;
+    ASSERT_TRUE(std::regex_search(run.out, recognised, std::regex("([0-9]+) of 798 digits recognised")));
+    const double right = std::stod(recognised[1]);
+    EXPECT_GT(right, 0.9 * 798) << "interpolation recognises most digits";
+    EXPECT_LE(right, 798);
+
+    std::istringstream original(read(ORK_SOURCE_DIR "/examples/data/digits.csv"));
+    std::string line;
+    std::getline(original, line);
+    std::ofstream(folder / "digits.csv") << line << '\n' << line << '\n' << line << '\n' << line << '\n';
+    const ChildResult alike = ork({"demo", "system", "--data", folder});
+    EXPECT_EQ(alike.exit_code, 1);
+    EXPECT_THAT(alike.err, HasSubstr("singular"));
 }
 
 TEST_F(Tool, DemoNamesTheLineOfABadInputFile)

@@ -47,6 +47,6 @@ struct Demo {
 };
 
 const std::vector<Demo>& demos();
-extern const Demo pca;
+extern const Demo pca, linear_system;
 
 } // namespace ork::tool

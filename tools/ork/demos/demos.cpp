@@ -7,7 +7,7 @@ namespace ork::tool {
 
 const std::vector<Demo>& demos()
 {
-    static const std::vector<Demo> all = {pca};
+    static const std::vector<Demo> all = {pca, linear_system};
     return all;
 }
 
