@@ -12,6 +12,9 @@
 #include "ork/cblas.h"
 #include "services/xerbla.h"
 
+// What cblas_xerbla64_ is when no program defines it.
+extern "C" __attribute__((visibility("hidden"))) void ork_own_cblas_xerbla(int64_t, const char*, const char*, ...);
+
 namespace ork::blas {
 
 template <>
@@ -36,11 +39,15 @@ void report_cblas<std::int32_t>(const char* routine, int position)
     cblas_xerbla(position, routine, "");
 }
 
+// A program for libblas64 has 64-bit integers under the plain names, so its own handler is cblas_xerbla. The position
+// fills a register, of which a handler with 32-bit integers looks at the lower half.
 template <>
 void report_cblas<std::int64_t>(const char* routine, int position)
 {
     RowMajorStrg = 0;
-    cblas_xerbla64_(position, routine, "");
+    auto* handler = cblas_xerbla64_;
+    if (handler == ork_own_cblas_xerbla) handler = reinterpret_cast<decltype(handler)>(cblas_xerbla);
+    handler(position, routine, "");
 }
 
 namespace {
@@ -83,6 +90,7 @@ ORK_EXPORT void ork_cblas_xerbla(int64_t position, const char* routine, const ch
 
 ORK_EXPORT decltype(ork_blas_xerbla) xerbla_64_ __attribute__((alias("ork_blas_xerbla")));
 ORK_EXPORT decltype(ork_cblas_lp64_xerbla) cblas_xerbla __attribute__((alias("ork_cblas_lp64_xerbla")));
+extern "C" decltype(ork_cblas_xerbla) ork_own_cblas_xerbla __attribute__((alias("ork_cblas_xerbla")));
 ORK_EXPORT decltype(ork_cblas_xerbla) cblas_xerbla64_ __attribute__((alias("ork_cblas_xerbla")));
 ORK_EXPORT decltype(ork_cblas_xerbla) cblas_xerbla_64 __attribute__((alias("ork_cblas_xerbla")));
 
