@@ -46,7 +46,8 @@ void report_cblas<std::int64_t>(const char* routine, int position)
 {
     RowMajorStrg = 0;
     auto* handler = cblas_xerbla64_;
-    if (handler == ork_own_cblas_xerbla) handler = reinterpret_cast<decltype(handler)>(cblas_xerbla);
+    if (handler == ork_own_cblas_xerbla)
+        handler = reinterpret_cast<decltype(handler)>(reinterpret_cast<void (*)()>(cblas_xerbla));
     handler(position, routine, "");
 }
 

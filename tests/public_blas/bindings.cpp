@@ -252,7 +252,8 @@ std::int64_t Call::capacity(std::size_t i) const
 bool Call::same_elements(const Call& other) const
 {
     for (std::size_t i = 0; i < elements.size(); ++i)
-        if (std::memcmp(elements[i].data(), other.elements[i].data(), elements[i].size() * sizeof(Wide)) != 0)
+        if (!elements[i].empty() &&
+            std::memcmp(elements[i].data(), other.elements[i].data(), elements[i].size() * sizeof(Wide)) != 0)
             return false;
     return true;
 }
