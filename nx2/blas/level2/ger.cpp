@@ -10,7 +10,7 @@ namespace {
 using namespace level2;
 
 // Two columns at a time: one lost a quarter, four lost a tenth.
-template <bool aligned, bool conjugated, class T>
+template <bool aligned, bool far, bool conjugated, class T>
 void update_rows(Int m, Int n, T alpha, const T* x, Strided<const T> y, T* a, Int lda)
 {
     const auto factor = [&](Int j) __attribute__((always_inline))
@@ -20,11 +20,11 @@ void update_rows(Int m, Int n, T alpha, const T* x, Strided<const T> y, T* a, In
     Int j = 0;
     for (; j + 2 <= n; j += 2, a += 2 * lda) {
         const T t[2][1] = {{factor(j)}, {factor(j + 1)}};
-        update::columns<aligned, 2, 1, T>(0, m, {{x}}, t, a, lda);
+        update::columns<aligned, far, 2, 1, T>(0, m, {{x}}, t, a, lda);
     }
-    if (j < n) {
+    for (; j < n; ++j, a += lda) {
         const T t[1][1] = {{factor(j)}};
-        update::columns<aligned, 1, 1, T>(0, m, {{x}}, t, a, lda);
+        update::columns<aligned, far, 1, 1, T>(0, m, {{x}}, t, a, lda);
     }
 }
 
@@ -55,14 +55,14 @@ void ger(Int m, Int n, T alpha, const T* x, Int incx, const T* y, Int incy, T* a
     if (incx == 1 && m <= 8 * Vec<T>::lanes)
         return with_tile<T>(
             m, [&]<int width, int registers>() { tile<width, registers, conjugated>(m, n, alpha, x, from, a, lda); });
-    with_flag(loads_of(m, n, a, lda).aligned, [&]<bool aligned>() {
-        if (incx == 1) return update_rows<aligned, conjugated>(m, n, alpha, x, from, a, lda);
+    with_loads(loads_of(m, n, a, lda), [&]<bool aligned, bool far>() {
+        if (incx == 1) return update_rows<aligned, far, conjugated>(m, n, alpha, x, from, a, lda);
         const Strided<const T> rows(x, m, incx);
         Buffer<T, chunk> gathered;
         for (Int i = 0; i < m; i += chunk) {
             const Int count = m - i < chunk ? m - i : chunk;
             gather(count, rows.from(i), gathered.data());
-            update_rows<aligned, conjugated, T>(count, n, alpha, gathered.data(), from, a + i, lda);
+            update_rows<aligned, false, conjugated, T>(count, n, alpha, gathered.data(), from, a + i, lda);
         }
     });
 }

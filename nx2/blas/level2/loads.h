@@ -65,6 +65,27 @@ inline Vec<T> operator*(MinusOne, Vec<T> x)
     return Factor<T, Real<T>>(-1) * x;
 }
 
+// Stores v(0 .. count) in whole registers, as far as they fill some, so that registers loaded soon after needn't wait
+// for the stores to leave the processor.
+template <int count, class T>
+[[gnu::always_inline]] inline void put_together(T* p, const T (&v)[count])
+{
+    constexpr int lanes = Vec<T>::lanes, whole = count / lanes * lanes;
+#pragma GCC unroll 4
+    for (int i = 0; i < whole; i += lanes) {
+        if constexpr (is_complex<T> && lanes == 2)
+            store<lanes>(p + i, {{_mm_set_ps(v[i + 1].im, v[i + 1].re, v[i].im, v[i].re)}});
+        else if constexpr (is_complex<T>)
+            put(p + i, v[i]);
+        else if constexpr (lanes == 4)
+            store(p + i, {_mm_set_ps(v[i + 3], v[i + 2], v[i + 1], v[i])});
+        else
+            store(p + i, {_mm_set_pd(v[i + 1], v[i])});
+    }
+#pragma GCC unroll 4
+    for (int i = whole; i < count; ++i) put(p + i, v[i]);
+}
+
 template <bool aligned, int width, class T>
 [[gnu::always_inline]] inline Vec<T> load_column(const T* p)
 {

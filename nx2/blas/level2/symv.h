@@ -48,8 +48,7 @@ template <bool upper, int count, class T>
             else
                 sum[i] = sum[i] + t[j] * conjugate<true>(get(a + j + i * lda));
         }
-#pragma GCC unroll 4
-    for (int i = 0; i < count; ++i) put(y + i, sum[i]);
+    put_together(y, sum);
 }
 
 // Rows beside the square: y(i) += t(j) a(i, j), and own(j) += alpha sum of conj(a(i, j)) x(i).

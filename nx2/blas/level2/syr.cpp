@@ -7,28 +7,42 @@ namespace ork {
 namespace {
 using namespace level2;
 
+template <class T>
+struct FactorOf { // of column j
+    Real<T> alpha;
+    Strided<const T> x;
+
+    [[gnu::always_inline]] void operator()(Int j, T (&t)[1]) const
+    {
+        const T element = get(x.at(j));
+        if constexpr (is_complex<T>)
+            t[0] = {alpha * element.re, alpha * -element.im};
+        else
+            t[0] = alpha * element;
+    }
+};
+
+template <class T>
+[[gnu::noinline]] void strided(bool upper, Loads loads, Int first, Int last, Int n, const FactorOf<T>& factor, T* a,
+                               Int lda)
+{
+    Buffer<T, chunk> gathered;
+    for (Int i = 0; i < n; i += chunk) {
+        const Int count = n - i < chunk ? n - i : chunk;
+        gather(count, factor.x.from(i), gathered.data());
+        rank_update<1, T>(upper, loads, i, i + count, first, last, {{gathered.data()}}, a, lda, factor);
+    }
+}
+
 // Columns [first, last).
 template <class T>
 void syr(Int first, Int last, const char* uplo, Int n, Real<T> alpha, const T* x, Int incx, T* a, Int lda)
 {
     if (n == 0 || alpha == 0) return;
-    const Strided<const T> beside(x, n, incx);
-    const bool upper = is_upper(uplo), aligned = loads_of(n, n, a, lda).aligned;
-    const auto factors_of = [&](Int j, T(&t)[1]) __attribute__((always_inline))
-    {
-        const T element = get(beside.at(j));
-        if constexpr (is_complex<T>)
-            t[0] = {alpha * element.re, alpha * -element.im};
-        else
-            t[0] = alpha * element;
-    };
-    if (incx == 1) return rank_update<1, T>(upper, aligned, 0, n, first, last, {{x}}, a, lda, factors_of);
-    Buffer<T, chunk> gathered;
-    for (Int i = 0; i < n; i += chunk) {
-        const Int count = n - i < chunk ? n - i : chunk;
-        gather(count, beside.from(i), gathered.data());
-        rank_update<1, T>(upper, aligned, i, i + count, first, last, {{gathered.data()}}, a, lda, factors_of);
-    }
+    const bool upper = is_upper(uplo);
+    const FactorOf<T> factor{alpha, Strided<const T>(x, n, incx)};
+    if (incx == 1) return rank_update<1, T>(upper, true, n, first, last, {{x}}, a, lda, factor);
+    strided(upper, loads_of(n, n, a, lda), first, last, n, factor, a, lda);
 }
 
 } // namespace

@@ -7,31 +7,45 @@ namespace ork {
 namespace {
 using namespace level2;
 
+template <class T>
+struct FactorsOf { // of column j
+    T alpha;
+    Strided<const T> x, y;
+
+    [[gnu::always_inline]] void operator()(Int j, T (&t)[2]) const
+    {
+        t[0] = alpha * conjugate<true>(get(y.at(j)));
+        t[1] = conjugate<true>(alpha * get(x.at(j)));
+    }
+};
+
+template <class T>
+[[gnu::noinline]] void strided(bool upper, Loads loads, Int first, Int last, Int n, const FactorsOf<T>& factors, T* a,
+                               Int lda)
+{
+    Buffer<T, chunk> x, y;
+    for (Int i = 0; i < n; i += chunk) {
+        const Int count = n - i < chunk ? n - i : chunk;
+        gather(count, factors.x.from(i), x.data());
+        gather(count, factors.y.from(i), y.data());
+        rank_update<2, T>(upper, loads, i, i + count, first, last, {{x.data(), y.data()}}, a, lda, factors);
+    }
+}
+
 // Columns [first, last).
 template <class T>
 void syr2(Int first, Int last, const char* uplo, Int n, T alpha, const T* x, Int incx, const T* y, Int incy, T* a,
           Int lda)
 {
     if (n == 0 || alpha == T{}) return;
-    // The real routines ask the switch; its one loop for all does without aligned accesses.
-    const bool aligned = (is_complex<T> || !one_loop_for_all()) && loads_of(n, n, a, lda).aligned;
+    const bool may_be_aligned = is_complex<T> || !one_loop_for_all(); // the real routines ask the switch
     const bool upper = is_upper(uplo);
-    const Strided<const T> beside_x(x, n, incx), beside_y(y, n, incy);
-    const auto factors_of = [&](Int j, T(&t)[2]) __attribute__((always_inline))
-    {
-        t[0] = alpha * conjugate<true>(get(beside_y.at(j)));
-        t[1] = conjugate<true>(alpha * get(beside_x.at(j)));
-    };
+    const FactorsOf<T> factors{alpha, Strided<const T>(x, n, incx), Strided<const T>(y, n, incy)};
     if (incx == 1 && incy == 1)
-        return rank_update<2, T>(upper, aligned, 0, n, first, last, {{x, y}}, a, lda, factors_of);
-    Buffer<T, chunk> gathered_x, gathered_y;
-    for (Int i = 0; i < n; i += chunk) {
-        const Int count = n - i < chunk ? n - i : chunk;
-        gather(count, beside_x.from(i), gathered_x.data());
-        gather(count, beside_y.from(i), gathered_y.data());
-        rank_update<2, T>(upper, aligned, i, i + count, first, last, {{gathered_x.data(), gathered_y.data()}}, a, lda,
-                          factors_of);
-    }
+        return rank_update<2, T>(upper, may_be_aligned, n, first, last, {{x, y}}, a, lda, factors);
+    Loads loads = loads_of(n, n, a, lda);
+    loads.aligned &= may_be_aligned;
+    strided(upper, loads, first, last, n, factors, a, lda);
 }
 
 } // namespace

@@ -38,22 +38,21 @@ template <class Shape, int count, class T>
 [[gnu::always_inline]] inline void square(const T* a, Int lda, T* x)
 {
     constexpr bool rows_upwards = Shape::upper != Shape::transposed; // row i needs x(j), j > i
-    T v[count];
+    T v[count], result[count];
 #pragma GCC unroll 4
     for (int i = 0; i < count; ++i) v[i] = get(x + i);
 #pragma GCC unroll 4
-    for (int r = 0; r < count; ++r) {
-        const int i = rows_upwards ? r : count - 1 - r;
-        T sum = Shape::unit ? v[i] : conjugate<Shape::conjugated>(get(a + i + i * lda)) * v[i];
+    for (int i = 0; i < count; ++i) {
+        result[i] = Shape::unit ? v[i] : conjugate<Shape::conjugated>(get(a + i + i * lda)) * v[i];
 #pragma GCC unroll 4
         for (int d = 1; d < count; ++d) {
             const int j = rows_upwards ? i + d : i - d;
             if (j < 0 || j >= count) continue;
             const T* element = Shape::transposed ? a + j + i * lda : a + i + j * lda;
-            sum = sum + conjugate<Shape::conjugated>(get(element)) * v[j];
+            result[i] = result[i] + conjugate<Shape::conjugated>(get(element)) * v[j];
         }
-        put(x + i, sum);
     }
+    put_together(x, result);
 }
 
 // x <- op(A) x, contiguous, at most `panel` elements. What a result needs is not replaced before.

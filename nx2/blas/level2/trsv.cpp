@@ -71,8 +71,8 @@ template <class Shape, int count, class T>
             const int i = forward ? j + d : j - d;
             if (i >= 0 && i < count) v[i] = v[i] - element(i, j) * v[j];
         }
-        put(x + j, v[j]);
     }
+    put_together(x, v);
 }
 
 template <int count, class T>

@@ -65,9 +65,9 @@ struct Multiplied<Complex<R>> {
     }
 };
 
-// Rows [begin, end) of `count` columns; t[j] has the factors of column j. Registers begin at multiples of their lanes,
-// where rows of an aligned matrix are aligned.
-template <bool aligned, int count, int terms, class T>
+// Rows [begin, end) of `count` columns; t[j] has the factors of column j. Where columns are aligned, registers begin at
+// multiples of their lanes.
+template <bool aligned, bool far, int count, int terms, class T>
 [[gnu::always_inline]] inline void columns(Int begin, Int end, Beside<T, terms> beside, const T (*t)[terms], T* a,
                                            Int lda)
 {
@@ -105,11 +105,12 @@ template <bool aligned, int count, int terms, class T>
         step.template operator()<width>(0);
         advance(width);
     };
-    if constexpr (lanes > 1)
+    if constexpr (aligned && lanes > 1)
         if ((begin & 1) != 0 && rows > 0) single.template operator()<1>();
-    if constexpr (lanes == 4)
+    if constexpr (aligned && lanes == 4)
         if (((begin + 1) & 2) != 0 && rows > 1) single.template operator()<2>();
     while (rows >= pass * lanes) {
+        if constexpr (far) column.prefetch(ahead);
 #pragma GCC unroll 4
         for (int r = 0; r < pass; ++r) step.template operator()<lanes>(r * lanes);
         advance(pass * lanes);
