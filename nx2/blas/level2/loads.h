@@ -18,6 +18,13 @@ struct Loads {
 constexpr Int far_bytes = 10 << 20, apart_bytes = 1 << 20, few_columns = 32, short_column = 2 * ahead,
               columns_ahead = 16;
 
+// Whether a b >= limit. Sparse mappings make such matrices that a b is no Int.
+inline bool product_reaches(Int a, Int b, Int limit)
+{
+    Int product;
+    return __builtin_mul_overflow(a, b, &product) || product >= limit;
+}
+
 template <class T>
 inline Loads loads_of(Int m, Int n, const T* a, Int lda)
 {
@@ -25,8 +32,9 @@ inline Loads loads_of(Int m, Int n, const T* a, Int lda)
     Loads loads = {aligned16(a) && column % 16 == 0, 0};
     if (m * Int(sizeof(T)) < short_column) {
         // Columns at multiples of a page would drive each other out of the first level of cache.
-        if (n * column >= (column % 4096 == 0 ? far_bytes : apart_bytes)) loads.ahead = columns_ahead * column;
-    } else if ((n <= few_columns && n < lda ? lda : n) * column >= far_bytes) {
+        const Int enough = column % 4096 == 0 ? far_bytes : apart_bytes;
+        if (product_reaches(n, column, enough)) loads.ahead = columns_ahead * column;
+    } else if (product_reaches(n <= few_columns && n < lda ? lda : n, column, far_bytes)) {
         loads.ahead = ahead;
     }
     return loads;

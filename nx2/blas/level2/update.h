@@ -11,13 +11,6 @@ namespace ork::level2 {
 template <class T, int terms>
 struct Beside {
     const T* vector[terms];
-
-    Beside from(Int i) const
-    {
-        Beside moved = *this;
-        for (const T*& v : moved.vector) v += i;
-        return moved;
-    }
 };
 
 namespace update {
@@ -45,15 +38,15 @@ template <bool aligned, int width, class T>
 // A register of a vector beside the rows, ready to be multiplied with many factors. The loads and exchanges of pairs
 // are pinned where they stand: a tenth faster.
 template <class T>
-struct Multiplied {
+struct Multiplicand {
     Vec<T> v;
-    explicit Multiplied(Vec<T> x) : v(x) {}
+    explicit Multiplicand(Vec<T> x) : v(x) {}
     [[gnu::always_inline]] Vec<T> times(const Factor<T>& f) const { return f * v; }
 };
 template <class R>
-struct Multiplied<Complex<R>> {
+struct Multiplicand<Complex<R>> {
     Vec<R> v, turned;
-    [[gnu::always_inline]] explicit Multiplied(Vec<Complex<R>> x) : v(x.v)
+    [[gnu::always_inline]] explicit Multiplicand(Vec<Complex<R>> x) : v(x.v)
     {
         asm volatile("" : "+x"(v.v));
         turned = exchanged(v);
@@ -79,7 +72,7 @@ template <bool aligned, bool far, int count, int terms, class T>
     Int rows = end - begin;
     const auto step = [&]<int width>(int i) __attribute__((always_inline))
     {
-        const auto beside_columns = [&](const Multiplied<T>& first, auto... second) __attribute__((always_inline))
+        const auto beside_columns = [&](const Multiplicand<T>& first, auto... second) __attribute__((always_inline))
         {
 #pragma GCC unroll 4
             for (int j = 0; j < count; ++j) {
@@ -89,9 +82,9 @@ template <bool aligned, bool far, int count, int terms, class T>
                 put_column<aligned, width>(element, s);
             }
         };
-        const Multiplied<T> first(load<width>(x + i));
+        const Multiplicand<T> first(load<width>(x + i));
         if constexpr (terms == 2)
-            beside_columns(first, Multiplied<T>(load<width>(y + i)));
+            beside_columns(first, Multiplicand<T>(load<width>(y + i)));
         else
             beside_columns(first);
     };
@@ -123,5 +116,4 @@ template <bool aligned, bool far, int count, int terms, class T>
 }
 
 } // namespace update
-
 } // namespace ork::level2
