@@ -35,6 +35,8 @@ struct Sums {
     {
         (second ? odd : even) = (second ? odd : even) + a * x;
     }
+    // The same to `even`, in the registers where they are: for a loop that has other uses of a, and would copy sums.
+    [[gnu::always_inline]] void add_in_place(Vec<T> a, Vec<T> x) { even = sum(even, product(a, x)); }
 };
 template <class R>
 struct Sums<Complex<R>> {
@@ -44,6 +46,11 @@ struct Sums<Complex<R>> {
     {
         straight = straight + a.v * x.v;
         crossed = crossed + a.v * exchanged(x.v);
+    }
+    [[gnu::always_inline]] void add_in_place(Vec<Complex<R>> a, Vec<Complex<R>> x)
+    {
+        straight = sum(straight, product(a.v, x.v));
+        crossed = sum(crossed, product(a.v, exchanged(x.v)));
     }
 };
 

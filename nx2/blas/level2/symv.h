@@ -69,10 +69,10 @@ template <bool aligned, bool far, int count, class T>
             if constexpr (width == lanes) {
                 const Vec<T> c = load_column<aligned, width>(element);
                 v = sum(v, t.factor[j] * c);
-                s[j].template add<false>(c, with);
+                s[j].add_in_place(c, with);
             } else {
                 v = sum(v, t.factor[j] * load<width>(element));
-                s[j].template add<false>(sums::load_few(element, width), with);
+                s[j].add_in_place(sums::load_few(element, width), with);
             }
         }
         store<width>(y + i, v);
