@@ -16,6 +16,32 @@ using Wide = std::complex<long double>;
 
 inline long double magnitude(Wide x) { return std::fabs(x.real()) + std::fabs(x.imag()); }
 
+// The problem of the precision that a routine's first letter names.
+template <template <class> class P, class... Arguments>
+std::unique_ptr<Problem> of_precision(char precision, const Arguments&... arguments)
+{
+    switch (precision) {
+    case 's':
+        return std::make_unique<P<float>>(arguments...);
+    case 'd':
+        return std::make_unique<P<double>>(arguments...);
+    case 'c':
+        return std::make_unique<P<std::complex<float>>>(arguments...);
+    default:
+        return std::make_unique<P<std::complex<double>>>(arguments...);
+    }
+}
+
+// Every routine of a list in each of its precisions.
+template <class Routines>
+std::vector<std::string> names_of(const Routines& routines)
+{
+    std::vector<std::string> all;
+    for (const auto& routine : routines)
+        for (const char* p = routine.precisions; *p != 0; ++p) all.push_back(*p + std::string(routine.stem));
+    return all;
+}
+
 enum class Form { general, symmetric, hermitian, triangular };
 enum class Storage { dense, band, packed };
 

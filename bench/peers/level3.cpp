@@ -275,27 +275,12 @@ bool is_case(const Level3Case& c)
 std::unique_ptr<Problem> make_level3(const Level3Case& c)
 {
     if (!is_case(c)) return nullptr;
-    const Routine& routine = *find(c.routine);
-    switch (c.routine[0]) {
-    case 's':
-        return std::make_unique<Level3Problem<float>>(routine, c);
-    case 'd':
-        return std::make_unique<Level3Problem<double>>(routine, c);
-    case 'c':
-        return std::make_unique<Level3Problem<std::complex<float>>>(routine, c);
-    default:
-        return std::make_unique<Level3Problem<std::complex<double>>>(routine, c);
-    }
+    return of_precision<Level3Problem>(c.routine[0], *find(c.routine), c);
 }
 
 const std::vector<std::string>& level3_routines()
 {
-    static const std::vector<std::string> names = [] {
-        std::vector<std::string> all;
-        for (const Routine& routine : routines)
-            for (const char* p = routine.precisions; *p != 0; ++p) all.push_back(*p + std::string(routine.stem));
-        return all;
-    }();
+    static const std::vector<std::string> names = names_of(routines);
     return names;
 }
 

@@ -8,12 +8,15 @@
 
 namespace ork::gemm {
 
+// An option letter, of either case.
+constexpr bool is_letter(char given, char upper_case) { return (given & ~0x20) == upper_case; }
+
 // What is done to an operand: a letter of the interface. 'N' in either case is the operand as it stands, 'C' the
 // conjugate transpose, every other letter the transpose.
 struct Op {
     bool transposed, conjugated;
 
-    explicit Op(char letter) : transposed((letter & ~0x20) != 'N'), conjugated((letter & ~0x20) == 'C') {}
+    explicit Op(char letter) : transposed(!is_letter(letter, 'N')), conjugated(is_letter(letter, 'C')) {}
 };
 
 // Where an operand's elements are. `outer` counts the rows of op(A) or the columns of op(B), `depth` what is summed

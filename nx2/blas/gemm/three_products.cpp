@@ -58,7 +58,6 @@ void multiply_3m(char transa, char transb, Int m, Int n, Int k, Complex<R> alpha
     if (alpha == T{} || k <= 0) return;
 
     constexpr Int most = 512;
-    const auto least = [](Int x, Int y) { return x < y ? x : y; };
     const Int mb = least(m, most), nb = least(n, most), kb = least(k, 256);
     void* base = ork_serv_allocate(static_cast<std::size_t>(3 * (mb * kb + kb * nb + mb * nb)) * sizeof(R), 4096);
     const Op opa(transa), opb(transb);

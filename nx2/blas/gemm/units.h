@@ -27,6 +27,7 @@ struct Units {
     static constexpr Int a_step = m, b_step = 64 / sizeof(T);
 };
 
+constexpr Int least(Int x, Int y) { return x < y ? x : y; }
 constexpr Int round_up(Int value, Int unit) { return (value + unit - 1) / unit * unit; }
 
 // Depth of a block of a product whose whole depth is k. Every way through the multiply sums blocks of this depth one

@@ -12,9 +12,8 @@ using gemm::conjugate;
 using gemm::Op; // 'N' as it stands, 'C' conjugate transpose, any other letter transpose
 using gemm::with_flag;
 
-inline bool is_letter(const char* given, char upper_case) { return (*given & ~0x20) == upper_case; }
-inline bool is_upper(const char* uplo) { return is_letter(uplo, 'U'); }
-inline bool is_unit(const char* diag) { return is_letter(diag, 'U'); }
+inline bool is_upper(const char* uplo) { return gemm::is_letter(*uplo, 'U'); }
+inline bool is_unit(const char* diag) { return gemm::is_letter(*diag, 'U'); }
 
 // Whether the reproducibility switch asks for the loop that is the same whatever the addresses. The other one may look
 // at them, but gives the same bits.

@@ -15,7 +15,7 @@ using gemm::Op;
 using gemm::Operand;
 using gemm::rows_of;
 
-inline bool is_lower(char uplo) { return (uplo & ~0x20) == 'L'; }
+inline bool is_lower(char uplo) { return gemm::is_letter(uplo, 'L'); }
 
 // A triangle of the n x n matrix C.
 template <class T>

@@ -34,7 +34,6 @@ struct Symmetric {
     {
         constexpr Int edge = 8;
         const T* origin = a + corner * (lda + 1);
-        const auto least = [](Int x, Int y) { return x < y ? x : y; };
         for (Int l0 = 0; l0 < size; l0 += edge)
             for (Int i0 = first; i0 < last; i0 += edge) {
                 const Int l_end = least(size, l0 + edge), i_end = least(last, i0 + edge);
@@ -146,8 +145,8 @@ using Letter = const char*;
     ORK_EXPORT void ork_blas_nx2_x##routine(Letter side, Letter uplo, Ptr m, Ptr n, const T* alpha, const T* a,        \
                                             Ptr lda, const T* b, Ptr ldb, const T* beta, T* c, Ptr ldc)                \
     {                                                                                                                  \
-        level3::symm<hermitian>((*side & ~0x20) == 'L', (*uplo & ~0x20) == 'L', *m, *n, *alpha, a, *lda, b, *ldb,      \
-                                *beta, c, *ldc);                                                                       \
+        level3::symm<hermitian>(gemm::is_letter(*side, 'L'), gemm::is_letter(*uplo, 'L'), *m, *n, *alpha, a, *lda, b,  \
+                                *ldb, *beta, c, *ldc);                                                                 \
     }
 MEMBER(ssymm, float, false)
 MEMBER(dsymm, double, false)

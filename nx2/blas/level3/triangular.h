@@ -95,11 +95,15 @@ void triangular(char side, char uplo, char trans, char diag, Int m, Int n, T alp
     if (m <= 0 || n <= 0) return;
     if (!(alpha == T(1))) gemm::scale(m, n, alpha, b, ldb);
     if (alpha == T(0)) return;
-    const auto is = [](char letter, char upper) { return (letter & ~0x20) == upper; };
     const gemm::Op op(trans);
-    const bool left = is(side, 'L');
+    const bool left = gemm::is_letter(side, 'L');
     const bool plain = op.transposed != left; // the coefficients are A as it stands
-    const Coefficients<T> t{a, plain ? 1 : lda, plain ? lda : 1, op.conjugated, is(uplo, 'L') == plain, is(diag, 'U')};
+    const Coefficients<T> t{a,
+                            plain ? 1 : lda,
+                            plain ? lda : 1,
+                            op.conjugated,
+                            gemm::is_letter(uplo, 'L') == plain,
+                            gemm::is_letter(diag, 'U')};
     recurse<Leaf>(t, Slices<T>{left, b, ldb, left ? n : m}, left ? m : n);
 }
 

@@ -40,7 +40,6 @@ void narrow_gemm(char transa, char transb, Int m, Int n, Int k, float alpha, con
     // What fits on the stack when there is no memory: single rows and columns, 256 deep.
     constexpr Int reserve = 256;
     float reserved[2 * reserve];
-    const auto least = [](Int x, Int y) { return x < y ? x : y; };
     const Int kb = least(k, block_depth(k, Units<float>::k));
     Int mb = least(m, 640), nb = least(n, 1024);
     void* base =
