@@ -1,0 +1,252 @@
+/* SPDX-License-Identifier: MIT */
+/* The transform node and the kernel entries of Fourier transforms: what a core and a kernel library share.
+
+   A descriptor is a list of nodes, one a dimension; the head carries what concerns the whole descriptor. The core fills
+   in what its user set and calls the commit of the kernel library, which plans every dimension, divides the work into
+   stages and stores the entries that compute. A stage is a number of independent units, so a core may run the units of
+   one stage on several threads; the bits of a result don't depend on how units were divided.
+
+   Lengths, strides and distances are counted in elements of their array: complex numbers for interleaved complex data,
+   real numbers for real and split data. */
+#ifndef ORK_ABI_DFT_H
+#define ORK_ABI_DFT_H
+
+#include <stdint.h>
+
+#include "ork/types.h"
+
+ORK_BEGIN_DECLS
+
+/* Values of a node's fields; the public descriptor interface has the same. */
+enum {
+    ORK_DFT_COMMITTED = 30,
+    ORK_DFT_UNCOMMITTED = 31,
+    ORK_DFT_COMPLEX = 32,
+    ORK_DFT_REAL = 33,
+    ORK_DFT_SINGLE = 35,
+    ORK_DFT_DOUBLE = 36,
+    ORK_DFT_COMPLEX_COMPLEX = 39, /* interleaved */
+    ORK_DFT_COMPLEX_REAL = 40,    /* conjugate-even data packed into real arrays, as packed_format says */
+    ORK_DFT_REAL_COMPLEX = 41,
+    ORK_DFT_REAL_REAL = 42, /* real and imaginary parts in arrays of their own */
+    ORK_DFT_INPLACE = 43,
+    ORK_DFT_NOT_INPLACE = 44,
+    ORK_DFT_ALLOW = 51,
+    ORK_DFT_AVOID = 52, /* no workspace of the size of the data */
+    ORK_DFT_NONE = 53,
+    ORK_DFT_CCS = 54,
+    ORK_DFT_PACK = 55,
+    ORK_DFT_PERM = 56,
+    ORK_DFT_CCE = 57
+};
+
+/* Status of creation, commit and compute. */
+enum {
+    ORK_DFT_OK = 0,
+    ORK_DFT_NO_MEMORY = 1,
+    ORK_DFT_UNSUPPORTED = 6,   /* a packed format that the transform has not */
+    ORK_DFT_NOT_APPLICABLE = 7 /* the batched plan does not apply; never leaves a commit */
+};
+
+/* Status of the signal primitives. */
+enum { ORK_DFT_PRIMITIVE_LENGTH = -6, ORK_DFT_PRIMITIVE_NULL = -8 };
+
+enum { ORK_DFT_FORWARD = 0, ORK_DFT_BACKWARD = 1 };
+
+/* Most dimensions of a descriptor. */
+enum { ORK_DFT_MOST_DIMENSIONS = 7 };
+
+typedef struct ork_dft_node ork_dft_node;
+
+/* Transforms one vector of unit stride; interleaved numbers, or for the split pair two pointers (ork_dft_split).
+   `argument` is work memory of the plan's size, or null: then the kernel takes its own. Returns a status. In place when
+   in and out are equal. */
+typedef int32_t ork_dft_kernel(const void* in, void* out, const void* plan, void* argument);
+
+typedef struct ork_dft_split {
+    void *re, *im;
+} ork_dft_split;
+
+/* The arrays of one call, as many as the node's input or output step says: {data}; {in, out}; split {re, im}, or
+   {re in, im in, re out, im out}. */
+typedef int32_t ork_dft_compute(ork_dft_node* node, void* const* arrays);
+
+typedef struct ork_dft_call {
+    void* const* arrays;
+    void* shared;      /* shared_bytes of the node, 64-byte aligned: what one stage leaves to the next */
+    int32_t direction; /* ORK_DFT_FORWARD or ORK_DFT_BACKWARD */
+} ork_dft_call;
+
+/* Runs units from <= unit < to of a stage on the calling thread. */
+typedef struct ork_dft_stage {
+    int64_t units;
+    int32_t (*run)(const ork_dft_node* node, const ork_dft_call* call, const struct ork_dft_stage* stage, int64_t from,
+                   int64_t to);
+    int64_t argument[6]; /* the stage's own */
+} ork_dft_stage;
+
+/* Of one dimension; the head's `dimensions` points to `rank` of them. */
+typedef struct ork_dft_dimension {
+    int64_t length, input_stride, output_stride;
+    int64_t reserved[2];
+} ork_dft_dimension;
+
+typedef struct ork_dft_scale_record {
+    int64_t count; /* 1 */
+    unsigned char value[32];
+} ork_dft_scale_record;
+
+typedef struct ork_dft_storage { /* copied as one block */
+    int32_t complex_storage, conjugate_even_storage;
+    int32_t real_storage, reserved;
+} ork_dft_storage;
+
+typedef struct ork_dft_domain { /* copied as one word */
+    int32_t domain, precision;
+} ork_dft_domain;
+
+typedef struct ork_dft_scales { /* a copy in the transform's own precision stands beside each */
+    double forward, backward;
+    float forward_single, backward_single;
+    int64_t reserved;
+} ork_dft_scales;
+
+/* Of the core. Word 6 equal to 1 asks for the alternative planner, which divides every long transform into stages;
+   word 0 equal to 1 lets creation reuse a node handed in. */
+typedef struct ork_dft_settings {
+    int32_t word[16];
+} ork_dft_settings;
+
+/* The small-length batched plan of one dimension: entry i serves up to 2^i transforms at once. */
+enum { ORK_DFT_BATCH_SIZES = 13 };
+typedef struct ork_dft_batched {
+    int64_t batch; /* transforms that are best done at once */
+    int64_t work_bytes;
+    int32_t sizes; /* entries in use */
+    int32_t status;
+    const void* forward[ORK_DFT_BATCH_SIZES];
+    const void* backward[ORK_DFT_BATCH_SIZES];
+} ork_dft_batched;
+
+/* A vector of n = n1 * n2 numbers as a matrix of n1 rows and n2 columns. */
+typedef struct ork_dft_four_step {
+    int64_t n, n1, n2;
+    int64_t columns, row_length; /* of the two steps */
+    const void* column_plan;     /* of length n1 */
+    const void* row_plan;        /* of length n2 */
+    const void* twiddles;
+    int32_t mode; /* 0 in place, 1 not in place, 2 through a matrix of the caller's */
+    int32_t placement, precision, reserved;
+} ork_dft_four_step;
+
+struct ork_dft_node {
+    /* Set last by the commit. */
+    ork_dft_compute *forward, *backward;
+    int64_t input_step, output_step;
+    int32_t status;
+    uint8_t flags; /* ORK_DFT_FLAG_... */
+    uint8_t padding[3];
+
+    /* Set by creation and by the core. */
+    ork_dft_domain domain;
+    int32_t rank;
+    int32_t placement;
+    ork_dft_storage storage;
+    int32_t packed_format;
+    int32_t workspace;
+    int64_t option;
+    int64_t transforms;
+    int64_t input_distance, output_distance;
+    int64_t input_offset, output_offset; /* elements from the array's begin to the first number */
+    ork_dft_scales scales;
+    ork_dft_dimension* dimensions;
+    ork_dft_scale_record* scale_records;
+    const void* backends; /* the list that the creation wrapper stored */
+
+    /* This dimension. */
+    int64_t index;
+    int64_t length;
+    int64_t stride[2]; /* input, output; in place the first counts */
+    int64_t size;      /* numbers of a whole transform */
+    ork_dft_node* next;
+
+    /* The plan of this dimension. */
+    int32_t general; /* 1 when the general planner made it */
+    int32_t engine;  /* ORK_DFT_ENGINE_... */
+    ork_dft_kernel *forward_kernel, *backward_kernel;
+    void* plan;
+    ork_dft_batched* batched;
+    const void* batched_engine;
+    ork_dft_four_step* four_step;
+    int64_t workspace_bytes; /* of the head: the most of all dimensions */
+
+    /* Entries for two dimensions and for real data. */
+    ork_dft_compute *two_d, *two_d_forward, *two_d_backward;
+    const void *preprocess, *postprocess;
+    const void *repack_forward, *repack_backward;
+
+    /* How a core runs it on several threads: stages in order, for each direction. */
+    int32_t stages[2];
+    ork_dft_stage* stage[2];
+    int64_t shared_bytes;
+
+    int32_t thread_limit, threads; /* the user's limit; the current count */
+    int64_t dispatch;              /* handed to the set-up check */
+    ork_dft_settings* settings;
+    int32_t (*free)(ork_dft_node* node); /* releases everything that the kernel library made, the node too */
+};
+
+enum { ORK_DFT_FLAG_FOUR_STEP = 4 };
+
+/* What a commit decided for a dimension; for information. */
+enum {
+    ORK_DFT_ENGINE_NONE,
+    ORK_DFT_ENGINE_LENGTH, /* a kernel of the very length */
+    ORK_DFT_ENGINE_POWER_OF_TWO,
+    ORK_DFT_ENGINE_MIXED, /* mixed radix, Rader or Bluestein */
+    ORK_DFT_ENGINE_BATCHED,
+    ORK_DFT_ENGINE_SPLIT,
+    ORK_DFT_ENGINE_FOUR_STEP,
+    ORK_DFT_ENGINE_ALTERNATIVE,
+    ORK_DFT_ENGINE_REAL,
+    ORK_DFT_ENGINE_SMALL_REAL
+};
+
+/* Kernel entries, ork_dft_nx2_<name>; R is float for s and c, double for d and z.
+
+   Creation: 0, or ORK_DFT_NO_MEMORY with *node as it was. The node has every default set: dense strides, scales 1, in
+   place, interleaved, one transform, one thread. */
+typedef int64_t ork_dft_create_1d(ork_dft_node** node, int64_t length, ork_dft_settings* settings);
+typedef int64_t ork_dft_create_md(ork_dft_node** node, int64_t rank, const int64_t* lengths,
+                                  ork_dft_settings* settings);
+typedef int64_t ork_dft_set_backends(ork_dft_node* node);
+typedef int32_t ork_dft_commit(ork_dft_node* node);
+int64_t ork_dft_nx2_dfti_create_node(ork_dft_node** node, int32_t precision, int32_t domain, int64_t rank,
+                                     const int64_t* lengths, ork_dft_settings* settings);
+ork_dft_create_1d ork_dft_nx2_dfti_create_sc1d, ork_dft_nx2_dfti_create_sr1d, ork_dft_nx2_dfti_create_dc1d,
+    ork_dft_nx2_dfti_create_dr1d;
+ork_dft_create_md ork_dft_nx2_dfti_create_scmd, ork_dft_nx2_dfti_create_srmd, ork_dft_nx2_dfti_create_dcmd,
+    ork_dft_nx2_dfti_create_drmd;
+ork_dft_set_backends ork_dft_nx2_dfti_set_bkdlist_sc1d, ork_dft_nx2_dfti_set_bkdlist_sr1d,
+    ork_dft_nx2_dfti_set_bkdlist_dc1d, ork_dft_nx2_dfti_set_bkdlist_dr1d, ork_dft_nx2_dfti_set_bkdlist_scmd,
+    ork_dft_nx2_dfti_set_bkdlist_srmd, ork_dft_nx2_dfti_set_bkdlist_dcmd, ork_dft_nx2_dfti_set_bkdlist_drmd;
+ork_dft_commit ork_dft_nx2_commit_descriptor_core_s_c2c_1d, ork_dft_nx2_commit_descriptor_core_s_c2c_md,
+    ork_dft_nx2_commit_descriptor_core_s_r2c_1d, ork_dft_nx2_commit_descriptor_core_s_r2c_md,
+    ork_dft_nx2_commit_descriptor_core_d_c2c_1d, ork_dft_nx2_commit_descriptor_core_d_c2c_md,
+    ork_dft_nx2_commit_descriptor_core_d_r2c_1d, ork_dft_nx2_commit_descriptor_core_d_r2c_md;
+
+/* Whole descriptors on the calling thread. */
+ork_dft_compute ork_dft_nx2_xzforward, ork_dft_nx2_xzbackward, ork_dft_nx2_xzforward_out, ork_dft_nx2_xzbackward_out,
+    ork_dft_nx2_xcforward, ork_dft_nx2_xcbackward, ork_dft_nx2_xcforward_out, ork_dft_nx2_xcbackward_out;
+
+/* What the commit of a core does for a descriptor whose threads it chooses itself; they call back the entries above. */
+ork_dft_commit ork_dft_commit_node_s_c2c_1d_omp, ork_dft_commit_node_s_c2c_md_omp, ork_dft_commit_node_s_r2c_1d_omp,
+    ork_dft_commit_node_s_r2c_md_omp, ork_dft_commit_node_d_c2c_1d_omp, ork_dft_commit_node_d_c2c_md_omp,
+    ork_dft_commit_node_d_r2c_1d_omp, ork_dft_commit_node_d_r2c_md_omp;
+/* Work memory of kernels, 64-byte aligned; null when there is none. */
+void* ork_dft_ufxMalloc(int64_t bytes);
+void ork_dft_ufxFree(void* memory);
+
+ORK_END_DECLS
+
+#endif
