@@ -1,0 +1,244 @@
+// SPDX-License-Identifier: MIT
+// dft<n>: X[k] = sum over j of x[j] exp(-2 pi i j k / n) for small n as straight-line code, over any kind of element.
+//
+// An element E is one complex number or several independent ones in registers, with
+//   E::Real, a + b, a - b, a * Real
+//   quarter(a)         -i a, of a type Q that E + Q, E - Q and Q * Real take: often no instruction until then. Products
+//                      Q * Real have a type of their own, with sums and differences, and E + and - takes it.
+//   twiddled<n, k>(a)  exp(-2 pi i k / n) a
+//   E::Multiplier, Q::Multiplier   constants in memory as a * and Q * take them, constructible from a Real
+//   E::outputs_at_once of a transform of large prime length
+#pragma once
+
+#include <type_traits>
+#include <utility>
+
+#include "dft/roots.h"
+
+namespace ork::dft {
+
+// A lambda whose body belongs in its caller, whatever its size.
+#define ORK_INLINE_LAMBDA __attribute__((always_inline))
+
+template <int i>
+using Index = std::integral_constant<int, i>;
+
+template <int n, class Body>
+[[gnu::always_inline]] inline void unrolled(Body body)
+{
+    [&]<int... i>(std::integer_sequence<int, i...>) ORK_INLINE_LAMBDA { (body(Index<i>{}), ...); }
+    (std::make_integer_sequence<int, n>{});
+}
+
+constexpr int gcd(int a, int b) { return b == 0 ? a : gcd(b, a % b); }
+
+// n = a b: the radix a of the first stage, or 1 for a prime. Coprime factors, which need no twiddles, where n has them.
+constexpr int first_radix(int n)
+{
+    int best = 1;
+    bool best_coprime = false;
+    for (int a = 2; a * 2 <= n; ++a) {
+        if (n % a != 0) continue;
+        const int b = n / a;
+        const bool coprime = gcd(a, b) == 1;
+        const auto distance = [n](int f) { return f * f > n ? f * f - n : n - f * f; };
+        if ((coprime && !best_coprime) ||
+            (coprime == best_coprime && a <= b && (best == 1 || distance(a) < distance(best))))
+            best = a, best_coprime = coprime;
+    }
+    return n == 8 ? 4 : best;
+}
+
+// Columns of a elements, then rows of b. With coprime a and b, j = b j1 + a j2 and k = k1 modulo a, k2 modulo b (Good,
+// Thomas); otherwise j = b j1 + j2, k = k1 + a k2, and exp(-2 pi i j2 k1 / n) between the two.
+constexpr int place_of_input(int a, int b, int j1, int j2)
+{
+    return (b * j1 + (gcd(a, b) == 1 ? a : 1) * j2) % (a * b);
+}
+constexpr int place_of_result(int a, int b, int k1, int k2)
+{
+    if (gcd(a, b) != 1) return k1 + a * k2;
+    int k = k1;
+    while (k % b != k2) k += a;
+    return k;
+}
+
+// X = A + B and X' = A - B for the pairs of outputs k, p - k of a prime p: A = x[0] + sum of cos(2 pi j k / p) (x[j] +
+// x[p - j]) and B = -i times the sum of sin(2 pi j k / p) (x[j] - x[p - j]), over j = 1 .. (p - 1)/2.
+template <int p, class E, class Load, class Store>
+[[gnu::always_inline]] inline void prime_dft(Load load, Store store)
+{
+    constexpr int m = (p - 1) / 2;
+    using R = typename E::Real;
+    using Q = decltype(quarter(std::declval<E>()));
+    E sum[m];
+    Q difference[m];
+    const E first = load(Index<0>{});
+    E all = first;
+    unrolled<m>([&](auto j) ORK_INLINE_LAMBDA {
+        const E a = load(Index<j + 1>{}), b = load(Index<p - 1 - j>{});
+        sum[j] = a + b;
+        difference[j] = quarter(a - b);
+        all = all + sum[j];
+    });
+    store(Index<0>{}, all);
+    unrolled<m>([&](auto row) ORK_INLINE_LAMBDA {
+        constexpr int k = row + 1;
+        E a = first + sum[0] * root<R, p, k>.cos;
+        auto b = difference[0] * root<R, p, k>.sin;
+        unrolled<m - 1>([&](auto i) ORK_INLINE_LAMBDA {
+            constexpr int j = i + 2, angle = j * k % p;
+            a = a + sum[j - 1] * root<R, p, angle>.cos;
+            if constexpr (2 * angle < p)
+                b = b + difference[j - 1] * root<R, p, angle>.sin;
+            else
+                b = b - difference[j - 1] * root<R, p, p - angle>.sin;
+        });
+        store(Index<k>{}, a + b);
+        store(Index<p - k>{}, a - b);
+    });
+}
+
+// The same with loops over j inside, for a group of outputs at a time: large primes would be tens of kilobytes of code.
+template <int p, class E>
+struct PrimeTable {
+    static constexpr int m = (p - 1) / 2, groups = (m + E::outputs_at_once - 1) / E::outputs_at_once;
+    using Q = decltype(quarter(std::declval<E>()));
+    struct Entry {
+        typename E::Multiplier cos;
+        typename Q::Multiplier sin;
+    };
+    static constexpr int begin(int group) { return m * group / groups; } // first output of a group, less 1
+
+    template <class R, int... i>
+    struct Entries { // group by group; within it all j; for each the outputs of the group
+        static constexpr int output(int at)
+        {
+            int group = 0;
+            while (at >= m * begin(group + 1)) ++group;
+            return begin(group) + (at - m * begin(group)) % (begin(group + 1) - begin(group)) + 1;
+        }
+        static constexpr int input(int at)
+        {
+            int group = 0;
+            while (at >= m * begin(group + 1)) ++group;
+            return (at - m * begin(group)) / (begin(group + 1) - begin(group)) + 1;
+        }
+        alignas(16) static constexpr Entry list[] = {
+            {typename E::Multiplier(root<R, p, output(i) * input(i) % p>.cos),
+             typename Q::Multiplier(root<R, p, output(i) * input(i) % p>.sin)}...};
+    };
+    template <int... i>
+    static constexpr const Entry* entries(std::integer_sequence<int, i...>)
+    {
+        return Entries<typename E::Real, i...>::list;
+    }
+};
+
+template <int p, class E, class Load, class Store>
+[[gnu::always_inline]] inline void large_prime_dft(Load load, Store store)
+{
+    using Table = PrimeTable<p, E>;
+    constexpr int m = Table::m;
+    E sum[m];
+    typename Table::Q difference[m];
+    const E first = load(Index<0>{});
+    E all = first;
+    unrolled<m>([&](auto j) ORK_INLINE_LAMBDA {
+        const E a = load(Index<j + 1>{}), b = load(Index<p - 1 - j>{});
+        sum[j] = a + b;
+        difference[j] = quarter(a - b);
+        all = all + sum[j];
+    });
+    store(Index<0>{}, all);
+    const auto* entry = Table::entries(std::make_integer_sequence<int, m * m>{});
+    unrolled<Table::groups>([&](auto group) ORK_INLINE_LAMBDA {
+        constexpr int begin = Table::begin(group), outputs = Table::begin(group + 1) - begin;
+        E a[outputs];
+        decltype(difference[0] * entry->sin) b[outputs];
+        unrolled<outputs>([&](auto k) ORK_INLINE_LAMBDA {
+            a[k] = first + sum[0] * entry[k].cos;
+            b[k] = difference[0] * entry[k].sin;
+        });
+        entry += outputs;
+#pragma GCC unroll 1
+        for (int j = 1; j < m; ++j, entry += outputs)
+            unrolled<outputs>([&](auto k) ORK_INLINE_LAMBDA {
+                a[k] = a[k] + sum[j] * entry[k].cos;
+                b[k] = b[k] + difference[j] * entry[k].sin;
+            });
+        unrolled<outputs>([&](auto k) ORK_INLINE_LAMBDA {
+            store(Index<begin + 1 + k>{}, a[k] + b[k]);
+            store(Index<p - begin - 1 - k>{}, a[k] - b[k]);
+        });
+    });
+}
+
+// load(Index<j>) gives x[j], each j once; store(Index<k>, X[k]) takes the results, each k once. Both come as late and
+// as early as the order of the sums lets them: a store may come before a load.
+template <int n, class E, class Load, class Store>
+[[gnu::always_inline]] inline void dft(Load load, Store store)
+{
+    using R = typename E::Real;
+    if constexpr (n == 1) {
+        store(Index<0>{}, load(Index<0>{}));
+    } else if constexpr (n == 2) {
+        const E a = load(Index<0>{}), b = load(Index<1>{});
+        store(Index<0>{}, a + b);
+        store(Index<1>{}, a - b);
+    } else if constexpr (n == 3) {
+        const E b = load(Index<1>{}), c = load(Index<2>{}), a = load(Index<0>{});
+        const E sum = b + c;
+        const auto turned = quarter(b - c) * root<R, 3, 1>.sin;
+        const E centre = a - sum * R(0.5);
+        store(Index<0>{}, a + sum);
+        store(Index<1>{}, centre + turned);
+        store(Index<2>{}, centre - turned);
+    } else if constexpr (n == 4) {
+        const E a = load(Index<0>{}), c = load(Index<2>{});
+        const E even = a + c, even_less = a - c;
+        const E b = load(Index<1>{}), d = load(Index<3>{});
+        const E odd = b + d;
+        const auto odd_less = quarter(b - d);
+        store(Index<0>{}, even + odd);
+        store(Index<2>{}, even - odd);
+        store(Index<1>{}, even_less + odd_less);
+        store(Index<3>{}, even_less - odd_less);
+    } else if constexpr (n == 5) {
+        // (cos 72 + cos 144)/2 = -1/4, (cos 72 - cos 144)/2 = sqrt(5)/4.
+        constexpr R half_difference = root_of_unity<long double>(1, 5).cos + 0.25L;
+        const E x1 = load(Index<1>{}), x4 = load(Index<4>{}), x2 = load(Index<2>{}), x3 = load(Index<3>{});
+        const E sum1 = x1 + x4, sum2 = x2 + x3, sum = sum1 + sum2;
+        const E spread = (sum1 - sum2) * half_difference;
+        const auto less1 = quarter(x1 - x4), less2 = quarter(x2 - x3);
+        const E first = load(Index<0>{});
+        const E centre = first - sum * R(0.25);
+        store(Index<0>{}, first + sum);
+        const E a1 = centre + spread, a2 = centre - spread;
+        const auto b1 = less1 * root<R, 5, 1>.sin + less2 * root<R, 5, 2>.sin;
+        const auto b2 = less1 * root<R, 5, 2>.sin - less2 * root<R, 5, 1>.sin;
+        store(Index<1>{}, a1 + b1);
+        store(Index<4>{}, a1 - b1);
+        store(Index<2>{}, a2 + b2);
+        store(Index<3>{}, a2 - b2);
+    } else if constexpr (constexpr int a = first_radix(n); a > 1) {
+        constexpr int b = n / a;
+        constexpr bool coprime = gcd(a, b) == 1;
+        E table[a][b];
+        unrolled<b>([&](auto j2) ORK_INLINE_LAMBDA {
+            dft<a, E>([&](auto j1) ORK_INLINE_LAMBDA { return load(Index<place_of_input(a, b, j1, j2)>{}); },
+                      [&](auto k1, E x)
+                          ORK_INLINE_LAMBDA { table[k1][j2] = twiddled < n, coprime ? 0 : j2 * k1 > (x); });
+        });
+        unrolled<a>([&](auto k1) ORK_INLINE_LAMBDA {
+            dft<b, E>([&](auto j2) ORK_INLINE_LAMBDA { return table[k1][j2]; },
+                      [&](auto k2, E x) ORK_INLINE_LAMBDA { store(Index<place_of_result(a, b, k1, k2)>{}, x); });
+        });
+    } else if constexpr (n <= 13) {
+        prime_dft<n, E>(load, store);
+    } else {
+        large_prime_dft<n, E>(load, store);
+    }
+}
+
+} // namespace ork::dft
