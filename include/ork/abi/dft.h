@@ -7,38 +7,19 @@
    one stage on several threads; the bits of a result don't depend on how units were divided.
 
    Lengths, strides and distances are counted in elements of their array: complex numbers for interleaved complex data,
-   real numbers for real and split data. */
+   real numbers for real and split data. "Input" and "output" are those of the forward transform, also where a field
+   serves the backward one, which reads the output layout and writes the input layout. */
 #ifndef ORK_ABI_DFT_H
 #define ORK_ABI_DFT_H
 
 #include <stdint.h>
 
+#include "ork/dft.h"
 #include "ork/types.h"
 
 ORK_BEGIN_DECLS
 
-/* Values of a node's fields; the public descriptor interface has the same. */
-enum {
-    ORK_DFT_COMMITTED = 30,
-    ORK_DFT_UNCOMMITTED = 31,
-    ORK_DFT_COMPLEX = 32,
-    ORK_DFT_REAL = 33,
-    ORK_DFT_SINGLE = 35,
-    ORK_DFT_DOUBLE = 36,
-    ORK_DFT_COMPLEX_COMPLEX = 39, /* interleaved */
-    ORK_DFT_COMPLEX_REAL = 40,    /* conjugate-even data packed into real arrays, as packed_format says */
-    ORK_DFT_REAL_COMPLEX = 41,
-    ORK_DFT_REAL_REAL = 42, /* real and imaginary parts in arrays of their own */
-    ORK_DFT_INPLACE = 43,
-    ORK_DFT_NOT_INPLACE = 44,
-    ORK_DFT_ALLOW = 51,
-    ORK_DFT_AVOID = 52, /* no workspace of the size of the data */
-    ORK_DFT_NONE = 53,
-    ORK_DFT_CCS = 54,
-    ORK_DFT_PACK = 55,
-    ORK_DFT_PERM = 56,
-    ORK_DFT_CCE = 57
-};
+/* The values of a node's fields are those of the public descriptor interface. */
 
 /* Status of creation, commit and compute. */
 enum {
