@@ -21,11 +21,13 @@ ORK_BEGIN_DECLS
 
 /* The values of a node's fields are those of the public descriptor interface. */
 
-/* Status of creation, commit and compute. */
+/* Status of creation, commit and compute: error classes of the public interface. */
 enum {
     ORK_DFT_OK = 0,
     ORK_DFT_NO_MEMORY = 1,
-    ORK_DFT_UNSUPPORTED = 6,   /* a packed format that the transform has not */
+    ORK_DFT_INCONSISTENT = 3,  /* the node's precision or domain is not the entry's */
+    ORK_DFT_NOT_PLANNED = 5,   /* compute without a plan */
+    ORK_DFT_UNSUPPORTED = 6,   /* a packed format that the transform has not; a direction that the node can't take */
     ORK_DFT_NOT_APPLICABLE = 7 /* the batched plan does not apply; never leaves a commit */
 };
 
@@ -39,18 +41,25 @@ enum { ORK_DFT_MOST_DIMENSIONS = 7 };
 
 typedef struct ork_dft_node ork_dft_node;
 
-/* Transforms one vector of unit stride; interleaved numbers, or for the split pair two pointers (ork_dft_split).
-   `argument` is work memory of the plan's size, or null: then the kernel takes its own. Returns a status. In place when
-   in and out are equal. */
-typedef int32_t ork_dft_kernel(const void* in, void* out, const void* plan, void* argument);
+/* What a dimension's kernel is told beside its plan. */
+typedef struct ork_dft_argument {
+    double scale; /* multiplies every result unless exactly 1; a float's value for single precision */
+    void* work;   /* the plan's work memory, 64-byte aligned, or null: then the kernel takes its own */
+} ork_dft_argument;
 
 typedef struct ork_dft_split {
     void *re, *im;
 } ork_dft_split;
 
-/* The arrays of one call, as many as the node's input or output step says: {data}; {in, out}; split {re, im}, or
-   {re in, im in, re out, im out}. */
+/* Transforms one vector of unit stride; interleaved numbers, or for the split pair ork_dft_split on both sides. In
+   place when in and out are equal. `argument` is an ork_dft_argument, or null for scale 1; kernels of lengths 2 to 64
+   ignore plan and argument and don't scale. Returns a status. */
+typedef int32_t ork_dft_kernel(const void* in, void* out, const void* plan, void* argument);
+
+/* The arrays of one call, as many as the node's input or output step says: {data}; {read, written}; split {re, im}, or
+   {re read, im read, re written, im written}. A transform in place of real data has one array. */
 typedef int32_t ork_dft_compute(ork_dft_node* node, void* const* arrays);
+typedef int32_t ork_dft_compute_2d(ork_dft_node* node, void* const* arrays, int32_t direction);
 
 typedef struct ork_dft_call {
     void* const* arrays;
@@ -86,7 +95,7 @@ typedef struct ork_dft_domain { /* copied as one word */
     int32_t domain, precision;
 } ork_dft_domain;
 
-typedef struct ork_dft_scales { /* a copy in the transform's own precision stands beside each */
+typedef struct ork_dft_scales { /* the commit derives the single ones, which single precision uses */
     double forward, backward;
     float forward_single, backward_single;
     int64_t reserved;
@@ -109,14 +118,18 @@ typedef struct ork_dft_batched {
     const void* backward[ORK_DFT_BATCH_SIZES];
 } ork_dft_batched;
 
-/* A vector of n = n1 * n2 numbers as a matrix of n1 rows and n2 columns. */
+/* A vector of n = n1 * n2 numbers as a matrix of n1 rows and n2 columns:
+
+       X[k1 + n1 k2] = sum over j2 of w_n2^(j2 k2) (w_n^(j2 k1) sum over j1 of w_n1^(j1 k1) x[j1 n2 + j2])
+
+   Step 1-2 transforms columns and multiplies by w_n^(j2 k1); step 3 transforms rows of length n2. */
 typedef struct ork_dft_four_step {
     int64_t n, n1, n2;
-    int64_t columns, row_length; /* of the two steps */
-    const void* column_plan;     /* of length n1 */
-    const void* row_plan;        /* of length n2 */
+    int64_t columns, row_length;                      /* columns of step 1-2, numbers of a row of step 3: both n2 */
+    const void *column_plan, *row_plan;               /* of lengths n1 and n2 */
+    ork_dft_kernel *column_kernel[2], *row_kernel[2]; /* by direction; run in place, unscaled */
     const void* twiddles;
-    int32_t mode; /* 0 in place, 1 not in place, 2 through a matrix of the caller's */
+    int32_t mode; /* 0 in place, transposed at the end; 1 not in place; 2 in place through the call's shared memory */
     int32_t placement, precision, reserved;
 } ork_dft_four_step;
 
@@ -162,7 +175,8 @@ struct ork_dft_node {
     int64_t workspace_bytes; /* of the head: the most of all dimensions */
 
     /* Entries for two dimensions and for real data. */
-    ork_dft_compute *two_d, *two_d_forward, *two_d_backward;
+    ork_dft_compute_2d* two_d;                       /* complex */
+    ork_dft_compute *two_d_forward, *two_d_backward; /* real */
     const void *preprocess, *postprocess;
     const void *repack_forward, *repack_backward;
 
@@ -174,10 +188,15 @@ struct ork_dft_node {
     int32_t thread_limit, threads; /* the user's limit; the current count */
     int64_t dispatch;              /* handed to the set-up check */
     ork_dft_settings* settings;
-    int32_t (*free)(ork_dft_node* node); /* releases everything that the kernel library made, the node too */
+    int32_t (*free)(ork_dft_node* node); /* releases the plans of all dimensions and the status; the node stays */
 };
 
-enum { ORK_DFT_FLAG_FOUR_STEP = 4 };
+enum {
+    ORK_DFT_FLAG_FOUR_STEP = 4, /* one transform, by the four-step kernels */
+    ORK_DFT_FLAG_SINGLE = 8,    /* one transform of unit stride by the head's kernel pair: no stage is needed */
+    ORK_DFT_FLAG_PLANNED = 16,  /* plans and stages are there */
+    ORK_DFT_FLAG_UNSCALED = 32  /* the kernel pair ignores plan, argument and scale */
+};
 
 /* What a commit decided for a dimension; for information. */
 enum {
@@ -201,7 +220,6 @@ typedef int64_t ork_dft_create_1d(ork_dft_node** node, int64_t length, ork_dft_s
 typedef int64_t ork_dft_create_md(ork_dft_node** node, int64_t rank, const int64_t* lengths,
                                   ork_dft_settings* settings);
 typedef int64_t ork_dft_set_backends(ork_dft_node* node);
-typedef int32_t ork_dft_commit(ork_dft_node* node);
 int64_t ork_dft_nx2_dfti_create_node(ork_dft_node** node, int32_t precision, int32_t domain, int64_t rank,
                                      const int64_t* lengths, ork_dft_settings* settings);
 ork_dft_create_1d ork_dft_nx2_dfti_create_sc1d, ork_dft_nx2_dfti_create_sr1d, ork_dft_nx2_dfti_create_dc1d,
@@ -211,16 +229,75 @@ ork_dft_create_md ork_dft_nx2_dfti_create_scmd, ork_dft_nx2_dfti_create_srmd, or
 ork_dft_set_backends ork_dft_nx2_dfti_set_bkdlist_sc1d, ork_dft_nx2_dfti_set_bkdlist_sr1d,
     ork_dft_nx2_dfti_set_bkdlist_dc1d, ork_dft_nx2_dfti_set_bkdlist_dr1d, ork_dft_nx2_dfti_set_bkdlist_scmd,
     ork_dft_nx2_dfti_set_bkdlist_srmd, ork_dft_nx2_dfti_set_bkdlist_dcmd, ork_dft_nx2_dfti_set_bkdlist_drmd;
+/* Releases plans and node, and clears *node; a null node is fine. */
+int64_t ork_dft_nx2_dfti_free_node(ork_dft_node** node);
+
+/* Commit: plans every dimension and returns a status. On success the head's status is ORK_DFT_COMMITTED. On failure it
+   is not, nothing of a plan is left, and thread_limit and threads are what they were. An older plan is released first.
+   A single transform of one dimension with threads other than 1 is planned by the core's ..._omp commit below, which
+   may set `threads` and calls ork_dft_nx2_plan_node; without a plan the node computes nothing but the status
+   ORK_DFT_NOT_PLANNED. With word 6 of the settings, forward, backward and the steps are left null and 0: the core runs
+   the stages. */
+typedef int32_t ork_dft_commit(ork_dft_node* node);
 ork_dft_commit ork_dft_nx2_commit_descriptor_core_s_c2c_1d, ork_dft_nx2_commit_descriptor_core_s_c2c_md,
     ork_dft_nx2_commit_descriptor_core_s_r2c_1d, ork_dft_nx2_commit_descriptor_core_s_r2c_md,
     ork_dft_nx2_commit_descriptor_core_d_c2c_1d, ork_dft_nx2_commit_descriptor_core_d_c2c_md,
     ork_dft_nx2_commit_descriptor_core_d_r2c_1d, ork_dft_nx2_commit_descriptor_core_d_r2c_md;
 
-/* Whole descriptors on the calling thread. */
+ork_dft_commit ork_dft_nx2_plan_node;
+
+/* What a commit would choose for a dimension of complex data, and from what. */
+typedef struct ork_dft_facts {
+    int64_t index, length, stride[2]; /* of the dimension: input, output */
+    int64_t head_stride[2], size;     /* of the head */
+    int64_t transforms;
+    int32_t rank, placement, complex_storage, workspace;
+    int32_t alternative;       /* word 6 of the settings is 1 */
+    int32_t four_step_refused; /* has been tried in vain */
+    int32_t batched_refused;
+    int32_t reserved;
+} ork_dft_facts;
+int32_t ork_dft_nx2_choose_engine(const ork_dft_facts* facts); /* ORK_DFT_ENGINE_... */
+/* 1 when length, stride, place and storage admit the small-length batched plan; powers of two never come to it. */
+int32_t ork_dft_nx2_batched_applies(const ork_dft_facts* facts);
+/* Transforms that are best done at once, for the relevant stride. */
+int64_t ork_dft_nx2_batch_of_length(int64_t length, int64_t stride);
+/* n = n1 * n2 with n1 <= n2 as the four-step engine splits it: 0, or ORK_DFT_NOT_APPLICABLE for a factor too large. */
+int32_t ork_dft_nx2_four_step_factors(int32_t precision, int64_t n, int64_t* n1, int64_t* n2);
+
+/* Whole descriptors on the calling thread: forward and backward, in place and not; z double, c single precision. Of
+   complex and real data alike: all run the node's stages, but for a single transform of unit stride. */
 ork_dft_compute ork_dft_nx2_xzforward, ork_dft_nx2_xzbackward, ork_dft_nx2_xzforward_out, ork_dft_nx2_xzbackward_out,
     ork_dft_nx2_xcforward, ork_dft_nx2_xcbackward, ork_dft_nx2_xcforward_out, ork_dft_nx2_xcbackward_out;
+/* Two dimensions, complex; and real: packed storage (dz, zd; sc, cs) or complex (dzz, zzd; scc, ccs). */
+ork_dft_compute_2d ork_dft_nx2_xzdft2d, ork_dft_nx2_xzdft2d_out, ork_dft_nx2_xcdft2d, ork_dft_nx2_xcdft2d_out;
+ork_dft_compute ork_dft_nx2_xdzdft2d, ork_dft_nx2_xzddft2d, ork_dft_nx2_xdzzdft2d, ork_dft_nx2_xzzddft2d,
+    ork_dft_nx2_xscdft2d, ork_dft_nx2_xcsdft2d, ork_dft_nx2_xsccdft2d, ork_dft_nx2_xccsdft2d;
+/* All stages of a planned node in order on the calling thread; shared memory comes from ork_dft_ufxMalloc. */
+int32_t ork_dft_nx2_run_stages(const ork_dft_node* node, void* const* arrays, int32_t direction);
 
-/* What the commit of a core does for a descriptor whose threads it chooses itself; they call back the entries above. */
+/* The four-step engine. init plans the head's one dimension: 0 and node->four_step, ORK_DFT_NO_MEMORY, or
+   ORK_DFT_NOT_APPLICABLE. Steps: columns or rows first <= i < first + count, first a multiple of 8, in groups of 8
+   through a buffer; what stands between them is stated with `mode`. Step 1-2 of mode 0 writes where it reads, otherwise
+   column j2 becomes the contiguous row j2 of `out`; it goes on after a kernel's failure and returns the OR of all
+   statuses. Step 3 returns the first that is not 0. `in` and `out` are interleaved vectors of n numbers. */
+typedef int32_t ork_dft_step_1_2(const ork_dft_four_step* plan, int32_t direction, const void* in, void* out,
+                                 int64_t first, int64_t count);
+typedef int32_t ork_dft_step_3(const ork_dft_four_step* plan, int32_t direction, double scale, const void* in,
+                               void* out, int64_t first, int64_t count);
+ork_dft_commit ork_dft_nx2_xz_init_data_1d_via_2d, ork_dft_nx2_xc_init_data_1d_via_2d;
+ork_dft_step_1_2 ork_dft_nx2_xz_4step_1_2, ork_dft_nx2_xc_4step_1_2;
+ork_dft_step_3 ork_dft_nx2_xz_4step_3, ork_dft_nx2_xc_4step_3;
+
+/* Copies with increments, and real multiples of complex vectors; a negative increment begins at the far end. */
+void ork_dft_nx2_dft_scopy(int64_t n, const float* x, int64_t incx, float* y, int64_t incy);
+void ork_dft_nx2_dft_dcopy(int64_t n, const double* x, int64_t incx, double* y, int64_t incy);
+void ork_dft_nx2_dft_ccopy(int64_t n, const ork_complex_float* x, int64_t incx, ork_complex_float* y, int64_t incy);
+void ork_dft_nx2_dft_zcopy(int64_t n, const ork_complex_double* x, int64_t incx, ork_complex_double* y, int64_t incy);
+void ork_dft_nx2_dft_csscal(int64_t n, float alpha, ork_complex_float* x, int64_t incx);
+void ork_dft_nx2_dft_zdscal(int64_t n, double alpha, ork_complex_double* x, int64_t incx);
+
+/* What a core does to commit a descriptor whose threads it chooses itself: calls ork_dft_nx2_plan_node. */
 ork_dft_commit ork_dft_commit_node_s_c2c_1d_omp, ork_dft_commit_node_s_c2c_md_omp, ork_dft_commit_node_s_r2c_1d_omp,
     ork_dft_commit_node_s_r2c_md_omp, ork_dft_commit_node_d_c2c_1d_omp, ork_dft_commit_node_d_c2c_md_omp,
     ork_dft_commit_node_d_r2c_1d_omp, ork_dft_commit_node_d_r2c_md_omp;
