@@ -301,6 +301,8 @@ void ork_dft_nx2_dft_zdscal(int64_t n, double alpha, ork_complex_double* x, int6
 ork_dft_commit ork_dft_commit_node_s_c2c_1d_omp, ork_dft_commit_node_s_c2c_md_omp, ork_dft_commit_node_s_r2c_1d_omp,
     ork_dft_commit_node_s_r2c_md_omp, ork_dft_commit_node_d_c2c_1d_omp, ork_dft_commit_node_d_c2c_md_omp,
     ork_dft_commit_node_d_r2c_1d_omp, ork_dft_commit_node_d_r2c_md_omp;
+/* The stages of a planned node on up to node->threads threads of the core. */
+ork_dft_compute ork_dft_compute_forward_par, ork_dft_compute_backward_par;
 /* Work memory of kernels, 64-byte aligned; null when there is none. */
 void* ork_dft_ufxMalloc(int64_t bytes);
 void ork_dft_ufxFree(void* memory);
