@@ -58,7 +58,7 @@ void recurse(std::int64_t n, const Complex<R>* x, std::int64_t stride, Complex<R
     for (std::int64_t k = 0; k < n; ++k) {
         Complex<R> sum{};
         for (std::int64_t j = 0; j < p; ++j) {
-            const Complex<R> w = rounded<R>(root(static_cast<std::int64_t>(static_cast<__int128>(j) * k % n), n));
+            const Complex<R> w = rounded<R>(exact_root(static_cast<std::int64_t>(static_cast<__int128>(j) * k % n), n));
             sum = sum + y[j * m + k % m] * w;
         }
         t[k] = sum;

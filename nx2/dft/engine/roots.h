@@ -10,7 +10,7 @@ namespace ork::dft {
 
 // exp(-2 pi i k / n), 0 <= k < n < 2^60, with an error below 2^-61. The angle is folded into the first octant by
 // integers, where Taylor's series in 64-bit mantissas end after 10 terms.
-inline Complex<long double> root(std::int64_t k, std::int64_t n)
+inline Complex<long double> exact_root(std::int64_t k, std::int64_t n)
 {
     const bool lower = 2 * k > n; // below the real axis before the sign of the exponent
     std::int64_t a = lower ? n - k : k;
