@@ -30,9 +30,10 @@ constexpr std::int64_t packed_length(Packing packing, std::int64_t n)
 template <class R>
 class RealPlan;
 
-// Status 0, or 1 when there is no memory (nothing is left behind then). n >= 1.
+// Status 0, or 1 when there is no memory (nothing is left behind then). n >= 1. `transforms` is how many are meant to
+// be computed at once: for more than one, plans of odd lengths also hold what makes pairs of transforms faster.
 template <class R>
-int make_real_plan(std::int64_t n, RealPlan<R>** plan);
+int make_real_plan(std::int64_t n, RealPlan<R>** plan, std::int64_t transforms = 1);
 template <class R>
 void free_real_plan(RealPlan<R>* plan); // null is fine
 template <class R>
@@ -94,12 +95,12 @@ void to_cce(Packing packing, std::int64_t n, const R* packed, R* cce);
 
 // The pass over columns of a matrix of m rows of n real numbers each, in packed storage; its rows are or will be packed
 // vectors of length n. So a row has one or two columns of real numbers (R0; for even n R(n/2)) and (n - 1)/2 pairs of
-// columns that are complex. The complex ones are transformed as such, m numbers down a pair; a real one becomes or comes
-// from a packed vector of length m (m + 2 or m + 1 numbers down for ccs). ccs has zeros beside a real column, which are
-// not read; forward writes them, and below the complex columns zeros too.
+// columns that are complex. The complex ones are transformed as such, m numbers down a pair; a real one becomes or
+// comes from a packed vector of length m (m + 2 or m + 1 numbers down for ccs). ccs has zeros beside a real column,
+// which are not read; forward writes them, and below the complex columns zeros too.
 //
-// Column unit 0 is R0, units 1 .. (n - 1)/2 are complex, the last one for even n is R(n/2); threads divide units. Number
-// (i, j) of the matrix is re[i * stride + j * distance].
+// Column unit 0 is R0, units 1 .. (n - 1)/2 are complex, the last one for even n is R(n/2); threads divide units.
+// Number (i, j) of the matrix is re[i * stride + j * distance].
 template <class R>
 struct PackedColumns {
     const Plan<R>* complex; // both of length m; complex may be null for n < 3

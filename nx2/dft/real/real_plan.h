@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+// What a plan for real transforms holds.
+#pragma once
+
+#include "dft/real/half_length.h"
+#include "dft/real/odd.h"
+#include "dft/real/real.h"
+#include "dft/real/small.h"
+
+namespace ork::dft {
+
+template <class R>
+class RealPlan {
+public:
+    std::int64_t n;
+    SmallForward<R> small_forward; // null: none for this length
+    SmallBackward<R> small_backward;
+    Plan<R>* complex; // of length n/2 for even n, of length n for odd; null when `odd` does without
+    Complex<R>* g;    // even n: constants of half_length.h for k = 1 ...
+    OddPlan<R>* odd;  // odd n with small factors, or null
+
+    std::int64_t group; // transforms that are best done at once
+    std::int64_t block; // those done at once, so that both sides stay in the second-level cache
+    std::int64_t line;  // real numbers of one transform (odd n: of a pair) in work memory
+    std::int64_t lines; // so many of them there
+    std::size_t lines_offset, work_bytes;
+};
+
+// A layout with its three parts told apart.
+template <class R>
+Spectrum<R> spectrum(Packing packing, std::int64_t n, const Place<R>& p);
+
+// Batches of each kind; the plan has what they need.
+template <class R>
+void even_forward(const RealPlan<R>& plan, Packing packing, R scale, const Place<R>& in, const Place<R>& out,
+                  std::int64_t count, void* work);
+template <class R>
+void even_backward(const RealPlan<R>& plan, Packing packing, R scale, const Place<R>& in, const Place<R>& out,
+                   std::int64_t count, void* work);
+template <class R>
+void odd_forward(const RealPlan<R>& plan, Packing packing, R scale, const Place<R>& in, const Place<R>& out,
+                 std::int64_t count, void* work);
+template <class R>
+void odd_backward(const RealPlan<R>& plan, Packing packing, R scale, const Place<R>& in, const Place<R>& out,
+                  std::int64_t count, void* work);
+
+} // namespace ork::dft
