@@ -10,6 +10,7 @@
 //   E::outputs_at_once of a transform of large prime length
 #pragma once
 
+#include <cstdint>
 #include <type_traits>
 #include <utility>
 
@@ -46,7 +47,7 @@ constexpr int first_radix(int n)
             (coprime == best_coprime && a <= b && (best == 1 || distance(a) < distance(best))))
             best = a, best_coprime = coprime;
     }
-    return n == 8 ? 4 : best;
+    return n == 16 ? 2 : best; // of pairs 2 x 8 is 8 % faster than 4 x 4; of split numbers 1 % slower
 }
 
 // Columns of a elements, then rows of b. With coprime a and b, j = b j1 + a j2 and k = k1 modulo a, k2 modulo b (Good,
@@ -62,6 +63,9 @@ constexpr int place_of_result(int a, int b, int k1, int k2)
     while (k % b != k2) k += a;
     return k;
 }
+
+// Rows whose twiddles are 1, w, w^2, w^3 with w = exp(-2 pi i / 8).
+constexpr bool steps_of_an_eighth(int a, int b, int k1) { return b == 4 && a % 2 == 0 && 2 * k1 == a; }
 
 // X = A + B and X' = A - B for the pairs of outputs k, p - k of a prime p: A = x[0] + sum of cos(2 pi j k / p) (x[j] +
 // x[p - j]) and B = -i times the sum of sin(2 pi j k / p) (x[j] - x[p - j]), over j = 1 .. (p - 1)/2.
@@ -104,35 +108,37 @@ template <int p, class E>
 struct PrimeTable {
     static constexpr int m = (p - 1) / 2, groups = (m + E::outputs_at_once - 1) / E::outputs_at_once;
     using Q = decltype(quarter(std::declval<E>()));
-    struct Entry {
+    static constexpr int begin(int group) { return m * group / groups; } // first output of a group, less 1
+
+    struct Factors {
         typename E::Multiplier cos;
         typename Q::Multiplier sin;
     };
-    static constexpr int begin(int group) { return m * group / groups; } // first output of a group, less 1
-
-    template <class R, int... i>
-    struct Entries { // group by group; within it all j; for each the outputs of the group
-        static constexpr int output(int at)
-        {
-            int group = 0;
-            while (at >= m * begin(group + 1)) ++group;
-            return begin(group) + (at - m * begin(group)) % (begin(group + 1) - begin(group)) + 1;
-        }
-        static constexpr int input(int at)
-        {
-            int group = 0;
-            while (at >= m * begin(group + 1)) ++group;
-            return (at - m * begin(group)) / (begin(group + 1) - begin(group)) + 1;
-        }
-        alignas(16) static constexpr Entry list[] = {
-            {typename E::Multiplier(root<R, p, output(i) * input(i) % p>.cos),
-             typename Q::Multiplier(root<R, p, output(i) * input(i) % p>.sin)}...};
+    template <int... angle>
+    struct List {
+        static constexpr Factors by_angle[] = {{typename E::Multiplier(root<typename E::Real, p, angle>.cos),
+                                                typename Q::Multiplier(root<typename E::Real, p, angle>.sin)}...};
     };
-    template <int... i>
-    static constexpr const Entry* entries(std::integer_sequence<int, i...>)
+    template <int... angle>
+    static const Factors* factors(std::integer_sequence<int, angle...>)
     {
-        return Entries<typename E::Real, i...>::list;
+        return List<angle...>::by_angle;
     }
+    static const Factors* factors() { return factors(std::make_integer_sequence<int, p>{}); }
+
+    // Group by group, within it all j, for each the outputs k of the group: where in bytes j k modulo p stands.
+    struct Offsets {
+        std::uint16_t list[m * m];
+        constexpr Offsets() : list()
+        {
+            int i = 0;
+            for (int group = 0; group < groups; ++group)
+                for (int j = 1; j <= m; ++j)
+                    for (int k = begin(group) + 1; k <= begin(group + 1); ++k)
+                        list[i++] = static_cast<std::uint16_t>(j * k % p * sizeof(Factors));
+        }
+    };
+    static constexpr Offsets offsets{};
 };
 
 template <int p, class E, class Load, class Store>
@@ -151,21 +157,26 @@ template <int p, class E, class Load, class Store>
         all = all + sum[j];
     });
     store(Index<0>{}, all);
-    const auto* entry = Table::entries(std::make_integer_sequence<int, m * m>{});
+    const auto* const factors = Table::factors();
+    const std::uint16_t* offset = Table::offsets.list;
+    const auto at = [=](std::uint16_t bytes) ORK_INLINE_LAMBDA -> const typename Table::Factors& {
+        return *reinterpret_cast<const typename Table::Factors*>(reinterpret_cast<const char*>(factors) + bytes);
+    };
     unrolled<Table::groups>([&](auto group) ORK_INLINE_LAMBDA {
         constexpr int begin = Table::begin(group), outputs = Table::begin(group + 1) - begin;
         E a[outputs];
-        decltype(difference[0] * entry->sin) b[outputs];
+        decltype(difference[0] * factors->sin) b[outputs];
         unrolled<outputs>([&](auto k) ORK_INLINE_LAMBDA {
-            a[k] = first + sum[0] * entry[k].cos;
-            b[k] = difference[0] * entry[k].sin;
+            a[k] = first + sum[0] * at(offset[k]).cos;
+            b[k] = difference[0] * at(offset[k]).sin;
         });
-        entry += outputs;
+        offset += outputs;
 #pragma GCC unroll 1
-        for (int j = 1; j < m; ++j, entry += outputs)
+        for (int j = 1; j < m; ++j, offset += outputs)
             unrolled<outputs>([&](auto k) ORK_INLINE_LAMBDA {
-                a[k] = a[k] + sum[j] * entry[k].cos;
-                b[k] = b[k] + difference[j] * entry[k].sin;
+                const auto& by = at(offset[k]);
+                a[k] = a[k] + sum[j] * by.cos;
+                b[k] = b[k] + difference[j] * by.sin;
             });
         unrolled<outputs>([&](auto k) ORK_INLINE_LAMBDA {
             store(Index<begin + 1 + k>{}, a[k] + b[k]);
@@ -174,8 +185,26 @@ template <int p, class E, class Load, class Store>
     });
 }
 
-// load(Index<j>) gives x[j], each j once; store(Index<k>, X[k]) takes the results, each k once. Both come as late and
-// as early as the order of the sums lets them: a store may come before a load.
+// The transform of x[0], w x[1], w^2 x[2], w^3 x[3], w = exp(-2 pi i / 8). With h = sqrt(1/2) and d = x[1] - x[3],
+// s = x[1] + x[3]: w x[1] + w^3 x[3] = h d - i h s, -i (w x[1] - w^3 x[3]) = -i h s - h d.
+template <class E, class Store>
+[[gnu::always_inline]] inline void odd_half_of_8(const E (&x)[4], Store store)
+{
+    using R = typename E::Real;
+    constexpr R h = root<R, 8, 1>.cos;
+    const auto turned = quarter(x[2]);
+    const E even = x[0] + turned, even_less = x[0] - turned;
+    const auto across = quarter(x[1] + x[3]) * h;
+    const E along = (x[1] - x[3]) * h;
+    const E odd = along + across, odd_less = along - across; // the latter negated
+    store(Index<0>{}, even + odd);
+    store(Index<2>{}, even - odd);
+    store(Index<1>{}, even_less - odd_less);
+    store(Index<3>{}, even_less + odd_less);
+}
+
+// load(Index<j>{}) gives x[j], each j once and as late as the order of the sums lets it; store(Index<k>{}, X[k]) takes
+// the results, each k once. All loads come before the first store.
 template <int n, class E, class Load, class Store>
 [[gnu::always_inline]] inline void dft(Load load, Store store)
 {
@@ -204,6 +233,15 @@ template <int n, class E, class Load, class Store>
         store(Index<2>{}, even - odd);
         store(Index<1>{}, even_less + odd_less);
         store(Index<3>{}, even_less - odd_less);
+    } else if constexpr (n == 8) {
+        E sum[4], less[4];
+        unrolled<4>([&](auto j) ORK_INLINE_LAMBDA {
+            const E a = load(j), b = load(Index<j + 4>{});
+            sum[j] = a + b, less[j] = a - b;
+        });
+        dft<4, E>([&](auto j) ORK_INLINE_LAMBDA { return sum[j]; },
+                  [&](auto k, E x) ORK_INLINE_LAMBDA { store(Index<2 * k>{}, x); });
+        odd_half_of_8(less, [&](auto k, E x) ORK_INLINE_LAMBDA { store(Index<2 * k + 1>{}, x); });
     } else if constexpr (n == 5) {
         // (cos 72 + cos 144)/2 = -1/4, (cos 72 - cos 144)/2 = sqrt(5)/4.
         constexpr R half_difference = root_of_unity<long double>(1, 5).cos + 0.25L;
@@ -223,16 +261,21 @@ template <int n, class E, class Load, class Store>
         store(Index<3>{}, a2 - b2);
     } else if constexpr (constexpr int a = first_radix(n); a > 1) {
         constexpr int b = n / a;
-        constexpr bool coprime = gcd(a, b) == 1;
         E table[a][b];
         unrolled<b>([&](auto j2) ORK_INLINE_LAMBDA {
             dft<a, E>([&](auto j1) ORK_INLINE_LAMBDA { return load(Index<place_of_input(a, b, j1, j2)>{}); },
-                      [&](auto k1, E x)
-                          ORK_INLINE_LAMBDA { table[k1][j2] = twiddled < n, coprime ? 0 : j2 * k1 > (x); });
+                      [&](auto k1, E x) ORK_INLINE_LAMBDA {
+                          constexpr int turn = gcd(a, b) == 1 || steps_of_an_eighth(a, b, k1) ? 0 : j2 * k1;
+                          table[k1][j2] = twiddled<n, turn>(x);
+                      });
         });
         unrolled<a>([&](auto k1) ORK_INLINE_LAMBDA {
-            dft<b, E>([&](auto j2) ORK_INLINE_LAMBDA { return table[k1][j2]; },
-                      [&](auto k2, E x) ORK_INLINE_LAMBDA { store(Index<place_of_result(a, b, k1, k2)>{}, x); });
+            const auto in_place = [&](auto k2, E x)
+                                      ORK_INLINE_LAMBDA { store(Index<place_of_result(a, b, k1, k2)>{}, x); };
+            if constexpr (steps_of_an_eighth(a, b, k1))
+                odd_half_of_8(table[k1], in_place);
+            else
+                dft<b, E>([&](auto j2) ORK_INLINE_LAMBDA { return table[k1][j2]; }, in_place);
         });
     } else if constexpr (n <= 13) {
         prime_dft<n, E>(load, store);
