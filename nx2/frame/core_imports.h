@@ -6,6 +6,7 @@
 #pragma once
 
 #include "ork/abi/core_blas.h"
+#include "ork/abi/dft.h"
 #include "ork/abi/services.h"
 
 // The name of one import; the declarations themselves are in ork/abi/.
@@ -21,6 +22,21 @@ IMPORT(ork_serv_cache_info)
 IMPORT(ork_serv_malloc)
 IMPORT(ork_serv_free)
 IMPORT(ork_serv_check_ptr_and_warn)
+
+// Transforms: nodes and plans, work memory, the cache in which passes stay, and the commit of descriptors whose threads
+// the core chooses
+IMPORT(ork_serv_calloc)
+IMPORT(ork_serv_get_cache_size)
+IMPORT(ork_dft_ufxMalloc)
+IMPORT(ork_dft_ufxFree)
+IMPORT(ork_dft_commit_node_s_c2c_1d_omp)
+IMPORT(ork_dft_commit_node_s_c2c_md_omp)
+IMPORT(ork_dft_commit_node_s_r2c_1d_omp)
+IMPORT(ork_dft_commit_node_s_r2c_md_omp)
+IMPORT(ork_dft_commit_node_d_c2c_1d_omp)
+IMPORT(ork_dft_commit_node_d_c2c_md_omp)
+IMPORT(ork_dft_commit_node_d_r2c_1d_omp)
+IMPORT(ork_dft_commit_node_d_r2c_md_omp)
 
 // The reproducibility switch, which chooses between loops in level 2
 IMPORT(ork_serv_cbwr_get)

@@ -195,7 +195,8 @@ enum {
     ORK_DFT_FLAG_FOUR_STEP = 4, /* one transform, by the four-step kernels */
     ORK_DFT_FLAG_SINGLE = 8,    /* one transform of unit stride by the head's kernel pair: no stage is needed */
     ORK_DFT_FLAG_PLANNED = 16,  /* plans and stages are there */
-    ORK_DFT_FLAG_UNSCALED = 32  /* the kernel pair ignores plan, argument and scale */
+    ORK_DFT_FLAG_UNSCALED = 32, /* the kernel pair ignores plan, argument and scale */
+    ORK_DFT_FLAG_BORROWED = 64  /* the plan is that of an earlier dimension of the same length */
 };
 
 /* What a commit decided for a dimension; for information. */
