@@ -2,10 +2,12 @@
 #include "support/fake_core.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <dlfcn.h>
 #include <new>
 
 #include "ork/abi/core_blas.h"
+#include "ork/abi/dft.h"
 #include "ork/abi/services.h"
 
 namespace ork::test {
@@ -56,6 +58,12 @@ void ork_serv_deallocate(void* ptr) { release(ptr, fake_core().live_allocations)
 
 void* ork_serv_malloc(size_t size, size_t alignment) { return allocate(size, alignment, fake_core().live_objects); }
 
+void* ork_serv_calloc(size_t count, size_t size, size_t alignment, int64_t)
+{
+    void* memory = allocate(count * size, alignment, fake_core().live_objects);
+    return memory == nullptr ? nullptr : std::memset(memory, 0, count * size);
+}
+
 void ork_serv_free(void* ptr) { release(ptr, fake_core().live_objects); }
 
 int ork_serv_check_ptr_and_warn(const void* ptr, const char* name)
@@ -78,6 +86,36 @@ int64_t ork_serv_cache_info(ork_cache_info* info)
     info->cache_size = fake_core().cache_size;
     return 0;
 }
+
+int64_t ork_serv_get_cache_size(int level) { return level == 2 ? fake_core().level2_size.load() : 0; }
+
+// Work memory comes as it is on a real machine: full of something else.
+void* ork_dft_ufxMalloc(int64_t bytes)
+{
+    void* memory = allocate(static_cast<size_t>(bytes), 64, fake_core().live_work);
+    return memory == nullptr ? nullptr : std::memset(memory, 0xff, static_cast<size_t>(bytes));
+}
+
+void ork_dft_ufxFree(void* memory) { release(memory, fake_core().live_work); }
+
+#define THREADED_COMMIT(kind)                                                                                          \
+    int32_t ork_dft_commit_node_##kind##_omp(ork_dft_node* node)                                                       \
+    {                                                                                                                  \
+        auto& core = fake_core();                                                                                      \
+        ++core.threaded_commits;                                                                                       \
+        if (core.threaded_commit_threads != 0) node->threads = core.threaded_commit_threads;                           \
+        if (!core.threaded_commit_plans) return core.threaded_commit_status;                                           \
+        return reinterpret_cast<ork_dft_commit*>(dlsym(RTLD_DEFAULT, "ork_dft_nx2_plan_node"))(node);                  \
+    }
+THREADED_COMMIT(s_c2c_1d)
+THREADED_COMMIT(s_c2c_md)
+THREADED_COMMIT(s_r2c_1d)
+THREADED_COMMIT(s_r2c_md)
+THREADED_COMMIT(d_c2c_1d)
+THREADED_COMMIT(d_c2c_md)
+THREADED_COMMIT(d_r2c_1d)
+THREADED_COMMIT(d_r2c_md)
+#undef THREADED_COMMIT
 
 int64_t ork_serv_cbwr_get(int64_t what)
 {

@@ -10,12 +10,20 @@ namespace ork::test {
 struct FakeCore {
     std::atomic<int> fail_allocation_at = 0; // 1: the next allocation returns null, 2: the one after it ..., 0: none
     std::atomic<int> live_allocations = 0;   // handed out and not yet returned
-    std::atomic<int> live_objects = 0;       // the same of malloc, whose memory free takes back
+    std::atomic<int> live_objects = 0;       // the same of malloc and calloc, whose memory free takes back
+    std::atomic<int> live_work = 0;          // the same of the transforms' work memory
     std::atomic<int64_t> microarchitecture = 0;
     std::atomic<int64_t> cache_levels = 3;
     std::atomic<int64_t> cache_size = 32 << 20; // bytes
+    std::atomic<int64_t> level2_size = 1 << 20;
 
     std::atomic<int64_t> reproducibility = 0; // the branch in force
+
+    // What the commit of transforms whose threads a core chooses does, and how often it has been asked.
+    std::atomic<bool> threaded_commit_plans = true;
+    std::atomic<int32_t> threaded_commit_status = 0;  // returned instead when it doesn't plan
+    std::atomic<int32_t> threaded_commit_threads = 0; // stored in the node unless 0
+    std::atomic<int> threaded_commits = 0;
 
     // Calls so far, failed ones included.
     std::atomic<int> allocations = 0;

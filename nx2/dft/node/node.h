@@ -50,15 +50,19 @@ inline const Plan<R>& plan_of(const void* plan)
     return *static_cast<const Plan<R>*>(plan);
 }
 
-// Work memory of one call: of the stack where it is small, so that a short transform costs no call of the core.
+// Work memory of one call: of the stack where it is small, so that a short transform costs no call of the core. The
+// stack is taken in a frame of its own: kernels that are handed their work memory leave it alone.
 inline constexpr std::size_t stack_work = 24 << 10;
+template <class Body>
+[[gnu::noinline]] std::int32_t with_stack(Body& body)
+{
+    alignas(64) char work[stack_work];
+    return body(static_cast<void*>(work));
+}
 template <class Body>
 [[gnu::always_inline]] inline std::int32_t with_work(std::size_t bytes, Body body)
 {
-    if (bytes <= stack_work) {
-        alignas(64) char work[stack_work];
-        return body(static_cast<void*>(work));
-    }
+    if (bytes <= stack_work) return with_stack(body);
     void* work = ork_dft_ufxMalloc(static_cast<std::int64_t>(bytes));
     if (work == nullptr) return ORK_DFT_NO_MEMORY;
     const std::int32_t status = body(work);

@@ -38,27 +38,30 @@ inline Vec<R> times(Vec<R> a, Vec<R> w, int direction)
 }
 
 template <int width, class R>
-inline void turn(Complex<R>* x, const Complex<R>* fine, const Factor<Complex<R>>& coarse, int direction)
+inline void turn(const Complex<R>* x, Complex<R>* y, const Complex<R>* fine, const Factor<Complex<R>>& coarse,
+                 int direction)
 {
     const Vec<Complex<R>> w = coarse * load<width>(fine);
-    store<width>(x, Vec<Complex<R>>{times(load<width>(x).v, w.v, direction)});
+    store<width>(y, Vec<Complex<R>>{times(load<width>(x).v, w.v, direction)});
 }
 
 template <class R>
-[[gnu::always_inline]] inline std::int32_t twiddle(void* column, std::int64_t n, const void* coarse_roots,
+[[gnu::always_inline]] inline std::int32_t twiddle(const void* from, void* to, std::int64_t n, const void* coarse_roots,
                                                    const void* fine_roots, std::int32_t direction)
 {
-    if (column == nullptr || coarse_roots == nullptr || fine_roots == nullptr) return ORK_DFT_PRIMITIVE_NULL;
+    if (from == nullptr || to == nullptr || coarse_roots == nullptr || fine_roots == nullptr)
+        return ORK_DFT_PRIMITIVE_NULL;
     if (n < 1) return ORK_DFT_PRIMITIVE_LENGTH;
     constexpr int lanes = Vec<Complex<R>>::lanes;
     const auto* fine = static_cast<const Complex<R>*>(fine_roots);
-    auto* x = static_cast<Complex<R>*>(column);
-    for (std::int64_t k = 0; k < n; k += fine_twiddles, x += fine_twiddles) {
+    const auto* x = static_cast<const Complex<R>*>(from);
+    auto* y = static_cast<Complex<R>*>(to);
+    for (std::int64_t k = 0; k < n; k += fine_twiddles, x += fine_twiddles, y += fine_twiddles) {
         const Factor<Complex<R>> coarse(static_cast<const Complex<R>*>(coarse_roots)[k / fine_twiddles]);
         const std::int64_t here = n - k < fine_twiddles ? n - k : fine_twiddles;
         std::int64_t j = 0;
-        for (; j + lanes <= here; j += lanes) turn<lanes>(x + j, fine + j, coarse, direction);
-        for (; j < here; ++j) turn<1>(x + j, fine + j, coarse, direction);
+        for (; j + lanes <= here; j += lanes) turn<lanes>(x + j, y + j, fine + j, coarse, direction);
+        for (; j < here; ++j) turn<1>(x + j, y + j, fine + j, coarse, direction);
     }
     return ORK_DFT_OK;
 }
@@ -66,13 +69,13 @@ template <class R>
 } // namespace
 } // namespace ork::dft
 
-ORK_PRIMITIVE std::int32_t ork_dft_nx2_ufx_twiddle_c(void* x, std::int64_t n, const void* coarse, const void* fine,
-                                                     std::int32_t direction)
+ORK_PRIMITIVE std::int32_t ork_dft_nx2_ufx_twiddle_c(const void* x, void* y, std::int64_t n, const void* coarse,
+                                                     const void* fine, std::int32_t direction)
 {
-    return ork::dft::twiddle<float>(x, n, coarse, fine, direction);
+    return ork::dft::twiddle<float>(x, y, n, coarse, fine, direction);
 }
-ORK_PRIMITIVE std::int32_t ork_dft_nx2_ufx_twiddle_z(void* x, std::int64_t n, const void* coarse, const void* fine,
-                                                     std::int32_t direction)
+ORK_PRIMITIVE std::int32_t ork_dft_nx2_ufx_twiddle_z(const void* x, void* y, std::int64_t n, const void* coarse,
+                                                     const void* fine, std::int32_t direction)
 {
-    return ork::dft::twiddle<double>(x, n, coarse, fine, direction);
+    return ork::dft::twiddle<double>(x, y, n, coarse, fine, direction);
 }

@@ -29,10 +29,11 @@ std::int32_t ork_dft_nx2_ufx_batch_c(const ork_dft_place* in, const ork_dft_plac
                                      const void* plan, std::int32_t direction, double scale, void* work);
 std::int32_t ork_dft_nx2_ufx_batch_z(const ork_dft_place* in, const ork_dft_place* out, std::int64_t count,
                                      const void* plan, std::int32_t direction, double scale, void* work);
-// x[k] <- x[k] coarse[k / 64] fine[k % 64] for 0 <= k < n; both conjugated for ORK_DFT_BACKWARD.
-std::int32_t ork_dft_nx2_ufx_twiddle_c(void* x, std::int64_t n, const void* coarse, const void* fine,
+// y[k] = x[k] coarse[k / 64] fine[k % 64] for 0 <= k < n, in place or not; both conjugated for
+// ORK_DFT_BACKWARD.
+std::int32_t ork_dft_nx2_ufx_twiddle_c(const void* x, void* y, std::int64_t n, const void* coarse, const void* fine,
                                        std::int32_t direction);
-std::int32_t ork_dft_nx2_ufx_twiddle_z(void* x, std::int64_t n, const void* coarse, const void* fine,
+std::int32_t ork_dft_nx2_ufx_twiddle_z(const void* x, void* y, std::int64_t n, const void* coarse, const void* fine,
                                        std::int32_t direction);
 }
 
