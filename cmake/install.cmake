@@ -8,13 +8,19 @@ install(TARGETS ork_core EXPORT orkTargets LIBRARY DESTINATION ${CMAKE_INSTALL_L
 install(TARGETS ork_nx2 LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY include/ork DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
-# The drop-ins carry the names of the system's BLAS, so they keep to a folder that no program searches unasked.
+# The drop-ins carry the names of the system's BLAS and FFTW, so they keep to a folder that no program searches unasked.
 set(ORK_DROP_IN_DIR ${CMAKE_INSTALL_LIBDIR}/ork)
-foreach(name blas blas64)
+foreach(name blas blas64 fftw3 fftw3f)
   # Both paths from the start: CMake would fill a shorter one up with colons, which stand for the working directory.
   set_target_properties(ork_${name} PROPERTIES EXPORT_NAME ${name} INSTALL_RPATH "$ORIGIN/..;$ORIGIN"
                         BUILD_WITH_INSTALL_RPATH ON)
   install(TARGETS ork_${name} EXPORT orkTargets LIBRARY DESTINATION ${ORK_DROP_IN_DIR})
+endforeach()
+
+foreach(name fftw3 fftw3f)
+  foreach(threads threads omp)
+    install(FILES ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/lib${name}_${threads}.so.3 DESTINATION ${ORK_DROP_IN_DIR})
+  endforeach()
 endforeach()
 
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DATADIR}/ork FILES_MATCHING PATTERN "*.c" PATTERN "README.md")
