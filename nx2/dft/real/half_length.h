@@ -205,27 +205,38 @@ void ends_backward(std::int64_t m, R scale, const Spectrum<R>& x, const Place<R>
 
 } // namespace half_length
 
-// X from Z; sources and destinations are the same places or apart.
+// Pairs from <= k < to of X from Z; sources and destinations are the same places or apart.
+template <class R>
+void postprocess(std::int64_t m, const Complex<R>* g, R scale, const Place<R>& z, const Spectrum<R>& x,
+                 std::int64_t count, std::int64_t from, std::int64_t to)
+{
+    if (scale == R(1))
+        half_length::mix<Direction::forward, false>(m, g, scale, z, x.place(), count, from, to);
+    else
+        half_length::mix<Direction::forward, true>(m, g, scale, z, x.place(), count, from, to);
+}
+// The whole of it.
 template <class R>
 void postprocess(std::int64_t m, const Complex<R>* g, R scale, const Place<R>& z, const Spectrum<R>& x,
                  std::int64_t count)
 {
-    const std::int64_t end = (m - 1) / 2 + 1;
-    if (scale == R(1))
-        half_length::mix<Direction::forward, false>(m, g, scale, z, x.place(), count, 1, end);
-    else
-        half_length::mix<Direction::forward, true>(m, g, scale, z, x.place(), count, 1, end);
+    postprocess(m, g, scale, z, x, count, 1, (m - 1) / 2 + 1);
     half_length::ends_forward(m, scale, z, x, count);
 }
 
 // Z from X.
 template <class R>
 void preprocess(std::int64_t m, const Complex<R>* g, R scale, const Spectrum<R>& x, const Place<R>& z,
+                std::int64_t count, std::int64_t from, std::int64_t to)
+{
+    half_length::mix<Direction::backward, true>(m, g, 2 * scale, x.place(), z, count, from, to);
+}
+template <class R>
+void preprocess(std::int64_t m, const Complex<R>* g, R scale, const Spectrum<R>& x, const Place<R>& z,
                 std::int64_t count)
 {
-    const std::int64_t end = (m - 1) / 2 + 1;
     half_length::ends_backward(m, scale, x, z, count);
-    half_length::mix<Direction::backward, true>(m, g, 2 * scale, x.place(), z, count, 1, end);
+    preprocess(m, g, scale, x, z, count, 1, (m - 1) / 2 + 1);
 }
 
 } // namespace ork::dft

@@ -79,7 +79,7 @@ std::int64_t group(const RealPlan<R>& plan);
 template <class R>
 std::int64_t units(const RealPlan<R>& plan, Direction direction, int stage);
 template <class R>
-std::size_t shared_bytes(const RealPlan<R>& plan);
+std::size_t shared_bytes(const RealPlan<R>& plan, Packing packing);
 template <class R>
 std::size_t staged_work_bytes(const RealPlan<R>& plan);
 template <class R>
