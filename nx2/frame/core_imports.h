@@ -23,10 +23,14 @@ IMPORT(ork_serv_malloc)
 IMPORT(ork_serv_free)
 IMPORT(ork_serv_check_ptr_and_warn)
 
-// Transforms: nodes and plans, work memory, the cache in which passes stay, and the commit of descriptors whose threads
-// the core chooses
+// Transforms: nodes and plans, work memory, the cache in which passes stay, sines and cosines, and the commit of
+// descriptors whose threads the core chooses
 IMPORT(ork_serv_calloc)
 IMPORT(ork_serv_get_cache_size)
+IMPORT(ork_serv_libm_cos)
+IMPORT(ork_serv_libm_cosf)
+IMPORT(ork_serv_libm_sin)
+IMPORT(ork_serv_libm_sinf)
 IMPORT(ork_dft_ufxMalloc)
 IMPORT(ork_dft_ufxFree)
 IMPORT(ork_dft_commit_node_s_c2c_1d_omp)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "support/fake_core.h"
 
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
@@ -88,6 +89,11 @@ int64_t ork_serv_cache_info(ork_cache_info* info)
 }
 
 int64_t ork_serv_get_cache_size(int level) { return level == 2 ? fake_core().level2_size.load() : 0; }
+
+double ork_serv_libm_cos(double x) { return std::cos(x); }
+double ork_serv_libm_sin(double x) { return std::sin(x); }
+float ork_serv_libm_cosf(float x) { return std::cos(x); }
+float ork_serv_libm_sinf(float x) { return std::sin(x); }
 
 // Work memory comes as it is on a real machine: full of something else.
 void* ork_dft_ufxMalloc(int64_t bytes)

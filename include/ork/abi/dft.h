@@ -61,6 +61,9 @@ typedef int32_t ork_dft_kernel(const void* in, void* out, const void* plan, void
 typedef int32_t ork_dft_compute(ork_dft_node* node, void* const* arrays);
 typedef int32_t ork_dft_compute_2d(ork_dft_node* node, void* const* arrays, int32_t direction);
 
+/* Of one half spectrum of a real transform of length n. */
+typedef void ork_dft_process(int64_t n, const void* in, void* out);
+
 typedef struct ork_dft_call {
     void* const* arrays;
     void* shared;      /* shared_bytes of the node, 64-byte aligned: what one stage leaves to the next */
@@ -175,10 +178,10 @@ struct ork_dft_node {
     int64_t workspace_bytes; /* of the head: the most of all dimensions */
 
     /* Entries for two dimensions and for real data. */
-    ork_dft_compute_2d* two_d;                       /* complex */
-    ork_dft_compute *two_d_forward, *two_d_backward; /* real */
-    const void *preprocess, *postprocess;
-    const void *repack_forward, *repack_backward;
+    ork_dft_compute_2d* two_d;                         /* complex */
+    ork_dft_compute *two_d_forward, *two_d_backward;   /* real */
+    ork_dft_process *preprocess, *postprocess;         /* between the node's layout of a spectrum and the complex one */
+    ork_dft_process *repack_forward, *repack_backward; /* the same of the complex layout itself */
 
     /* How a core runs it on several threads: stages in order, for each direction. */
     int32_t stages[2];
@@ -297,6 +300,12 @@ void ork_dft_nx2_dft_ccopy(int64_t n, const ork_complex_float* x, int64_t incx, 
 void ork_dft_nx2_dft_zcopy(int64_t n, const ork_complex_double* x, int64_t incx, ork_complex_double* y, int64_t incy);
 void ork_dft_nx2_dft_csscal(int64_t n, float alpha, ork_complex_float* x, int64_t incx);
 void ork_dft_nx2_dft_zdscal(int64_t n, double alpha, ork_complex_double* x, int64_t incx);
+
+/* cos(pi x) and sin(pi x): the core's functions of the product in double precision. */
+float ork_dft_nx2_dft_scospi(float x);
+float ork_dft_nx2_dft_ssinpi(float x);
+double ork_dft_nx2_dft_dcospi(double x);
+double ork_dft_nx2_dft_dsinpi(double x);
 
 /* What a core does to commit a descriptor whose threads it chooses itself: calls ork_dft_nx2_plan_node. */
 ork_dft_commit ork_dft_commit_node_s_c2c_1d_omp, ork_dft_commit_node_s_c2c_md_omp, ork_dft_commit_node_s_r2c_1d_omp,

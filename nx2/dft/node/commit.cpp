@@ -134,8 +134,8 @@ std::int32_t plan_node(ork_dft_node& head)
     const std::int32_t status = head.domain.domain == ORK_DFT_REAL ? make_real_stages<R>(head) : make_stages<R>(head);
     if (status != ORK_DFT_OK) return status;
     head.flags |= ORK_DFT_FLAG_PLANNED;
-    const bool units = head.stride[0] == 1 && (in_place(head) || head.stride[1] == 1);
-    if (head.domain.domain == ORK_DFT_COMPLEX && head.rank == 1 && head.transforms < 2 && units)
+    const bool one_side = in_place(head) && head.domain.domain == ORK_DFT_COMPLEX;
+    if (head.rank == 1 && head.transforms == 1 && head.stride[0] == 1 && (one_side || head.stride[1] == 1))
         head.flags |= ORK_DFT_FLAG_SINGLE;
     return ORK_DFT_OK;
 }

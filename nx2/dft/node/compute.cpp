@@ -24,8 +24,11 @@ template <class R, Direction direction, bool apart>
         return kernel(&from, apart ? const_cast<ork_dft_split*>(&to) : const_cast<ork_dft_split*>(&from), node.plan,
                       &argument);
     }
-    const auto* from = static_cast<const Complex<R>*>(arrays[0]) + read;
-    auto* to = static_cast<Complex<R>*>(arrays[apart ? 1 : 0]) + written;
+    // In place the sides of real data begin at the same address.
+    const bool real = node.domain.domain == ORK_DFT_REAL;
+    const std::int64_t real_unit = real ? 1 : 2, spectrum_unit = real && (packed(node) || !apart) ? 1 : 2;
+    const auto* from = static_cast<const R*>(arrays[0]) + read * (forward ? real_unit : spectrum_unit);
+    auto* to = static_cast<R*>(arrays[apart ? 1 : 0]) + written * (forward ? spectrum_unit : real_unit);
     const std::int32_t status = kernel(from, to, node.plan, &argument);
     if ((node.flags & ORK_DFT_FLAG_UNSCALED) == 0 || scale == R(1)) return status;
     if constexpr (is_double<R>)

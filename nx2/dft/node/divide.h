@@ -39,8 +39,8 @@ public:
     const Pass* next_pass() const { return passes_; }
     void shared(std::size_t bytes)
     {
-        if (static_cast<std::int64_t>(bytes) > head_.shared_bytes)
-            head_.shared_bytes = static_cast<std::int64_t>(bytes);
+        const auto size = static_cast<std::int64_t>(bytes);
+        if (size > head_.shared_bytes) head_.shared_bytes = size;
     }
     const ork_dft_node& head() const { return head_; }
 
@@ -53,13 +53,27 @@ private:
     Pass* passes_ = nullptr;
 };
 
-// dimension[i] is the node of loop i, or null for the batch.
+// Loops with the dimensions that they run over; null: a loop that nothing is transformed along.
+struct Dimensions {
+    Loops loops;
+    const ork_dft_node* node[most_loops];
+
+    void push(Loop loop, const ork_dft_node* dimension)
+    {
+        node[loops.size] = dimension;
+        loops.push(loop);
+    }
+};
+
+// Which part of a transform the passes are.
+struct Part {
+    bool first = true, last = true; // reads the input; writes the output and scales
+    bool real_last = false;         // the real dimension comes after all others
+    Space middle = output;
+};
+
 template <class R>
-void divide_passes(const Loops& loops, const ork_dft_node* const* dimension, StageList& list);
-// The same when some passes are made by others: the first of these need not read the input, nor the last one scale.
-template <class R>
-void divide_passes(const Loops& loops, const ork_dft_node* const* dimension, StageList& list, bool from_input,
-                   bool scales);
+void divide_passes(const Dimensions& dimensions, const Part& part, StageList& list);
 
 template <class R>
 void divide_four_step(const ork_dft_node& head, StageList& list);

@@ -9,7 +9,7 @@
 namespace ork::dft {
 namespace {
 
-enum Part : int { columns, rows, square, unzip };
+enum Step : int { columns, rows, square, unzip };
 
 std::int64_t groups(std::int64_t vectors) { return (vectors + group_of_vectors - 1) / group_of_vectors; }
 
@@ -69,7 +69,7 @@ std::int32_t unzip_rows(const ork_dft_four_step& plan, void* x, std::int64_t fro
 }
 
 template <class R>
-std::int32_t run_part(const ork_dft_four_step& plan, Part part, int direction, R scale, const void* in, void* out,
+std::int32_t run_part(const ork_dft_four_step& plan, Step part, int direction, R scale, const void* in, void* out,
                       void* shared, std::int64_t from, std::int64_t to)
 {
     void* const between = plan.mode == 2 ? shared : out; // what step 1-2 leaves to step 3
@@ -95,7 +95,7 @@ std::int32_t run_part(const ork_dft_four_step& plan, Part part, int direction, R
 
 // units of part i, 0 when it is not needed
 template <class R>
-std::int64_t units_of(const ork_dft_four_step& plan, Part part)
+std::int64_t units_of(const ork_dft_four_step& plan, Step part)
 {
     switch (part) {
     case columns:
@@ -114,8 +114,8 @@ std::int32_t run(const ork_dft_node* node, const ork_dft_call* call, const ork_d
                  std::int64_t to)
 {
     const Sides<R> sides = sides_of<R>(*node, *call);
-    return run_part<R>(*node->four_step, static_cast<Part>(stage->argument[0]), call->direction,
-                       scale_of<R>(*node, static_cast<Direction>(call->direction)), sides.read.re, sides.written.re,
+    return run_part<R>(*node->four_step, static_cast<Step>(stage->argument[0]), call->direction,
+                       scale_of<R>(*node, static_cast<Direction>(call->direction)), sides.re[input], sides.re[output],
                        call->shared, from, to);
 }
 
@@ -130,7 +130,7 @@ template <class R>
 void divide_four_step(const ork_dft_node& head, StageList& list)
 {
     const ork_dft_four_step& plan = *head.four_step;
-    for (const Part part : {columns, rows, square, unzip})
+    for (const Step part : {columns, rows, square, unzip})
         if (const std::int64_t units = units_of<R>(plan, part)) list.add(units, run<R>, {part});
     list.shared(matrix_bytes(plan, sizeof(Complex<R>)));
 }
@@ -150,7 +150,7 @@ std::int32_t four_step_kernel(const void* in, void* out, const void* given, void
         if (matrix == nullptr) return ORK_DFT_NO_MEMORY;
     }
     std::int32_t status = ORK_DFT_OK;
-    for (const Part part : {columns, rows, square, unzip}) {
+    for (const Step part : {columns, rows, square, unzip}) {
         const std::int64_t units = units_of<R>(plan, part);
         if (units == 0 || status != ORK_DFT_OK) continue;
         status = run_part<R>(plan, part, static_cast<int>(direction), scale, in, out, matrix, 0, units);

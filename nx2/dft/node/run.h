@@ -14,5 +14,9 @@ std::int32_t run_blocks(const ork_dft_node* node, const ork_dft_call* call, cons
 template <class R>
 std::int32_t run_columns(const ork_dft_node* node, const ork_dft_call* call, const ork_dft_stage* stage,
                          std::int64_t from, std::int64_t to);
+// Units are columns of packed matrices.
+template <class R>
+std::int32_t run_packed_columns(const ork_dft_node* node, const ork_dft_call* call, const ork_dft_stage* stage,
+                                std::int64_t from, std::int64_t to);
 
 } // namespace ork::dft
