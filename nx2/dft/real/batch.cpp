@@ -183,6 +183,14 @@ void odd_forward(const RealPlan<R>& plan, Packing packing, R scale, const Place<
     for (std::int64_t t = 2 * pairs; t < count; ++t) {
         const R* from = in.re + t * in.distance;
         const Spectrum<R> x = spectrum(packing, n, from_transform(out, t));
+        if (plan.odd != nullptr) {
+            if (in.stride != 1) {
+                for (std::int64_t j = 0; j < n; ++j) y.re[j] = from[j * in.stride];
+                from = y.re;
+            }
+            forward(*plan.odd, scale, from, x, work);
+            continue;
+        }
         for (std::int64_t j = 0; j < n; ++j) y.re[2 * j] = from[j * in.stride], y.re[2 * j + 1] = 0;
         complex_transform(plan, Direction::forward, y, y, 1, work);
         x.first[0] = scale == R(1) ? y.re[0] : scale * y.re[0];
@@ -211,6 +219,13 @@ void odd_backward(const RealPlan<R>& plan, Packing packing, R scale, const Place
     });
     for (std::int64_t t = 2 * pairs; t < count; ++t) {
         const Spectrum<R> x = spectrum(packing, n, from_transform(in, t));
+        R* const to = out.re + t * out.distance;
+        if (plan.odd != nullptr) {
+            backward(*plan.odd, scale, x, out.stride == 1 ? to : y.re, work);
+            if (out.stride != 1)
+                for (std::int64_t j = 0; j < n; ++j) to[j * out.stride] = y.re[j];
+            continue;
+        }
         y.re[0] = x.first[0], y.re[1] = 0;
         for (std::int64_t k = 1; k <= n / 2; ++k) {
             const R re = x.re[k * x.stride], im = x.im[k * x.stride];
@@ -218,7 +233,6 @@ void odd_backward(const RealPlan<R>& plan, Packing packing, R scale, const Place
             y.re[2 * (n - k)] = re, y.re[2 * (n - k) + 1] = -im;
         }
         complex_transform(plan, Direction::backward, y, y, 1, work);
-        R* const to = out.re + t * out.distance;
         for (std::int64_t j = 0; j < n; ++j) to[j * out.stride] = scale == R(1) ? y.re[2 * j] : scale * y.re[2 * j];
     }
 }

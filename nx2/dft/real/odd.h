@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Odd lengths n = r m, r = 3 ... 15, with half the work of a complex transform.
+// Odd lengths n = r m with half the work of a complex transform: real columns of length r, complex rows k1 = 1 ... (r -
+// 1)/2 of length m, and row 0, which is a real transform of length m. As X[n - k] = conj(X[k]), these rows are all.
 #pragma once
 
 #include <cstddef>

@@ -92,9 +92,9 @@ int make_real_plan(std::int64_t n, RealPlan<R>** result, std::int64_t transforms
         const std::size_t one = work_bytes(*plan->complex), many = work_bytes(*plan->complex, plan->block);
         engine = one > many ? one : many;
     }
+    if (plan->odd != nullptr && engine < work_bytes(*plan->odd)) engine = work_bytes(*plan->odd);
     plan->lines_offset = (engine + 63) / 64 * 64;
     plan->work_bytes = plan->lines_offset + static_cast<std::size_t>(plan->lines * plan->line) * sizeof(R);
-    if (plan->odd != nullptr && plan->work_bytes < work_bytes(*plan->odd)) plan->work_bytes = work_bytes(*plan->odd);
     *result = plan;
     return 0;
 }
