@@ -8,6 +8,7 @@
 //   twiddled<n, k>(a)  exp(-2 pi i k / n) a
 //   E::Multiplier, Q::Multiplier   constants in memory as a * and Q * take them, constructible from a Real
 //   E::outputs_at_once of a transform of large prime length
+// and may have E::twiddles_from_memory = true with twiddled<n, k>(const E*).
 #pragma once
 
 #include <cstdint>
@@ -34,8 +35,11 @@ template <int n, class Body>
 constexpr int gcd(int a, int b) { return b == 0 ? a : gcd(b, a % b); }
 
 // n = a b: the radix a of the first stage, or 1 for a prime. Coprime factors, which need no twiddles, where n has them.
-constexpr int first_radix(int n)
+constexpr int first_radix(int n, bool memory_between)
 {
+    if (n == 16) return 2; // of pairs 2 x 8 is 8 % faster than 4 x 4; of split numbers 1 % slower
+    if (n == 32 && memory_between) return 8;
+
     int best = 1;
     bool best_coprime = false;
     for (int a = 2; a * 2 <= n; ++a) {
@@ -47,7 +51,15 @@ constexpr int first_radix(int n)
             (coprime == best_coprime && a <= b && (best == 1 || distance(a) < distance(best))))
             best = a, best_coprime = coprime;
     }
-    return n == 16 ? 2 : best; // of pairs 2 x 8 is 8 % faster than 4 x 4; of split numbers 1 % slower
+    return best;
+}
+
+// An element may say that it twiddles numbers in memory more cheaply than numbers in registers. The two stages of long
+// transforms without coprime factors then meet there (shorter ones lose by it).
+template <class E>
+constexpr bool memory_between(int n)
+{
+    return n >= 32 && requires { requires E::twiddles_from_memory; };
 }
 
 // Columns of a elements, then rows of b. With coprime a and b, j = b j1 + a j2 and k = k1 modulo a, k2 modulo b (Good,
@@ -67,39 +79,87 @@ constexpr int place_of_result(int a, int b, int k1, int k2)
 // Rows whose twiddles are 1, w, w^2, w^3 with w = exp(-2 pi i / 8).
 constexpr bool steps_of_an_eighth(int a, int b, int k1) { return b == 4 && a % 2 == 0 && 2 * k1 == a; }
 
+// The i-th power, modulo p, of a generator of the residues of a prime p but 0: 1 for i = 0; -1 for i = (p - 1)/2.
+constexpr int power(int p, int i)
+{
+    const auto raised = [p](int g, int exponent) {
+        int x = 1;
+        while (exponent-- > 0) x = x * g % p;
+        return x;
+    };
+    int g = 2;
+    for (int e = 1; e < p - 1; ++e)
+        if (raised(g, e) == 1) ++g, e = 0;
+    return raised(g, i);
+}
+
+// Half the sum, or for sign -1 the difference, of the cosines for i and i + (p - 1)/4.
+consteval long double cosine_of_halves(int p, int i, int sign)
+{
+    return (root_of_unity<long double>(power(p, i), p).cos +
+            sign * root_of_unity<long double>(power(p, i + (p - 1) / 4), p).cos) /
+           2;
+}
+
 // X = A + B and X' = A - B for the pairs of outputs k, p - k of a prime p: A = x[0] + sum of cos(2 pi j k / p) (x[j] +
-// x[p - j]) and B = -i times the sum of sin(2 pi j k / p) (x[j] - x[p - j]), over j = 1 .. (p - 1)/2.
+// x[p - j]) and B = -i times the sum of sin(2 pi j k / p) (x[j] - x[p - j]), over (p - 1)/2 values of j. With j = g^i
+// and k = g^u the cosine depends on i + u alone and has the period m = (p - 1)/2; for even m sums and differences of
+// terms m/2 apart need half the products.
 template <int p, class E, class Load, class Store>
 [[gnu::always_inline]] inline void prime_dft(Load load, Store store)
 {
-    constexpr int m = (p - 1) / 2;
+    constexpr int m = (p - 1) / 2, half = m / 2;
     using R = typename E::Real;
     using Q = decltype(quarter(std::declval<E>()));
     E sum[m];
     Q difference[m];
     const E first = load(Index<0>{});
-    E all = first;
-    unrolled<m>([&](auto j) ORK_INLINE_LAMBDA {
-        const E a = load(Index<j + 1>{}), b = load(Index<p - 1 - j>{});
-        sum[j] = a + b;
-        difference[j] = quarter(a - b);
-        all = all + sum[j];
+    unrolled<m>([&](auto i) ORK_INLINE_LAMBDA {
+        constexpr int j = power(p, i);
+        const E a = load(Index<j>{}), b = load(Index<p - j>{});
+        sum[i] = a + b;
+        difference[i] = quarter(a - b);
     });
-    store(Index<0>{}, all);
-    unrolled<m>([&](auto row) ORK_INLINE_LAMBDA {
-        constexpr int k = row + 1;
-        E a = first + sum[0] * root<R, p, k>.cos;
-        auto b = difference[0] * root<R, p, k>.sin;
-        unrolled<m - 1>([&](auto i) ORK_INLINE_LAMBDA {
-            constexpr int j = i + 2, angle = j * k % p;
-            a = a + sum[j - 1] * root<R, p, angle>.cos;
-            if constexpr (2 * angle < p)
-                b = b + difference[j - 1] * root<R, p, angle>.sin;
-            else
-                b = b - difference[j - 1] * root<R, p, p - angle>.sin;
+    E cosines[m];
+    E all = first;
+    if constexpr (m % 2 == 0) {
+        E plus[half], minus[half];
+        unrolled<half>([&](auto i) ORK_INLINE_LAMBDA {
+            plus[i] = sum[i] + sum[i + half];
+            minus[i] = sum[i] - sum[i + half];
+            all = all + plus[i];
         });
-        store(Index<k>{}, a + b);
-        store(Index<p - k>{}, a - b);
+        unrolled<half>([&](auto u) ORK_INLINE_LAMBDA {
+            E a = first, b;
+            unrolled<half>([&](auto i) ORK_INLINE_LAMBDA {
+                constexpr R f = cosine_of_halves(p, i + u, 1), g = cosine_of_halves(p, i + u, -1);
+                a = a + plus[i] * f;
+                b = i == 0 ? minus[i] * g : b + minus[i] * g;
+            });
+            cosines[u] = a + b;
+            cosines[u + half] = a - b;
+        });
+    } else {
+        unrolled<m>([&](auto i) ORK_INLINE_LAMBDA { all = all + sum[i]; });
+        unrolled<m>([&](auto u) ORK_INLINE_LAMBDA {
+            cosines[u] = first;
+            unrolled<m>([&](auto i)
+                            ORK_INLINE_LAMBDA { cosines[u] = cosines[u] + sum[i] * root<R, p, power(p, i + u)>.cos; });
+        });
+    }
+    store(Index<0>{}, all);
+    unrolled<m>([&](auto u) ORK_INLINE_LAMBDA {
+        constexpr int k = power(p, u);
+        auto sines = difference[0] * root<R, p, k>.sin;
+        unrolled<m - 1>([&](auto i) ORK_INLINE_LAMBDA {
+            constexpr int angle = power(p, i + 1 + u);
+            if constexpr (2 * angle < p)
+                sines = sines + difference[i + 1] * root<R, p, angle>.sin;
+            else
+                sines = sines - difference[i + 1] * root<R, p, p - angle>.sin;
+        });
+        store(Index<k>{}, cosines[u] + sines);
+        store(Index<p - k>{}, cosines[u] - sines);
     });
 }
 
@@ -259,23 +319,32 @@ template <int n, class E, class Load, class Store>
         store(Index<4>{}, a1 - b1);
         store(Index<2>{}, a2 + b2);
         store(Index<3>{}, a2 - b2);
-    } else if constexpr (constexpr int a = first_radix(n); a > 1) {
+    } else if constexpr (constexpr int a = first_radix(n, memory_between<E>(n)); a > 1) {
         constexpr int b = n / a;
+        constexpr bool coprime = gcd(a, b) == 1, late = !coprime && memory_between<E>(n);
         E table[a][b];
         unrolled<b>([&](auto j2) ORK_INLINE_LAMBDA {
             dft<a, E>([&](auto j1) ORK_INLINE_LAMBDA { return load(Index<place_of_input(a, b, j1, j2)>{}); },
                       [&](auto k1, E x) ORK_INLINE_LAMBDA {
-                          constexpr int turn = gcd(a, b) == 1 || steps_of_an_eighth(a, b, k1) ? 0 : j2 * k1;
+                          constexpr int turn = coprime || late || steps_of_an_eighth(a, b, k1) ? 0 : j2 * k1;
                           table[k1][j2] = twiddled<n, turn>(x);
                       });
         });
+        if constexpr (late) asm("" : "+m"(table));
         unrolled<a>([&](auto k1) ORK_INLINE_LAMBDA {
             const auto in_place = [&](auto k2, E x)
                                       ORK_INLINE_LAMBDA { store(Index<place_of_result(a, b, k1, k2)>{}, x); };
             if constexpr (steps_of_an_eighth(a, b, k1))
                 odd_half_of_8(table[k1], in_place);
             else
-                dft<b, E>([&](auto j2) ORK_INLINE_LAMBDA { return table[k1][j2]; }, in_place);
+                dft<b, E>(
+                    [&](auto j2) ORK_INLINE_LAMBDA {
+                        if constexpr (late)
+                            return twiddled<n, j2 * k1>(&table[k1][j2]);
+                        else
+                            return table[k1][j2];
+                    },
+                    in_place);
         });
     } else if constexpr (n <= 13) {
         prime_dft<n, E>(load, store);

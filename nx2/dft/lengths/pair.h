@@ -24,6 +24,7 @@ template <class R, Direction direction>
 struct Pair {
     using Real = R;
     static constexpr int outputs_at_once = 6; // of a prime transform: twelve registers of sums
+    static constexpr bool twiddles_from_memory = sizeof(R) == 8;
     static constexpr bool forward = direction == Direction::forward;
 
     // -i s (re, im) = (s, -s) (im, re).
@@ -81,6 +82,20 @@ template <int n, int k, class R, Direction direction>
     } else {
         constexpr Root<R> w = root<R, n, k % n>;
         return {a.v * broadcast(w.cos) + exchanged(a.v) * E::imaginary(w.sin)};
+    }
+}
+
+// The same of a number in memory: two loads that repeat a part each take the place of a load, a copy and a shuffle.
+template <int n, int k, Direction direction>
+[[gnu::always_inline]] inline Pair<double, direction> twiddled(const Pair<double, direction>* a)
+{
+    if constexpr (8 * k % n == 0) {
+        return twiddled<n, k>(*a);
+    } else {
+        constexpr Root<double> w = root<double, n, k % n>;
+        constexpr double c = w.cos, s = direction == Direction::forward ? w.sin : -w.sin;
+        const double* const parts = reinterpret_cast<const double*>(a);
+        return {load<1>(parts) * alternating(c, -s) + load<1>(parts + 1) * alternating(s, c)};
     }
 }
 
