@@ -5,21 +5,6 @@
 
 namespace ork::dft {
 
-template <class R>
-Spectrum<R> spectrum(Packing packing, std::int64_t n, const Place<R>& p)
-{
-    const std::int64_t s = p.stride, half = n / 2;
-    const bool even = n % 2 == 0;
-    if (packing == Packing::cce)
-        return {p.re, p.im, s, p.distance, p.re, p.re + half * s, p.im, even ? p.im + half * s : p.im};
-    if (packing == Packing::ccs) {
-        R* const im = p.re + s;
-        return {p.re, im, 2 * s, p.distance, p.re, p.re + 2 * half * s, im, even ? im + 2 * half * s : im};
-    }
-    if (packing == Packing::perm && even) return {p.re, p.re + s, 2 * s, p.distance, p.re, p.re + s, nullptr, nullptr};
-    return {p.re - s, p.re, 2 * s, p.distance, p.re, p.re + (n - 1) * s, nullptr, nullptr};
-}
-
 namespace {
 
 template <class R>
@@ -257,7 +242,6 @@ void backward(const RealPlan<R>& plan, Packing packing, R scale, const Place<R>&
 }
 
 #define INSTANTIATE(R)                                                                                                 \
-    template Spectrum<R> spectrum(Packing, std::int64_t, const Place<R>&);                                             \
     template void odd_forward(const RealPlan<R>&, Packing, R, const Place<R>&, const Place<R>&, std::int64_t, void*);  \
     template void odd_backward(const RealPlan<R>&, Packing, R, const Place<R>&, const Place<R>&, std::int64_t, void*); \
     template void forward(const RealPlan<R>&, Packing, R, const Place<R>&, const Place<R>&, std::int64_t, void*);      \

@@ -28,7 +28,19 @@ public:
 
 // A layout with its three parts told apart.
 template <class R>
-Spectrum<R> spectrum(Packing packing, std::int64_t n, const Place<R>& p);
+inline Spectrum<R> spectrum(Packing packing, std::int64_t n, const Place<R>& p)
+{
+    const std::int64_t s = p.stride, half = n / 2;
+    const bool even = n % 2 == 0;
+    if (packing == Packing::cce)
+        return {p.re, p.im, s, p.distance, p.re, p.re + half * s, p.im, even ? p.im + half * s : p.im};
+    if (packing == Packing::ccs) {
+        R* const im = p.re + s;
+        return {p.re, im, 2 * s, p.distance, p.re, p.re + 2 * half * s, im, even ? im + 2 * half * s : im};
+    }
+    if (packing == Packing::perm && even) return {p.re, p.re + s, 2 * s, p.distance, p.re, p.re + s, nullptr, nullptr};
+    return {p.re - s, p.re, 2 * s, p.distance, p.re, p.re + (n - 1) * s, nullptr, nullptr};
+}
 
 // Batches of each kind; the plan has what they need.
 template <class R>

@@ -17,6 +17,20 @@ template <class R>
         return load_low(p);
 }
 
+template <class R, int m, Direction direction>
+[[gnu::always_inline]] inline void half_transform(const R* in, R* out)
+{
+    if constexpr (sizeof(R) == 8)
+        one_a_register<m, direction>(in, out);
+    else if constexpr (m % 2 == 0)
+        two_a_register<m, direction>(in, out);
+    else
+        length_kernel<R, m, direction>(in, out, nullptr, nullptr);
+}
+
+inline Vec<double> together(double re, double im) { return {_mm_setr_pd(re, im)}; }
+inline Vec<float> together(float re, float im) { return {_mm_setr_ps(re, im, 0, 0)}; }
+
 // p + d and q - conj(d), d = g[k] (p - conj(q)), of one number each; of float also k + 1 in the upper half.
 template <class R, int n, int k>
 [[gnu::always_inline]] inline half_length::Pairs<R> mixed(Vec<R> p, Vec<R> q)
@@ -35,6 +49,16 @@ template <class R, int n, int k>
                 {_mm_setr_ps(first.im, first.im, second.im, second.im)}};
 }
 
+// Two float numbers, by halves where the transform of length m has stored them so: a whole register would have to wait
+// until both stores are in the cache.
+template <int m>
+inline Vec<float> load_two(const float* p)
+{
+    if constexpr (m % 4 == 0) return load_aligned(p);
+    const __m128 low = load_low(p).v;
+    return {_mm_loadh_pi(low, reinterpret_cast<const __m64*>(p + 2))};
+}
+
 // The lower half of one register and the upper one of another.
 inline Vec<float> halves(Vec<float> low, Vec<float> high) { return {_mm_shuffle_ps(low.v, high.v, 0xe4)}; }
 
@@ -50,8 +74,8 @@ template <int n>
     float* const body = x.re;
     unrolled<(m + 2) / 4>([&](auto i) ORK_INLINE_LAMBDA {
         const Vec<float> high =
-            halves(load_aligned(z + (i == 0 ? 0 : 2 * m - 4 * i)), load_aligned(z + 2 * m - 4 * i - 4));
-        const auto pair = mixed<float, n, 2 * i>(load_aligned(z + 4 * i), high);
+            halves(load_two<m>(z + (i == 0 ? 0 : 2 * m - 4 * i)), load_two<m>(z + 2 * m - 4 * i - 4));
+        const auto pair = mixed<float, n, 2 * i>(load_two<m>(z + 4 * i), high);
         const Vec<float> up = pair.p, down = half_length::mirrored(pair.q); // down: m - 2i - 1, m - 2i
         if constexpr (i == 0) {
             *x.first = lane(up, 0), *x.last = lane(pair.q, 0);
@@ -84,12 +108,11 @@ void small_forward(R scale, const R* in, const Spectrum<R>& x)
 {
     constexpr int m = n / 2;
     alignas(16) R z[2 * m];
+    half_transform<R, m, Direction::forward>(in, z);
     if constexpr (by_twos<R, n>) {
-        two_a_register<m, Direction::forward>(in, z);
         small_pairs_forward<n>(z, x);
         if constexpr (m % 4 == 0) store<2>(x.re + m, conj(Vec<Complex<R>>{load_low(z + m)}).v);
     } else {
-        one_a_register<R, m, Direction::forward>(in, z);
         small_singles_forward<R, n>(z, x);
     }
     if (x.zero_first != nullptr) *x.zero_first = *x.zero_last = 0;
@@ -123,7 +146,7 @@ void small_backward(R scale, const Spectrum<R>& x, R* out)
             const auto pair = mixed<R, n, 2 * i>(high, low);
             const Vec<R> up = pair.q * twice, down = pair.p * twice;
             if constexpr (i == 0) {
-                const Vec<R> zero = {_mm_setr_ps(scale * (first + last), scale * (first - last), 0, 0)};
+                const Vec<R> zero = together(scale * (first + last), scale * (first - last));
                 store_aligned(z, halves(zero, up));
             } else {
                 store_aligned(z + 4 * i, up);
@@ -132,7 +155,6 @@ void small_backward(R scale, const Spectrum<R>& x, R* out)
             above = down;
         });
         if constexpr (m % 4 == 0) store_aligned(z + m, halves(middle(), above));
-        two_a_register<m, Direction::backward>(z, out);
     } else {
         unrolled<(m - 1) / 2>([&](auto i) ORK_INLINE_LAMBDA {
             constexpr int k = i + 1;
@@ -141,9 +163,9 @@ void small_backward(R scale, const Spectrum<R>& x, R* out)
             store<2>(z + 2 * k, pair.q * twice);
         });
         if constexpr (m % 2 == 0) store<2>(z + m, middle());
-        z[0] = scale * (first + last), z[1] = scale * (first - last);
-        one_a_register<R, m, Direction::backward>(z, out);
+        store<2>(z, together(scale * (first + last), scale * (first - last)));
     }
+    half_transform<R, m, Direction::backward>(z, out);
 }
 
 // All lengths of one precision.
