@@ -45,17 +45,101 @@ bool cheapest(std::int64_t n, std::size_t from, Choice& choice)
     return found;
 }
 
-// Numbers whose places differ by a multiple of 4 KiB share one set of the first cache, which holds 8 to 12 of them: the
-// passes that reach across memory, the first and the last, should have a radix of 8 at most.
-void small_radices_outside(int* radices, int passes)
+// Numbers whose places differ by a multiple of 4 KiB share one set of the first cache, which holds 8 to 12 of them, so
+// a pass that reaches so far across memory should have a radix of 8 at most.
+template <class R>
+bool fits(int radix, std::int64_t numbers_apart)
 {
-    for (const int end : {0, passes - 1}) {
-        int best = end;
-        for (int i = 1; i + 1 < passes; ++i)
-            if (radices[i] <= 8 && (radices[best] > 8 || radices[i] > radices[best])) best = i;
-        const int moved = radices[best];
-        radices[best] = radices[end], radices[end] = moved;
+    return radix <= 8 || numbers_apart * static_cast<std::int64_t>(sizeof(Complex<R>)) % 4096 != 0;
+}
+
+// The cheapest passes over n whose first and last radix are allowed.
+template <class First, class Last>
+bool cheapest_between(std::int64_t n, Choice& choice, First first_fits, Last last_fits)
+{
+    bool found = false;
+    const auto offer = [&](const Choice& other) {
+        if (found && other.cycles >= choice.cycles) return;
+        found = true, choice = other;
+    };
+    for (const RadixCost& last : radix_costs) {
+        if (n % last.radix != 0 || !last_fits(last.radix)) continue;
+        if (n == last.radix) {
+            if (first_fits(last.radix)) offer({last.cycles, 1, {last.radix}});
+            continue;
+        }
+        for (const RadixCost& first : radix_costs) {
+            const std::int64_t rest = n / last.radix;
+            Choice middle;
+            if (rest % first.radix != 0 || !first_fits(first.radix)) continue;
+            if (!cheapest(rest / first.radix, 0, middle) || middle.passes + 2 > most_passes) continue;
+            Choice all = {middle.cycles + first.cycles + last.cycles, middle.passes + 2, {first.radix}};
+            for (int i = 0; i < middle.passes; ++i) all.radices[i + 1] = middle.radices[i];
+            all.radices[all.passes - 1] = last.radix;
+            offer(all);
+        }
     }
+    return found;
+}
+
+bool any_radix(int) { return true; }
+
+int passes_of(const Choice& choice, int* radices)
+{
+    for (int i = 0; i < choice.passes; ++i) radices[i] = choice.radices[i];
+    return choice.passes;
+}
+
+// As equal as can be, even ones first. 0 when there are none.
+std::int64_t rows_of_halves(std::int64_t n)
+{
+    std::int64_t root = 1;
+    while ((root + 1) * (root + 1) <= n) ++root;
+    std::int64_t best = 0;
+    for (std::int64_t n1 = root; n1 >= 8 && n1 > root / 8; --n1) {
+        if (n % n1 != 0) continue;
+        if (n1 % 2 == 0 && n / n1 % 2 == 0) return n1;
+        if (best == 0) best = n1;
+    }
+    return best;
+}
+
+template <class R>
+bool choose_halves(std::int64_t n, Recipe& recipe)
+{
+    const std::int64_t n1 = rows_of_halves(n);
+    if (n1 == 0) return false;
+    const std::int64_t n2 = n / n1;
+    Choice columns, rows;
+    if (!cheapest_between(
+            n1, columns, [&](int r) { return n1 > r && fits<R>(r, n / r); },
+            [&](int r) { return n2 % 64 != 0 || r <= 8; }) ||
+        !cheapest_between(
+            n2, rows, [&](int r) { return n2 > r; }, [&](int r) { return fits<R>(r, n / r); }))
+        return false;
+    recipe.method = Method::halves;
+    recipe.passes[0] = passes_of(columns, recipe.radices[0]);
+    recipe.passes[1] = passes_of(rows, recipe.radices[1]);
+    return true;
+}
+
+template <class R>
+bool choose_turn(std::int64_t n, Recipe& recipe)
+{
+    float best = 0;
+    bool found = false;
+    for (const RadixCost& turn : radix_costs) {
+        if (n % turn.radix != 0 || n / turn.radix < 4 || !fits<R>(turn.radix, n / turn.radix)) continue;
+        Choice rows;
+        if (!cheapest_between(n / turn.radix, rows, any_radix, [&](int r) { return fits<R>(r, n / r); })) continue;
+        const float cycles = rows.cycles + turn.cycles;
+        if (found && cycles >= best) continue;
+        found = true, best = cycles;
+        recipe.method = Method::turn;
+        recipe.radices[0][0] = turn.radix, recipe.passes[0] = 1;
+        recipe.passes[1] = passes_of(rows, recipe.radices[1]);
+    }
+    return found;
 }
 
 } // namespace
@@ -71,14 +155,10 @@ template <class R>
 int choose_vertical(std::int64_t n, int* radices)
 {
     Choice choice;
-    if (n == 1 || !small_primes(n) || !cheapest(n, 0, choice)) return 0;
-    for (int i = 0; i < choice.passes; ++i) radices[i] = choice.radices[i];
-    if (choice.passes > 1) small_radices_outside(radices, choice.passes);
-    return choice.passes;
+    const auto small_if_regular = [&](int r) { return n == r || n % 64 != 0 || r <= 8; };
+    if (n == 1 || !small_primes(n) || !cheapest_between(n, choice, small_if_regular, small_if_regular)) return 0;
+    return passes_of(choice, radices);
 }
-
-// Up to this many bytes of numbers the passes of `turn` win.
-constexpr std::int64_t turn_bytes = 96 << 10;
 
 template <class R>
 Recipe choose(std::int64_t n)
@@ -89,43 +169,14 @@ Recipe choose(std::int64_t n)
         return recipe;
     }
     if (!small_primes(n)) return recipe;
-
-    // Halves as equal as can be, even ones first.
-    if (n * 2 * static_cast<std::int64_t>(sizeof(R)) > turn_bytes) {
-        std::int64_t n1 = 1;
-        while ((n1 + 1) * (n1 + 1) <= n) ++n1;
-        const std::int64_t root = n1;
-        std::int64_t best = 0;
-        for (; n1 >= 8 && n1 > root / 8; --n1) {
-            if (n % n1 != 0) continue;
-            const bool even = n1 % 2 == 0 && n / n1 % 2 == 0;
-            if (best == 0 || (even && best % 2 != 0)) best = n1;
-            if (even) break;
-        }
-        if (best != 0) {
-            recipe.passes[0] = choose_vertical<R>(best, recipe.radices[0]);
-            recipe.passes[1] = choose_vertical<R>(n / best, recipe.radices[1]);
-            if (recipe.passes[0] >= 2 && recipe.passes[1] >= 2) {
-                recipe.method = Method::halves;
-                return recipe;
-            }
-        }
-    }
-
-    Choice best_rows = {};
-    float best = 0;
-    int turn = 0;
-    for (const RadixCost& cost : radix_costs) {
-        Choice rows;
-        if (n % cost.radix != 0 || n / cost.radix < 4 || !cheapest(n / cost.radix, 0, rows)) continue;
-        const float cycles = rows.cycles + cost.cycles + (cost.radix > 16 ? 1.0f : 0.0f);
-        if (turn != 0 && cycles >= best) continue;
-        turn = cost.radix, best = cycles, best_rows = rows;
-    }
-    recipe.method = Method::turn;
-    recipe.radices[0][0] = turn, recipe.passes[0] = 1;
-    recipe.passes[1] = best_rows.passes;
-    for (int i = 0; i < best_rows.passes; ++i) recipe.radices[1][i] = best_rows.radices[i];
+    // One vector's passes win while it is near, and longer where no two numbers of a pass share a cache set.
+    const std::int64_t bytes = n * static_cast<std::int64_t>(sizeof(Complex<R>));
+    const bool regular = n % 1024 == 0;
+    const bool near = bytes <= (regular ? 64 << 10 : 2 << 20);
+    if (near ? choose_turn<R>(n, recipe) || choose_halves<R>(n, recipe)
+             : choose_halves<R>(n, recipe) || choose_turn<R>(n, recipe))
+        return recipe;
+    recipe.method = Method::bluestein;
     return recipe;
 }
 

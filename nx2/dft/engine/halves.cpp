@@ -74,7 +74,7 @@ static void columns_half(const Plan<R>& plan, std::int64_t group, const R* in, R
     constexpr std::int64_t l = lanes<R>;
     const std::int64_t n1 = plan.columns.n(), n2 = plan.rows.n();
     for_group<R>(group, n2, [&](std::int64_t j, std::int64_t vectors, bool single) {
-        Pass<R> a = {};
+        Pass<R> a;
         a.in = in + 2 * j, a.in_step = 2 * n2, a.in_next = 2 * l, a.in_lane = single ? 0 : 2;
         a.ahead = 2;
         a.vectors = vectors;
@@ -114,9 +114,9 @@ static void rows_half(const Plan<R>& plan, bool backward, std::int64_t group, R 
     const std::int64_t next = (n2 + scratch_gap) * cell<R>;
     for_group<R>(group, n1, [&](std::int64_t k, std::int64_t vectors, bool single) {
         for (std::int64_t v = 0; v < vectors; ++v) {
-            Pass<R> a = {};
+            Pass<R> a;
             a.in = matrix + (k + v * l) * row, a.in_step = 2, a.in_lane = single ? 0 : row;
-            a.vectors = 1;
+            a.vectors = 1, a.ahead = 0;
             a.scratch = scratch + v * next;
             if (v + 1 < vectors) // the next rows, while these are computed
                 for (std::int64_t lane = 0; lane < l; ++lane)
@@ -126,7 +126,7 @@ static void rows_half(const Plan<R>& plan, bool backward, std::int64_t group, R 
         }
         const auto end = [&](std::int64_t v, std::int64_t count) {
             const std::int64_t first = k + v * l, sign = backward ? -2 : 2;
-            Pass<R> a = {};
+            Pass<R> a;
             a.scratch = scratch + v * next, a.scratch_next = next, a.vectors = count;
             a.out = out + (backward ? 2 * (n - first) : 2 * first);
             a.out_step = sign * n1, a.out_next = sign * l, a.out_lane = single ? 0 : sign;

@@ -196,10 +196,11 @@ void run_strided(const Plan<R>& plan, Direction direction, R scale, const Place<
     const std::int64_t n = plan.n;
     const bool backward = direction == Direction::backward;
     const auto run = [&](std::int64_t t, std::int64_t vectors, bool single) {
-        Pass<R> a = {};
+        Pass<R> a;
         a.in = in.re + t * in.distance;
         a.in_step = in.stride, a.in_next = l * in.distance, a.in_lane = single ? 0 : in.distance;
         // Numbers far apart that don't follow the last ones: nothing else would fetch them in time.
+        a.ahead = 0;
         if (in.stride >= 256 && in.distance * static_cast<std::int64_t>(sizeof(R)) <= 16 && vectors >= 4) a.ahead = 2;
         a.scratch = static_cast<R*>(work), a.scratch_next = (n + scratch_gap) * cell<R>;
         a.vectors = vectors;

@@ -45,7 +45,7 @@ void run_turn(const Plan<R>& plan, Direction direction, const R* in, R* out, voi
     constexpr std::int64_t l = lanes<R>;
     const std::int64_t n = plan.n, r = plan.turn_radix, m = plan.rows.n();
     const bool backward = direction == Direction::backward;
-    Pass<R> a = {};
+    Pass<R> a;
     a.in = in, a.columns = m, a.vectors = (m + l - 1) / l;
     a.lane_twiddles = plan.lane_twiddles;
     a.scratch = static_cast<R*>(work), a.scratch_next = (m + scratch_gap) * cell<R>;
@@ -55,7 +55,7 @@ void run_turn(const Plan<R>& plan, Direction direction, const R* in, R* out, voi
     const std::int64_t most = cells_at_once > m ? cells_at_once / m : 1;
     const auto run = [&](std::int64_t group, std::int64_t count) {
         const std::int64_t first = group * l + l <= r ? group * l : r - l;
-        Pass<R> b = {};
+        Pass<R> b;
         b.scratch = a.scratch + group * a.scratch_next, b.scratch_next = a.scratch_next;
         b.vectors = count;
         const std::int64_t sign = backward ? -2 : 2;

@@ -75,7 +75,7 @@ void Vertical<R>::begin(Pass<R>& a, Row row) const
 }
 
 template <class R>
-void Vertical<R>::run(Pass<R> a, Row in, Row out) const
+void Vertical<R>::run(Pass<R>& a, Row in, Row out) const
 {
     if (passes_ == 1) return kernels_[0]->whole(a);
     begin(a, in);
@@ -83,14 +83,14 @@ void Vertical<R>::run(Pass<R> a, Row in, Row out) const
 }
 
 template <class R>
-void Vertical<R>::run_from_scratch(Pass<R> a, Row out) const
+void Vertical<R>::run_from_scratch(Pass<R>& a, Row out) const
 {
     within(a, 0, passes_ - 1);
     end(a, out);
 }
 
 template <class R>
-void Vertical<R>::run_to_rows(Pass<R> a, Row in) const
+void Vertical<R>::run_to_rows(Pass<R>& a, Row in) const
 {
     begin(a, in);
     a.blocks = a.out_blocks = blocks();

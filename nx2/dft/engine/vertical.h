@@ -25,11 +25,11 @@ public:
     std::int64_t blocks() const { return n_ / last_radix(); }
 
     // From memory to memory. Scratch of a vector: n cells; none is used when there is one pass only.
-    void run(Pass<R> a, Row in, Row out) const;
+    void run(Pass<R>& a, Row in, Row out) const;
     // From scratch (natural order, destroyed) to memory.
-    void run_from_scratch(Pass<R> a, Row out) const;
+    void run_from_scratch(Pass<R>& a, Row out) const;
     // From memory to rows in memory, with the twiddles of a longer transform. passes() >= 2.
-    void run_to_rows(Pass<R> a, Row in) const;
+    void run_to_rows(Pass<R>& a, Row in) const;
 
     // The two halves of run(), so that several vectors can begin one after another and end together. passes() >= 2.
     void begin(Pass<R>& a, Row row) const;
