@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "peers/libraries.h"
+#include "peers/opening.h"
 
 #include <cstdlib>
 #include <cstring>
-#include <dlfcn.h>
 #include <fcntl.h>
-#include <filesystem>
-#include <optional>
 #include <stdexcept>
 #include <sys/mman.h>
 #include <sys/sendfile.h>
@@ -22,14 +19,6 @@ namespace ork::peers {
 namespace {
 
 namespace fs = std::filesystem;
-
-// Sanitizers refuse RTLD_DEEPBIND, and without it a peer's inner calls would end in ork's symbols of the same names.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool can_isolate = false;
-#else
-constexpr bool can_isolate = true;
-#endif
-constexpr int isolated = RTLD_NOW | RTLD_LOCAL | RTLD_DEEPBIND;
 
 // Sets an environment variable for the time of a scope.
 class Setting {
@@ -48,28 +37,10 @@ private:
     std::optional<std::string> before_;
 };
 
-// The first file of these names in the folders where distributions keep BLAS libraries.
-std::optional<fs::path> locate(std::initializer_list<const char*> names)
-{
-    static constexpr const char* roots[] = {"/usr/local/lib", "/usr/lib/x86_64-linux-gnu", "/usr/lib64", "/usr/lib"};
-    for (const char* root : roots)
-        for (const char* name : names) {
-            std::error_code error;
-            const fs::path file = fs::canonical(fs::path(root) / name, error);
-            if (!error && fs::is_regular_file(file)) return file;
-        }
-    return std::nullopt;
-}
-
 template <class Function>
 Function* entry(void* handle, const char* name)
 {
     return reinterpret_cast<Function*>(dlsym(handle, name));
-}
-
-Library library(std::string name, std::string detail, Kind kind, void* handle)
-{
-    return {std::move(name), std::move(detail), kind, [handle](const char* symbol) { return dlsym(handle, symbol); }};
 }
 
 // A copy of the library in memory, opened: the loader takes it for another library, so one file can be loaded several
@@ -193,6 +164,24 @@ void add_reference(std::vector<Library>& found, std::vector<std::string>& notes)
 
 } // namespace
 
+std::optional<fs::path> locate(std::initializer_list<const char*> names)
+{
+    static constexpr const char* roots[] = {"/usr/local/lib", "/usr/lib/x86_64-linux-gnu", "/usr/lib64", "/usr/lib"};
+    for (const char* root : roots)
+        for (const char* name : names) {
+            std::error_code error;
+            const fs::path file = fs::canonical(fs::path(root) / name, error);
+            if (!error && fs::is_regular_file(file)) return file;
+        }
+    return std::nullopt;
+}
+
+Library library(std::string name, std::string detail, Kind kind, void* handle)
+{
+    return {std::move(name), std::move(detail), kind, [handle](const char* symbol) { return dlsym(handle, symbol); },
+            transforms_of(handle)};
+}
+
 Library core_library()
 {
     Dl_info info{};
@@ -221,8 +210,11 @@ std::vector<Library> find_peers(std::vector<std::string>& notes)
         notes.push_back("peer libraries: left out of a build with sanitizers");
     }
     if (eigen_version() != nullptr)
-        found.push_back(
-            {"Eigen", std::string("Eigen ") + eigen_version() + " compiled -O3 -msse4.2", Kind::peer, eigen_symbol});
+        found.push_back({"Eigen",
+                         std::string("Eigen ") + eigen_version() + " compiled -O3 -msse4.2",
+                         Kind::peer,
+                         eigen_symbol,
+                         {}});
     else
         notes.push_back("Eigen: not found when ork was built");
     return found;

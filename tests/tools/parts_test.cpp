@@ -13,6 +13,8 @@
 #include "ork/blas.h"
 #include "peers/measure.h"
 #include "peers/problem.h"
+#include "peers/reference_dft.h"
+#include "png.h"
 #include "svg.h"
 #include "tools/well_formed.h"
 
@@ -199,6 +201,119 @@ TEST(ResultChecks, RejectEveryFaultyMatrixRoutine)
     const auto update = peers::make_level2({"dger", "", 9, 6});
     EXPECT_EQ(check(update, ger<0>), "");
     for (auto* f : {ger<1>, ger<2>}) EXPECT_NE(check(update, f), "");
+}
+
+// Transforms by the sum that defines them, with one fault each.
+struct Sum : peers::Transform {
+    peers::FftProblem& problem;
+    int fault;
+    Sum(peers::FftProblem& p, int f) : problem(p), fault(f) {}
+    void run() override
+    {
+        const peers::FftCase& c = problem.what();
+        const size_t n = c.points(), rows = c.outer(), columns = n / rows, stored = c.real ? c.half_row() : columns;
+        auto* out = static_cast<std::complex<double>*>(problem.out());
+        for (size_t b = 0; b < static_cast<size_t>(c.batch); ++b)
+            for (size_t k = 0; k < rows * stored; ++k) {
+                const size_t k1 = k / stored, k0 = k % stored;
+                std::complex<double> sum = 0;
+                for (size_t j = 0; j < n; ++j) {
+                    const double turns = static_cast<double>(j / columns * k1 % rows) / static_cast<double>(rows) +
+                                         static_cast<double>(j % columns * k0 % columns) / static_cast<double>(columns);
+                    sum += problem.input(b, j) * std::polar(1.0, (fault == 1 ? 2 : -2) * M_PI * turns);
+                }
+                out[b * rows * stored + k] = sum;
+            }
+        const size_t all = static_cast<size_t>(c.batch) * rows * stored;
+        if (fault == 2) out[all - 1] = 0;
+        if (fault == 3) std::swap(out[1], out[2]);
+        if (fault == 4) out[all / 2] *= 1 + 1e-9;
+        if (fault == 5) out[0] = nan;
+        if (fault == 6)
+            for (size_t i = 0; i < all; ++i) out[i] *= 0.5;
+        if (fault == 7) std::swap_ranges(out, out + all / 2, out + (all + 1) / 2); // halves, transforms of a batch
+    }
+};
+
+TEST(ResultChecks, RejectEveryFaultyTransform)
+{
+    for (const auto& [kind, size] : {std::pair{"cd", "12"},
+                                     {"cd", "37"},
+                                     {"rd", "16"},
+                                     {"rd", "15"},
+                                     {"cd", "4x6"},
+                                     {"rd", "5x8"},
+                                     {"cd", "6*2"}}) {
+        peers::FftProblem problem(*peers::fft_case(kind, size));
+        for (int fault = 0; fault <= 7; ++fault) {
+            Sum transform(problem, fault);
+            EXPECT_EQ(problem.check(transform).empty(), fault == 0) << kind << ' ' << size << ", fault " << fault;
+        }
+        Sum right(problem, 0), slightly_wrong(problem, 4);
+        EXPECT_LT(peers::accuracy(problem, right), 1e-14) << kind << ' ' << size; // sums lose a few digits
+        EXPECT_GT(peers::accuracy(problem, slightly_wrong), 1e-12) << kind << ' ' << size;
+    }
+}
+
+TEST(FftCases, AreWhatTheirTextsSay)
+{
+    const auto c = *peers::fft_case("rsbi", "4x6*10");
+    EXPECT_TRUE(c.real && c.single && c.backward && c.in_place);
+    EXPECT_EQ(c.points(), 24u);
+    EXPECT_EQ(c.batch, 10);
+    EXPECT_EQ(c.kind() + ' ' + c.size(), "rsbi 4x6*10");
+    for (const char* kind : {"", "c", "xd", "cx", "cdib", "cdbb"}) EXPECT_FALSE(peers::fft_case(kind, "8")) << kind;
+    for (const char* size : {"", "0", "-8", "8x", "x8", "8*", "8*0", "8 ", "99999999999", "2147483647x9", "1"})
+        EXPECT_FALSE(peers::fft_case("cd", size)) << size;
+}
+
+// Every route of the reference: factors, primes, convolution, several dimensions; there and back as well.
+TEST(ReferenceTransform, IsTheSum)
+{
+    for (const std::vector<int>& lengths :
+         std::vector<std::vector<int>>{{1}, {2}, {30}, {49}, {64}, {101}, {211}, {422}, {3, 211}, {4, 3, 5}}) {
+        peers::Random random;
+        size_t n = 1;
+        for (const int length : lengths) n *= static_cast<size_t>(length);
+        std::vector<peers::LongPair> x(n);
+        for (auto& value : x) value = {random.next(), random.next()};
+        auto y = x;
+        peers::reference_dft(y, lengths, -1);
+        for (const size_t k : {size_t{0}, n / 3, n - 1}) {
+            long double re = 0, im = 0;
+            for (size_t j = 0; j < n; ++j) {
+                long double turns = 0;
+                size_t rest_j = j, rest_k = k;
+                for (size_t d = lengths.size(); d-- > 0;) {
+                    const auto length = static_cast<size_t>(lengths[d]);
+                    turns += static_cast<long double>(rest_j % length * (rest_k % length) % length) / lengths[d];
+                    rest_j /= length;
+                    rest_k /= length;
+                }
+                const long double c = std::cos(2 * M_PIl * turns), s = -std::sin(2 * M_PIl * turns);
+                re += x[j].re * c - x[j].im * s;
+                im += x[j].re * s + x[j].im * c;
+            }
+            EXPECT_LT(std::hypot(y[k].re - re, y[k].im - im), 1e-16L) << n << ' ' << k;
+        }
+        peers::reference_dft(y, lengths, 1);
+        for (size_t j = 0; j < n; ++j) EXPECT_LT(std::fabs(y[j].re / static_cast<long double>(n) - x[j].re), 1e-17L);
+    }
+}
+
+TEST(DemoReport, KeepsNaN)
+{
+    double largest = 1;
+    for (const double value : {2.0, nan, 3.0}) tool::keep_largest(largest, value);
+    EXPECT_TRUE(std::isnan(largest));
+}
+
+// Bytes that zlib, asked independently, takes apart into these rows.
+TEST(Png, IsWhatDecodersExpect)
+{
+    EXPECT_EQ(tool::data_uri(tool::png(2, 2, {0, 255, 7, 128})),
+              "data:image/png;base64,iVBORw0KGgoAAAANSUhEUgAAAAIAAAACCAAAAABX3VL4AAAAEUlEQVR4AQEGAPn/AAD/"
+              "AAeABJABh01Al3cAAAAASUVORK5CYII=");
 }
 
 TEST(DemoReport, HoldsOnlyIfSomethingWasCheckedAndAllOfItHolds)

@@ -103,14 +103,15 @@ TEST_F(Tool, DemoPrintsSoundNumbersAndAPicture)
 TEST_F(Tool, DemoShowsNothingOfAWrongComputation)
 {
     if (sanitized) GTEST_SKIP() << "a sanitizer's run-time must be preloaded first";
-    for (const auto& [demo, result] : {std::pair{"pca", "explained"}, {"system", "recognised that"}})
+    for (const auto& [demo, result] :
+         {std::pair{"pca", "explained"}, {"system", "recognised that"}, {"ecg", "heart rate"}, {"blur", "PSNR"}})
         for (const char* fault : {"nan", "small"}) {
             const ChildResult run = ork({"demo", demo, "--out", folder},
                                         {"LD_PRELOAD=" ORK_WRONG_BLAS, std::string("ORK_TEST_FAULT=") + fault});
             EXPECT_EQ(run.exit_code, 1) << fault << run.describe();
             EXPECT_THAT(run.out + run.err, ContainsRegex("CHECK FAILED|singular")) << fault;
             EXPECT_THAT(run.out, Not(HasSubstr(result))) << fault;
-            EXPECT_FALSE(fs::exists(folder / "ork-demo-pca.svg")) << fault;
+            EXPECT_TRUE(fs::is_empty(folder)) << fault;
         }
 }
 
@@ -133,6 +134,42 @@ TEST_F(Tool, DemoSolvesASystem)
     const ChildResult alike = ork({"demo", "system", "--data", folder});
     EXPECT_EQ(alike.exit_code, 1);
     EXPECT_THAT(alike.err, HasSubstr("singular"));
+}
+
+TEST_F(Tool, DemoFindsTheHeartRateAndRemovesTheHum)
+{
+    const ChildResult run = ork({"demo", "ecg", "--out", folder, "--checks"});
+    ASSERT_TRUE(run.ok()) << run.describe();
+    std::smatch rates, hum, after;
+    ASSERT_TRUE(std::regex_search(
+        run.out, rates, std::regex("heart rate ([0-9.]+) .*, ([0-9.]+) by the median of ([0-9]+) intervals")));
+    for (size_t i = 1; i <= 3; ++i) EXPECT_NEAR(std::stod(rates[i]), 110, 10) << run.out;
+    ASSERT_TRUE(std::regex_search(run.out, hum, std::regex("hum at ([0-9.]+) Hz: amplitude ([0-9.]+) counts")));
+    ASSERT_TRUE(std::regex_search(run.out, after, std::regex("after its removal ([0-9.]+) counts")));
+    EXPECT_NEAR(std::stod(hum[1]), 60, 0.1);
+    EXPECT_LT(std::stod(after[1]), 0.2 * std::stod(hum[2]));
+    EXPECT_EQ(xml_fault(read(folder / "ork-demo-ecg.svg")), "");
+
+    std::ofstream(folder / "ecg.txt") << "1000\n1001\n";
+    EXPECT_THAT(ork({"demo", "ecg", "--data", folder, "--out", folder}).err, HasSubstr("2 samples"));
+}
+
+TEST_F(Tool, DemoRestoresAPhotograph)
+{
+    const ChildResult run = ork({"demo", "blur", "--out", folder, "--checks"});
+    ASSERT_TRUE(run.ok()) << run.describe();
+    std::smatch psnr;
+    ASSERT_TRUE(std::regex_search(run.out, psnr, std::regex("blurred ([0-9.]+) dB, restored ([0-9.]+) dB")));
+    EXPECT_GT(std::stod(psnr[2]), std::stod(psnr[1]) + 1);
+    EXPECT_EQ(xml_fault(read(folder / "ork-demo-blur.svg")), "");
+    const std::string original = read(ORK_SOURCE_DIR "/examples/data/ascent.pgm");
+    for (const char* name : {"original", "blurred", "restored"})
+        EXPECT_EQ(read(folder / (std::string("ork-demo-blur-") + name + ".pgm")).size(), 15u + 512 * 512) << name;
+
+    std::ofstream(folder / "ascent.pgm") << original.substr(0, original.size() - 1);
+    EXPECT_THAT(ork({"demo", "blur", "--data", folder, "--out", folder}).err, HasSubstr("262143 pixels instead of"));
+    std::ofstream(folder / "ascent.pgm") << "P2\n1 1\n1\n1\n";
+    EXPECT_THAT(ork({"demo", "blur", "--data", folder, "--out", folder}).err, HasSubstr("not a binary PGM"));
 }
 
 TEST_F(Tool, DemoNamesTheLineOfABadInputFile)
@@ -210,6 +247,35 @@ TEST_F(Tool, BenchWritesWhatItMeasured)
     }
 }
 
+TEST_F(Tool, BenchMeasuresTransforms)
+{
+    const std::string json = folder / "bench.json";
+    const ChildResult run =
+        ork({"bench", "fft", "--kind", "cd,rsb,cdi,rdbi", "--sizes", "16,6x9,5*3", "--quick", "--json", json},
+            {"ORK_PEERS=" + folder.string()});
+    ASSERT_TRUE(run.ok()) << run.describe();
+    EXPECT_THAT(run.out, HasSubstr("scripts/fftw-sse2"));
+    const auto root = nlohmann::json::parse(read(json));
+    ASSERT_EQ(root["cases"].size(), 12u);
+    for (const auto& c : root["cases"]) {
+        SCOPED_TRACE(c.dump());
+        const double n = c["shape"] == "16" ? 16 : c["shape"] == "6x9" ? 54 : 5, batch = c["shape"] == "5*3" ? 3 : 1;
+        const double flops = (c["routine"].get<std::string>()[0] == 'c' ? 5 : 2.5) * n * std::log2(n) * batch;
+        EXPECT_NEAR(c["work"].get<double>(), flops, 1e-9 * flops);
+        ASSERT_GE(c["figures"].size(), 1u);
+        EXPECT_EQ(c["figures"][0]["name"], "ork");
+        for (const auto& figure : c["figures"]) EXPECT_TRUE(figure["right"].get<bool>());
+    }
+    for (const auto& [option, low, high] : {std::tuple{"--accuracy", 1e-17, 1e-15}, {"--planning", 0.0, 1e9}}) {
+        const ChildResult table = ork({"bench", "fft", option, "--kind", "cd", "--sizes", "210"});
+        ASSERT_TRUE(table.ok()) << table.describe();
+        std::smatch row;
+        ASSERT_TRUE(std::regex_search(table.out, row, std::regex("\n +210 +([0-9.e+-]+)"))) << table.out;
+        EXPECT_GT(std::stod(row[1]), low) << table.out;
+        EXPECT_LT(std::stod(row[1]), high) << table.out;
+    }
+}
+
 // Counted independently: by the same rule in plain loops over the file.
 TEST_F(Tool, ExampleNamesAsManyDigitsAsPlainLoopsDo)
 {
@@ -259,6 +325,9 @@ TEST_F(Tool, BadArgumentsAreNamedAndFail)
         {{"bench", "gemm", "--sizes", "99999999999"}, "99999999999"},
         {{"bench", "gemm", "--trans", "NX"}, "NX"},
         {{"bench", "level3", "--routine", "dtrsm", "--trans", "LNN"}, "LNN"},
+        {{"bench", "fft", "--sizes", "100*"}, "100*"},
+        {{"bench", "fft", "--kind", "cdx"}, "cdx"},
+        {{"bench", "gemm", "--accuracy"}, "fft"},
         {{"bench", "--threads", "0"}, "--threads"},
         {{"bench", "--also", "/nonexistent/libblas.so"}, "/nonexistent/libblas.so"},
         {{"bench", "level1", "--routine", "ddot", "--sizes", "8", "--quick", "--json", folder / "missing" / "x.json"},

@@ -77,6 +77,13 @@ void Svg::polyline(const std::vector<std::pair<double, double>>& points, std::st
                    dash(dashes));
 }
 
+void Svg::image(double x, double y, double width, double height, std::string_view href)
+{
+    fmt::format_to(std::back_inserter(body_),
+                   "<image x=\"{:.2f}\" y=\"{:.2f}\" width=\"{:.2f}\" height=\"{:.2f}\" href=\"{}\"/>\n", x, y, width,
+                   height, href);
+}
+
 void Svg::text(double x, double y, std::string_view words, double size, Anchor anchor, std::string_view fill, bool bold)
 {
     const char* side = anchor == Anchor::start ? "start" : anchor == Anchor::middle ? "middle" : "end";

@@ -20,6 +20,7 @@ public:
     void circle(double x, double y, double radius, std::string_view fill, double opacity = 1);
     void polyline(const std::vector<std::pair<double, double>>& points, std::string_view stroke, double width = 1.5,
                   std::string_view dashes = "");
+    void image(double x, double y, double width, double height, std::string_view href);
     enum class Anchor { start, middle, end };
     void text(double x, double y, std::string_view words, double size = 12, Anchor anchor = Anchor::start,
               std::string_view fill = "#222", bool bold = false);

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
-#include <charconv>
 #include <fmt/format.h>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
 
+#include "bench/fft_family.h"
 #include "bench/result.h"
 #include "commands.h"
 #include "ork/ork.h"
@@ -19,34 +19,12 @@ struct Options {
     std::vector<double> beta;
     int threads = 1;
     std::string json, svg;
-    bool quick = false, all = false;
+    bool quick = false, all = false, accuracy = false, planning = false;
 };
-
-// "512", "64x2000" or "1000x1000x4".
-bench::Shape shape_from(const std::string& text)
-{
-    int sides[3] = {0, 0, 0}, count = 0;
-    const char *p = text.data(), *end = p + text.size();
-    while (count < 3) {
-        const auto [next, error] = std::from_chars(p, end, sides[count]);
-        if (error != std::errc() || sides[count] < 1) break;
-        ++count;
-        p = next;
-        if (p == end || *p != 'x') break;
-        ++p;
-    }
-    if (p != end || count == 0)
-        throw std::runtime_error(
-            "--sizes: \"" + text +
-            "\" is neither a size such as 512 nor m x n or m x n x k such as 64x2000, 1000x1000x4");
-    if (count == 1 || (count == 2 && sides[0] == sides[1])) return {sides[0], sides[0], sides[0]};
-    return {sides[0], sides[1], sides[2]};
-}
 
 bench::Selection selection_from(const Options& options)
 {
-    bench::Selection selection{options.routines, {}, {}, options.beta, options.quick};
-    for (const std::string& size : options.sizes) selection.sizes.push_back(shape_from(size));
+    bench::Selection selection{options.routines, options.sizes, {}, options.beta, options.quick};
     for (std::string letters : options.trans) {
         std::transform(letters.begin(), letters.end(), letters.begin(),
                        [](char c) { return c >= 'a' ? static_cast<char>(c - 32) : c; });
@@ -60,6 +38,14 @@ bench::Machine describe_machine()
     char name[128];
     ork_processor_name(name, sizeof(name));
     return {name, peers::arithmetic_rate(false), peers::arithmetic_rate(true), peers::level_rates()};
+}
+
+void print_libraries(const std::vector<peers::Library>& libraries, const std::vector<std::string>& notes)
+{
+    for (const peers::Library& library : libraries)
+        fmt::print("{:<14}{}{}\n", library.name, library.detail,
+                   library.kind == peers::Kind::wide ? " (free to use wider registers: no peer)" : "");
+    for (const std::string& note : notes) fmt::print("{:<14}{}\n", "-", note);
 }
 
 void print_head(const bench::Machine& machine, const std::vector<peers::Library>& libraries,
@@ -79,10 +65,7 @@ void print_head(const bench::Machine& machine, const std::vector<peers::Library>
                            1e9);
     }
     fmt::print("  (L1 / L2 / 8 MiB / memory)\n\n");
-    for (const peers::Library& library : libraries)
-        fmt::print("{:<14}{}{}\n", library.name, library.detail,
-                   library.kind == peers::Kind::wide ? " (free to use wider registers: no peer)" : "");
-    for (const std::string& note : notes) fmt::print("{:<14}{}\n", "-", note);
+    print_libraries(libraries, notes);
     fmt::print(
         "\nork on {} thread{}, peers on one. Medians of {} time; ork/peer is the median of the ratios within rounds.\n",
         options.threads, options.threads > 1 ? "s" : "", options.threads > 1 ? "wall-clock" : "processor");
@@ -97,6 +80,21 @@ Cases cases_of(const Options& options, const bench::Selection& selection)
         if (options.families.empty() || std::count(options.families.begin(), options.families.end(), family.name) > 0)
             for (bench::Case& c : family.cases(selection)) cases.emplace_back(&family, std::move(c));
     return cases;
+}
+
+// ork first, then the peers of the families that take part.
+std::vector<peers::Library> libraries_for(const Cases& cases, const Options& options, std::vector<std::string>& notes)
+{
+    std::vector<peers::Library> libraries = {peers::core_library()};
+    const auto add = [&](bench::Field field, auto find) {
+        const auto is = [field](const auto& c) { return c.first->field == field; };
+        if (std::none_of(cases.begin(), cases.end(), is)) return;
+        for (peers::Library& library : find(notes)) libraries.push_back(std::move(library));
+    };
+    add(bench::Field::dense, peers::find_peers);
+    add(bench::Field::transforms, peers::find_transform_peers);
+    for (const std::string& file : options.also) libraries.push_back(peers::open_library(file));
+    return libraries;
 }
 
 // Every routine asked for is in a family; all letters fit one of these routines, and all sizes a case of those.
@@ -117,15 +115,17 @@ void require_all(const Options& options, const bench::Selection& selection)
         require("--trans", letters);
     }
     one.trans = selection.trans;
-    for (size_t i = 0; i < selection.sizes.size(); ++i) {
-        one.sizes = {selection.sizes[i]};
-        require("--sizes", options.sizes[i]);
+    for (const std::string& size : selection.sizes) {
+        one.sizes = {size};
+        require("--sizes", size);
     }
 }
 
 int run(const Options& options)
 {
     const bench::Selection selection = selection_from(options);
+    if ((options.accuracy || options.planning) && options.families != std::vector<std::string>{"fft"})
+        throw std::runtime_error("--accuracy and --planning are of the family fft alone");
     const Cases cases = cases_of(options, selection);
     require_all(options, selection);
     for (const std::string& file : {options.json, options.svg}) // rather now than after an hour of measuring
@@ -133,10 +133,14 @@ int run(const Options& options)
     if (ork_initialize() != ORK_OK) throw std::runtime_error(ork_error_text());
 
     std::vector<std::string> notes;
-    std::vector<peers::Library> libraries = peers::find_peers(notes);
-    libraries.insert(libraries.begin(), peers::core_library());
-    for (const std::string& file : options.also) libraries.push_back(peers::open_library(file));
+    const std::vector<peers::Library> libraries = libraries_for(cases, options, notes);
     ork_set_num_threads(options.threads);
+    if (options.accuracy || options.planning) {
+        print_libraries(libraries, notes);
+        if (options.accuracy) bench::show_accuracy(selection, libraries);
+        if (options.planning) bench::show_planning(selection, libraries);
+        return 0;
+    }
     const bench::Machine machine = describe_machine();
     print_head(machine, libraries, notes, options);
 
@@ -183,20 +187,31 @@ void add_bench(CLI::App& app, int& status)
     command->footer(about);
     command->add_option("family", options->families, "Families to measure; all of them by default")
         ->check(CLI::IsMember(names));
-    command->add_option("--routine", options->routines, "Routines, such as dgemm,ddot")->delimiter(',');
-    command->add_option("--sizes", options->sizes, "Sizes: 512; m x n (x k for gemm) as in 64x2000, 1000x1000x4")
+    command
+        ->add_option(
+            "--routine,--kind", options->routines,
+            "Routines, such as dgemm,ddot; kinds of transforms: c or r, s or d, b backward, i in place: cd,rsb")
+        ->delimiter(',');
+    command
+        ->add_option("--sizes", options->sizes,
+                     "Sizes: 512; m x n (x k for gemm) as in 64x2000, 1000x1000x4; 100*1000: a thousand transforms of "
+                     "length 100; all: every usual size of transforms")
         ->delimiter(',');
     command->add_option("--trans", options->trans, "Letters of a call: NN for gemm, N for gemv, LLNN for trsm")
         ->delimiter(',');
     command->add_option("--beta", options->beta, "Values of beta for gemm")->delimiter(',');
     command->add_option("--threads", options->threads, "Threads that ork may use; peers run on one")
         ->check(CLI::Range(1, 256));
-    command->add_option("--also", options->also, "Another library with Fortran BLAS symbols, as a further peer")
+    command
+        ->add_option("--also", options->also,
+                     "Another library with Fortran BLAS symbols or the FFTW interface, as a further peer")
         ->check(CLI::ExistingFile);
     command->add_option("--json", options->json, "Write everything that was measured to this file");
     command->add_option("--svg", options->svg, "Plot rate over size into this file");
     command->add_flag("--quick", options->quick, "Fewer cases and rounds");
     command->add_flag("--all", options->all, "Show every contender, not only the best peer");
+    command->add_flag("--accuracy", options->accuracy, "Of transforms: their errors instead of their speed");
+    command->add_flag("--planning", options->planning, "Of transforms: the time it takes to plan them");
     command->callback([options, &status] { status = run(*options); });
 }
 

@@ -1,19 +1,43 @@
 // SPDX-License-Identifier: MIT
+#include <charconv>
 #include <fmt/format.h>
+#include <optional>
 
 #include "bench/family.h"
 
 namespace ork::tool::bench {
+namespace {
+
+std::optional<Shape> shape_from(const std::string& text)
+{
+    int sides[3] = {0, 0, 0}, count = 0;
+    const char *p = text.data(), *end = p + text.size();
+    while (count < 3) {
+        const auto [next, error] = std::from_chars(p, end, sides[count]);
+        if (error != std::errc() || sides[count] < 1) break;
+        ++count;
+        p = next;
+        if (p == end || *p != 'x') break;
+        ++p;
+    }
+    if (p != end || count == 0) return std::nullopt;
+    if (count == 1 || (count == 2 && sides[0] == sides[1])) return Shape{sides[0], sides[0], sides[0]};
+    return Shape{sides[0], sides[1], sides[2]};
+}
+
+} // namespace
 
 const std::vector<Family>& families()
 {
     static const std::vector<Family> all = {
-        {"gemm", "general matrix product, square and skinny", "GF/s", gemm_cases},
-        {"level1", "vector routines in all precisions", "GB/s", level1_cases},
-        {"level2", "matrix-vector routines; --routine for precisions, bands and packed triangles", "GF/s",
+        {"gemm", "general matrix product, square and skinny", "GF/s", Field::dense, gemm_cases},
+        {"level1", "vector routines in all precisions", "GB/s", Field::dense, level1_cases},
+        {"level2", "matrix-vector routines; --routine for precisions, bands and packed triangles", "GF/s", Field::dense,
          level2_cases},
-        {"level3", "matrix-matrix routines beside gemm", "GF/s", level3_cases},
-        {"threads", "two threads against one, eight callers at once", "GF/s", thread_cases},
+        {"level3", "matrix-matrix routines beside gemm", "GF/s", Field::dense, level3_cases},
+        {"threads", "two threads against one, eight callers at once", "GF/s", Field::dense, thread_cases},
+        {"fft", "Fourier transforms; --kind for precision, real data, direction, --sizes all for every length", "GF/s",
+         Field::transforms, fft_cases},
     };
     return all;
 }
@@ -22,6 +46,14 @@ std::string Shape::label() const
 {
     if (square()) return fmt::format("{}", m);
     return k == 0 ? fmt::format("{}x{}", m, n) : fmt::format("{}x{}x{}", m, n, k);
+}
+
+std::vector<Shape> shapes_of(const std::vector<std::string>& sizes)
+{
+    std::vector<Shape> shapes;
+    for (const std::string& size : sizes)
+        if (const auto shape = shape_from(size)) shapes.push_back(*shape);
+    return shapes;
 }
 
 Contest contest(std::unique_ptr<peers::Problem> problem, const std::vector<peers::Library>& libraries)

@@ -44,18 +44,24 @@ struct Shape {
     std::string label() const; // "512", "64x2000", "1000x1000x4"
 };
 
+// The sizes that are shapes: "512", "64x2000", "1000x1000x4".
+std::vector<Shape> shapes_of(const std::vector<std::string>& sizes);
+
 struct Selection {
     std::vector<std::string> routines; // empty: the family's usual ones
-    std::vector<Shape> sizes;          // empty: the family's usual ones
+    std::vector<std::string> sizes;    // empty: the family's usual ones; what isn't a size of a family's, it skips
     std::vector<std::string> trans;    // letters of a routine together: "NN" of gemm, "LLNN" of trsm
     std::vector<double> beta;
     bool quick = false;
 };
 
+enum class Field { dense, transforms }; // decides about the peers
+
 struct Family {
     const char* name;
     const char* summary;
     const char* unit; // "GF/s" or "GB/s"
+    Field field;
     std::vector<Case> (*cases)(const Selection&);
 };
 
@@ -65,6 +71,7 @@ std::vector<Case> level1_cases(const Selection& selection);
 std::vector<Case> level2_cases(const Selection& selection);
 std::vector<Case> level3_cases(const Selection& selection);
 std::vector<Case> thread_cases(const Selection& selection);
+std::vector<Case> fft_cases(const Selection& selection);
 
 // Every library that has the problem's routine, checked one after another.
 Contest contest(std::unique_ptr<peers::Problem> problem, const std::vector<peers::Library>& libraries);

@@ -34,8 +34,8 @@ std::vector<Case> gemm_cases(const Selection& selection)
     if (trans.empty())
         trans = selection.quick ? std::vector<std::string>{"NN"} : std::vector<std::string>{"NN", "NT", "TN", "TT"};
     const std::vector<double> beta = selection.beta.empty() ? std::vector<double>{0} : selection.beta;
-    std::vector<Shape> shapes = selection.sizes;
-    if (shapes.empty()) {
+    std::vector<Shape> shapes = shapes_of(selection.sizes);
+    if (selection.sizes.empty()) {
         for (const int n : selection.quick ? quick_squares : squares) shapes.push_back({n, n, n});
         if (!selection.quick) shapes.insert(shapes.end(), skinny.begin(), skinny.end());
     }

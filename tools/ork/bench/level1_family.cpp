@@ -12,7 +12,7 @@ std::vector<Case> level1_cases(const Selection& selection)
     if (routines.empty() && selection.quick) routines = {"ddot", "daxpy", "dscal", "dcopy"};
     if (routines.empty()) routines = peers::level1_routines();
     std::vector<int> sizes;
-    for (const Shape& s : selection.sizes)
+    for (const Shape& s : shapes_of(selection.sizes))
         if (s.square()) sizes.push_back(s.m);
     if (selection.sizes.empty())
         sizes =

@@ -35,7 +35,8 @@ std::vector<Case> level2_cases(const Selection& selection)
     std::vector<Case> cases;
     for (const std::string& routine : routines)
         for (const std::string& letters : selection.trans.empty() ? all_letters : selection.trans)
-            for (const Shape& s : selection.sizes.empty() ? usual_shapes(routine, selection.quick) : selection.sizes) {
+            for (const Shape& s :
+                 selection.sizes.empty() ? usual_shapes(routine, selection.quick) : shapes_of(selection.sizes)) {
                 const peers::Level2Case problem{routine, letters, s.m, s.n};
                 if (!peers::is_case(problem) || (s.k != 0 && !s.square())) continue;
                 cases.push_back(

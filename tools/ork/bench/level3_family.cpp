@@ -31,7 +31,8 @@ std::vector<Case> level3_cases(const Selection& selection)
 {
     std::vector<std::string> routines = selection.routines;
     if (routines.empty()) routines = selection.quick ? std::vector<std::string>{"dsyrk", "dtrsm"} : usual;
-    const std::vector<Shape> shapes = selection.sizes.empty() ? usual_shapes(selection.quick) : selection.sizes;
+    const std::vector<Shape> shapes =
+        selection.sizes.empty() ? usual_shapes(selection.quick) : shapes_of(selection.sizes);
     std::vector<Case> cases;
     for (const std::string& routine : routines)
         for (const std::string& letters : selection.trans.empty() ? usual_letters : selection.trans)

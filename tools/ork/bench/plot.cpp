@@ -4,6 +4,7 @@
 #include <cmath>
 #include <fmt/format.h>
 #include <map>
+#include <set>
 
 #include "bench/result.h"
 #include "svg.h"
@@ -15,21 +16,22 @@ constexpr double panel_width = 460, panel_height = 300, left = 52, right = 14, t
 
 struct Curve {
     std::string name;
+    bool wide;                                     // free to use wider registers
     std::vector<std::pair<double, double>> points; // size, rate
 };
 
 std::vector<Curve> curves(const std::vector<const Result*>& results)
 {
     std::vector<Curve> all;
-    const auto curve = [&](const std::string& name) -> Curve& {
+    const auto curve = [&](const std::string& name, bool wide) -> Curve& {
         for (Curve& c : all)
             if (c.name == name) return c;
-        return all.emplace_back(Curve{name, {}});
+        return all.emplace_back(Curve{name, wide, {}});
     };
     for (const Result* r : results) {
         for (const Figure& f : r->figures)
-            if (f.rate > 0) curve(f.name).points.emplace_back(r->size, f.rate);
-        if (r->limit > 0) curve("limit").points.emplace_back(r->size, r->limit);
+            if (f.rate > 0) curve(f.name, f.kind == peers::Kind::wide).points.emplace_back(r->size, f.rate);
+        if (r->limit > 0) curve("limit", false).points.emplace_back(r->size, r->limit);
     }
     return all;
 }
@@ -57,7 +59,7 @@ public:
         // The wide build may leave the frame; ork, the peers and the limit don't.
         for (const Curve& c : curves_)
             for (const auto& point : c.points)
-                if (c.name != "OB-wide") highest_ = std::max(highest_, point.second);
+                if (!c.wide) highest_ = std::max(highest_, point.second);
         highest_ *= 1.08;
         axes(first.routine + (first.variant.empty() ? "" : " " + first.variant), first.unit, results);
         for (const Curve& c : curves_)
@@ -132,14 +134,17 @@ void write_plot(const std::string& file, const Machine& machine, const std::vect
     std::vector<std::vector<const Result*>> groups;
     std::map<std::string, size_t> colours = {{"ork", 3}}; // vermilion, whoever else takes part
     std::vector<std::string> names = {"ork"};
+    std::set<std::string> wide;
     for (const Result& r : results) {
         if (r.size <= 0 || r.figures.empty()) continue;
         if (groups.empty() || groups.back().front()->routine != r.routine ||
             groups.back().front()->variant != r.variant)
             groups.emplace_back();
         groups.back().push_back(&r);
-        for (const Figure& f : r.figures)
+        for (const Figure& f : r.figures) {
+            if (f.kind == peers::Kind::wide) wide.insert(f.name);
             if (colours.emplace(f.name, names.size() - (names.size() <= 3 ? 1 : 0)).second) names.push_back(f.name);
+        }
     }
     std::erase_if(groups, [](const auto& g) { return g.size() < 2; });
     const size_t columns = groups.size() > 1 ? 2 : 1,
@@ -153,19 +158,16 @@ void write_plot(const std::string& file, const Machine& machine, const std::vect
     double line = 50;
     names.emplace_back("limit");
     for (const std::string& name : names) {
-        const double needed = 44 + 7.2 * static_cast<double>(name.size() + (name == "OB-wide" ? 14
-                                                                            : name == "limit" ? 7
-                                                                                              : 0));
+        const std::string words = name == "limit"        ? "128-bit limit"
+                                  : wide.count(name) > 0 ? name + " (where it fits)"
+                                                         : name;
+        const double needed = 44 + 7.2 * static_cast<double>(words.size());
         if (at + needed > width) at = 16, line += 18;
         if (name == "limit")
             svg.line(at, line - 4, at + 22, line - 4, "#222", 1.3, "6 4");
         else
             svg.line(at, line - 4, at + 22, line - 4, category_colour(colours.at(name)), name == "ork" ? 3 : 1.6);
-        svg.text(at + 28, line,
-                 name == "limit"     ? "128-bit limit"
-                 : name == "OB-wide" ? "OB-wide (where it fits)"
-                                     : name,
-                 12);
+        svg.text(at + 28, line, words, 12);
         at += needed;
     }
     for (size_t g = 0; g < groups.size(); ++g)

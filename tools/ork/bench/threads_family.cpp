@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Threads: ork against itself. The ratios are the speed-up of more threads over one, and what is left of the throughput
-// when eight callers share the workers.
+// Threads: ork against itself, products and transforms. The ratios are the speed-up of more threads over one, and what
+// is left of the throughput when eight callers share the workers.
+#include <algorithm>
 #include <fmt/format.h>
 #include <thread>
 
@@ -29,6 +30,32 @@ Contest speed_up(const peers::Library& ork, int n, int threads)
                                       },
                                       problem->check(routine)});
     }
+    return contest;
+}
+
+Contest transform_speed_up(const peers::Library& ork, const peers::FftCase& what, int threads)
+{
+    struct Operands {
+        peers::FftProblem problem;
+        std::vector<std::unique_ptr<peers::Transform>> transforms;
+    };
+    const auto operands = std::make_shared<Operands>(Operands{peers::FftProblem(what), {}});
+    Contest contest{{}, what.work(), {}, operands, true};
+    if (!ork.transform) return contest;
+    for (const int count : {threads, 1}) {
+        ork_set_num_threads(count);
+        auto transform = ork.transform(what, operands->problem.in(), operands->problem.out());
+        if (transform == nullptr) return contest;
+        contest.contenders.push_back({fmt::format("{} thread{}", count, count > 1 ? "s" : ""),
+                                      count == 1 ? peers::Kind::peer : peers::Kind::subject,
+                                      [t = transform.get(), count](long calls) {
+                                          ork_set_num_threads(count);
+                                          for (; calls > 0; --calls) t->run();
+                                      },
+                                      operands->problem.check(*transform)});
+        operands->transforms.push_back(std::move(transform));
+    }
+    operands->problem.settle();
     return contest;
 }
 
@@ -82,21 +109,36 @@ const peers::Library& subject(const std::vector<peers::Library>& libraries)
 
 std::vector<Case> thread_cases(const Selection& selection)
 {
-    if (!selection.routines.empty() && selection.routines != std::vector<std::string>{"dgemm"}) return {};
     constexpr int threads = 2;
+    const auto wanted = [&](const std::string& routine) {
+        const auto& all = selection.routines;
+        return all.empty() || std::find(all.begin(), all.end(), routine) != all.end();
+    };
     std::vector<int> sizes;
-    for (const Shape& s : selection.sizes)
+    for (const Shape& s : shapes_of(selection.sizes))
         if (s.square()) sizes.push_back(s.m);
     if (selection.sizes.empty())
         sizes = selection.quick ? std::vector<int>{256} : std::vector<int>{64, 128, 256, 512, 1024, 2048};
     std::vector<Case> cases;
-    for (const int n : sizes)
-        cases.push_back({"dgemm", "2 threads / 1", fmt::format("{}", n), static_cast<double>(n),
-                         [n](const auto& libraries) { return speed_up(subject(libraries), n, threads); }});
-    for (const int n : sizes)
-        if (n >= 64 && n <= 1024)
-            cases.push_back({"dgemm", "8 callers", fmt::format("{}", n), static_cast<double>(n),
-                             [n](const auto& libraries) { return callers(subject(libraries), n, threads); }});
+    if (wanted("dgemm")) {
+        for (const int n : sizes)
+            cases.push_back({"dgemm", "2 threads / 1", fmt::format("{}", n), static_cast<double>(n),
+                             [n](const auto& libraries) { return speed_up(subject(libraries), n, threads); }});
+        for (const int n : sizes)
+            if (n >= 64 && n <= 1024)
+                cases.push_back({"dgemm", "8 callers", fmt::format("{}", n), static_cast<double>(n),
+                                 [n](const auto& libraries) { return callers(subject(libraries), n, threads); }});
+    }
+    std::vector<std::string> data = selection.sizes;
+    if (data.empty()) data = {"65536", "1048576", "1024x1024", "100*1000"};
+    for (const char* kind : {"cd", "cs", "rd", "rs"})
+        for (const std::string& size : data)
+            // those that nobody asked for by name are for the full run
+            if (const auto what = peers::fft_case(kind, size);
+                what && (selection.routines.empty() ? !selection.quick && selection.sizes.empty() : wanted(kind)))
+                cases.push_back({kind, "2 threads / 1", size, 0, [what](const auto& libraries) {
+                                     return transform_speed_up(subject(libraries), *what, threads);
+                                 }});
     return cases;
 }
 

@@ -8,6 +8,9 @@
 
 namespace ork::tool {
 
+// Keeps the larger of the two, or the NaN once it has met one.
+void keep_largest(double& largest, long double value);
+
 // Collects what a demo computed. Nothing is printed unless every check holds.
 class Report {
 public:
@@ -47,6 +50,6 @@ struct Demo {
 };
 
 const std::vector<Demo>& demos();
-extern const Demo pca, linear_system;
+extern const Demo pca, linear_system, ecg, blur;
 
 } // namespace ork::tool

@@ -1,14 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "demos/demo.h"
 
+#include <cmath>
 #include <fmt/format.h>
 
 namespace ork::tool {
 
 const std::vector<Demo>& demos()
 {
-    static const std::vector<Demo> all = {pca, linear_system};
+    static const std::vector<Demo> all = {pca, linear_system, ecg, blur};
     return all;
+}
+
+void keep_largest(double& largest, long double value)
+{
+    if (!std::isnan(largest) && !(static_cast<double>(value) <= largest)) largest = static_cast<double>(value);
 }
 
 void Report::check(const std::string& what, double error, double bound) { checks_.push_back({what, error, bound}); }

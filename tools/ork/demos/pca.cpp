@@ -168,12 +168,6 @@ std::vector<long double> exact_covariance(const Images& images, std::vector<long
     return covariance;
 }
 
-// max that keeps a NaN once it has met one
-void keep_largest(double& largest, long double value)
-{
-    if (!(static_cast<double>(value) <= largest)) largest = static_cast<double>(value);
-}
-
 // n orthonormal vectors that each satisfy C v = lambda v are all there is to know about C, so the first checks cover
 // every variance that is printed; the rebuilt images are compared with the pixels one by one.
 void verify(const Images& images, const Principal& r, Report& report)

@@ -111,12 +111,6 @@ System interpolate(const Images& known, const Images& unknown)
     return s;
 }
 
-// max that keeps a NaN once it has met one
-void keep_largest(double& largest, long double value)
-{
-    if (!(static_cast<double>(value) <= largest)) largest = static_cast<double>(value);
-}
-
 long double distance(const Images& from, int i, const Images& to, int j)
 {
     long long sum = 0;
