@@ -42,31 +42,25 @@ ORK_EXPORT std::int64_t ork_dft_nx2_batch_of_length(std::int64_t length, std::in
     return sixteens && batch < 16 ? 16 : batch;
 }
 
-// The pair closest to a square among floor(sqrt(n)) and the odd divisors above it; when there is none, the divisor
-// next below. Divisors above are met as cofactors of those below.
+// The pair closest to a square. A power of two is halved in its exponent; otherwise divisors are looked for from
+// floor(sqrt(n)) on, and those above, even or odd, are met as cofactors of those below: 2 p q with odd primes p < q
+// would else become 2 rows of p q numbers.
 ORK_EXPORT std::int32_t ork_dft_nx2_four_step_factors(std::int32_t precision, std::int64_t n, std::int64_t* n1,
                                                       std::int64_t* n2)
 {
-    std::int64_t first = 0;
+    std::int64_t first = 1;
     if (is_power_of_two(n)) {
-        first = std::int64_t{1} << (__builtin_ctzll(static_cast<unsigned long long>(n)) / 2);
+        first <<= __builtin_ctzll(static_cast<unsigned long long>(n)) / 2;
     } else {
-        const auto root = static_cast<std::int64_t>(__builtin_sqrt(static_cast<double>(n)));
-        for (std::int64_t d = root; d >= 1; --d) {
-            if (n % d != 0) continue;
-            if (first == 0) first = d;
-            if (d == root || (n / d) % 2 != 0) {
-                first = d;
-                break;
-            }
-        }
+        first = static_cast<std::int64_t>(__builtin_sqrt(static_cast<double>(n)));
+        while (n % first != 0) --first;
     }
     const std::int64_t second = n / first;
     const int longer = precision == ORK_DFT_SINGLE ? 1 : 0;
     for (const std::int64_t factor : {first, second})
         if (factor > (is_power_of_two(factor) ? longest_power_of_two : longest_mixed) << longer)
             return ORK_DFT_NOT_APPLICABLE;
-    *n1 = first < second ? first : second;
-    *n2 = first < second ? second : first;
+    *n1 = first;
+    *n2 = second;
     return ORK_DFT_OK;
 }
