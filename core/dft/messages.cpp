@@ -86,6 +86,7 @@ std::int64_t fail_without_descriptor(std::int64_t status, const char* format, ..
 using namespace ork::dft;
 
 ORK_EXPORT int64_t ork_dft_error_class(int64_t status, int64_t error_class) { return status == error_class; }
+ORK_EXPORT int64_t ork_dft_dftierrorclass(int64_t status, int64_t error_class) { return status == error_class; }
 
 ORK_EXPORT const char* ork_dft_error_message(int64_t status)
 {

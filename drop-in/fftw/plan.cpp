@@ -52,9 +52,9 @@ bool describe(Plan& plan)
 {
     Problem& p = plan.problem;
     const Dimension batch = take_batch(p);
-    // The sides of the descriptor are those of a forward transform, and so reversed for c2r.
+    // The sides of the descriptor are those of a forward transform.
     const auto forward =
-        p.kind == Kind::c2r ? std::pair(&Dimension::out, &Dimension::in) : std::pair(&Dimension::in, &Dimension::out);
+        p.backward ? std::pair(&Dimension::out, &Dimension::in) : std::pair(&Dimension::in, &Dimension::out);
     std::int64_t lengths[most_dimensions], in[most_dimensions + 1] = {0}, out[most_dimensions + 1] = {0};
     for (int d = 0; d < p.rank; ++d) {
         lengths[d] = p.dimension[d].n;

@@ -154,7 +154,9 @@ public:
     }
     ~Descriptor()
     {
-        if (handle_ != nullptr) EXPECT_EQ(ork_dft_free_descriptor(&handle_), 0);
+        if (handle_ != nullptr) {
+            EXPECT_EQ(ork_dft_free_descriptor(&handle_), 0);
+        }
     }
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;

@@ -338,7 +338,9 @@ TEST(Handles, NullFreedOrForeignOnesAreRefusedByEveryRoutine)
                                           ork_dft_dfticomputeforward(d, x),
                                           ork_dft_dfticomputebackward(d, x)})
             EXPECT_EQ(status, ORK_DFT_BAD_DESCRIPTOR);
-        if (d != nullptr) EXPECT_THAT(ork_dft_descriptor_message(d), HasSubstr("freed"));
+        if (d != nullptr) {
+            EXPECT_THAT(ork_dft_descriptor_message(d), HasSubstr("freed"));
+        }
     }
     ork_dft_descriptor* null = nullptr;
     EXPECT_EQ(ork_dft_free_descriptor(&null), ORK_DFT_BAD_DESCRIPTOR);
