@@ -110,14 +110,30 @@ void unite(std::int64_t n, const Spectrum<R>& a, const Spectrum<R>& b, R* y)
     }
 }
 
+// A short odd length whose spectrum may have gaps; then it passes through `line`, n + 1 numbers.
 template <class R>
-Spectrum<R> from_transform(Spectrum<R> x, std::int64_t t)
+bool dense(const Spectrum<R>& x)
 {
-    const auto move = [&](R*& p) {
-        if (p != nullptr) p += t * x.distance;
-    };
-    move(x.re), move(x.im), move(x.first), move(x.last), move(x.zero_first), move(x.zero_last);
-    return x;
+    return x.stride == 2 && x.im == x.re + 1;
+}
+template <class R>
+void small_forward(const RealPlan<R>& plan, R scale, const R* in, const Spectrum<R>& x, R* line)
+{
+    if (dense(x)) return plan.small_forward(scale, in, x);
+    plan.small_forward(scale, in, spectrum(Packing::cce, plan.n, Place<R>{line, line + 1, 2, 0}));
+    *x.first = line[0];
+    for (std::int64_t k = 1; k <= plan.n / 2; ++k)
+        x.re[k * x.stride] = line[2 * k], x.im[k * x.stride] = line[2 * k + 1];
+    if (x.zero_first != nullptr) *x.zero_first = 0;
+}
+template <class R>
+void small_backward(const RealPlan<R>& plan, R scale, const Spectrum<R>& x, R* out, R* line)
+{
+    if (dense(x)) return plan.small_backward(scale, x, out);
+    line[0] = *x.first;
+    for (std::int64_t k = 1; k <= plan.n / 2; ++k)
+        line[2 * k] = x.re[k * x.stride], line[2 * k + 1] = x.im[k * x.stride];
+    plan.small_backward(scale, spectrum(Packing::cce, plan.n, Place<R>{line, line + 1, 2, 0}), out);
 }
 
 } // namespace
@@ -168,12 +184,15 @@ void odd_forward(const RealPlan<R>& plan, Packing packing, R scale, const Place<
     for (std::int64_t t = 2 * pairs; t < count; ++t) {
         const R* from = in.re + t * in.distance;
         const Spectrum<R> x = spectrum(packing, n, from_transform(out, t));
-        if (plan.odd != nullptr) {
+        if (plan.odd != nullptr || plan.small_forward != nullptr) {
             if (in.stride != 1) {
                 for (std::int64_t j = 0; j < n; ++j) y.re[j] = from[j * in.stride];
                 from = y.re;
             }
-            forward(*plan.odd, scale, from, x, work);
+            if (plan.odd != nullptr)
+                forward(*plan.odd, scale, from, x, work);
+            else
+                small_forward(plan, scale, from, x, y.re);
             continue;
         }
         for (std::int64_t j = 0; j < n; ++j) y.re[2 * j] = from[j * in.stride], y.re[2 * j + 1] = 0;
@@ -205,8 +224,12 @@ void odd_backward(const RealPlan<R>& plan, Packing packing, R scale, const Place
     for (std::int64_t t = 2 * pairs; t < count; ++t) {
         const Spectrum<R> x = spectrum(packing, n, from_transform(in, t));
         R* const to = out.re + t * out.distance;
-        if (plan.odd != nullptr) {
-            backward(*plan.odd, scale, x, out.stride == 1 ? to : y.re, work);
+        if (plan.odd != nullptr || plan.small_backward != nullptr) {
+            R* const numbers = out.stride == 1 ? to : y.re;
+            if (plan.odd != nullptr)
+                backward(*plan.odd, scale, x, numbers, work);
+            else
+                small_backward(plan, scale, x, numbers, y.re);
             if (out.stride != 1)
                 for (std::int64_t j = 0; j < n; ++j) to[j * out.stride] = y.re[j];
             continue;

@@ -46,8 +46,8 @@ int plan_even(RealPlan<R>& plan)
     plan.g = allocate<Complex<R>>(constants + 1);
     if (plan.g == nullptr || !fill_constants(plan.n, plan.g)) return 1;
     if (plan.n <= longest_small_real) {
-        plan.small_forward = small_forward_of<R>(plan.n);
-        plan.small_backward = small_backward_of<R>(plan.n);
+        plan.small_forward = small_even_forward<R>(plan.n);
+        plan.small_backward = small_even_backward<R>(plan.n);
     }
     plan.group = group(*plan.complex);
     plan.line = plan.n + 2;
@@ -57,13 +57,19 @@ int plan_even(RealPlan<R>& plan)
 template <class R>
 int plan_odd(RealPlan<R>& plan, std::int64_t transforms)
 {
-    if (make_odd_plan(plan.n, &plan.odd) != 0) return 1;
+    const bool small = plan.n < longest_small_real;
+    if (small) {
+        plan.small_forward = small_odd_forward<R>(plan.n);
+        plan.small_backward = small_odd_backward<R>(plan.n);
+    } else if (make_odd_plan(plan.n, &plan.odd) != 0) {
+        return 1;
+    }
     plan.group = 2;
-    if (plan.odd == nullptr || transforms > 1) {
+    if ((plan.odd == nullptr && !small) || transforms > 1) {
         if (make_plan(plan.n, &plan.complex) != 0) return 1;
         plan.group = 2 * group(*plan.complex);
     }
-    plan.line = 2 * plan.n;
+    plan.line = 2 * plan.n + 2;
     return 0;
 }
 

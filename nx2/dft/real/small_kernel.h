@@ -5,17 +5,9 @@
 
 #include "dft/lengths/kernel.h"
 #include "dft/real/small.h"
+#include "dft/real/small_odd.h"
 
 namespace ork::dft {
-
-template <class R>
-[[gnu::always_inline]] inline Vec<R> load_number(const R* p)
-{
-    if constexpr (sizeof(R) == 8)
-        return load(p);
-    else
-        return load_low(p);
-}
 
 template <class R, int m, Direction direction>
 [[gnu::always_inline]] inline void half_transform(const R* in, R* out)
@@ -27,9 +19,6 @@ template <class R, int m, Direction direction>
     else
         length_kernel<R, m, direction>(in, out, nullptr, nullptr);
 }
-
-inline Vec<double> together(double re, double im) { return {_mm_setr_pd(re, im)}; }
-inline Vec<float> together(float re, float im) { return {_mm_setr_ps(re, im, 0, 0)}; }
 
 // p + d and q - conj(d), d = g[k] (p - conj(q)), of one number each; of float also k + 1 in the upper half.
 template <class R, int n, int k>
@@ -104,7 +93,7 @@ template <class R, int n>
 }
 
 template <class R, int n>
-void small_forward(R scale, const R* in, const Spectrum<R>& x)
+void even_kernel_forward(R scale, const R* in, const Spectrum<R>& x)
 {
     constexpr int m = n / 2;
     alignas(16) R z[2 * m];
@@ -124,7 +113,7 @@ void small_forward(R scale, const R* in, const Spectrum<R>& x)
 }
 
 template <class R, int n>
-void small_backward(R scale, const Spectrum<R>& x, R* out)
+void even_kernel_backward(R scale, const Spectrum<R>& x, R* out)
 {
     constexpr int m = n / 2;
     alignas(16) R z[2 * m];
@@ -168,13 +157,42 @@ void small_backward(R scale, const Spectrum<R>& x, R* out)
     half_transform<R, m, Direction::backward>(z, out);
 }
 
-// All lengths of one precision.
+template <class R, int n>
+void odd_kernel_forward(R scale, const R* in, const Spectrum<R>& x)
+{
+    R *const body = x.re, *const first = x.first;
+    odd_real_dft<n>(in, [=](int k, Vec<R> value) ORK_INLINE_LAMBDA {
+        if (k == 0)
+            *first = lane(value, 0);
+        else
+            store<2>(body + 2 * k, value);
+    });
+    if (x.zero_first != nullptr) *x.zero_first = 0;
+    if (scale != R(1)) {
+        *x.first *= scale;
+        for (int i = 2; i < n; i += 2) store<2>(x.re + i, load_number(x.re + i) * broadcast(scale));
+    }
+}
+
+template <class R, int n>
+void odd_kernel_backward(R scale, const Spectrum<R>& x, R* out)
+{
+    const R *const body = x.re, *const first = x.first;
+    odd_real_inverse<n>(
+        [=](int k) ORK_INLINE_LAMBDA { return k == 0 ? together(*first, R(0)) : load_number(body + 2 * k); }, out);
+    if (scale != R(1))
+        for (int i = 0; i < n; ++i) out[i] *= scale;
+}
+
+// Lengths 2 i and 2 i + 1 of one precision; the first pair is not used.
 template <class R, class = std::make_integer_sequence<int, longest_small_real / 2>>
 struct SmallTable;
 template <class R, int... i>
 struct SmallTable<R, std::integer_sequence<int, i...>> {
-    static constexpr SmallForward<R> forward[] = {nullptr, small_forward<R, 2 * i + 2>...};
-    static constexpr SmallBackward<R> backward[] = {nullptr, small_backward<R, 2 * i + 2>...};
+    static constexpr SmallForward<R> even_forward[] = {nullptr, even_kernel_forward<R, 2 * i + 2>...};
+    static constexpr SmallBackward<R> even_backward[] = {nullptr, even_kernel_backward<R, 2 * i + 2>...};
+    static constexpr SmallForward<R> odd_forward[] = {odd_kernel_forward<R, 2 * i + 1>...};
+    static constexpr SmallBackward<R> odd_backward[] = {odd_kernel_backward<R, 2 * i + 1>...};
 };
 
 } // namespace ork::dft
