@@ -34,12 +34,9 @@
    stored; a backward one takes them back. How they are stored:
 
    - ORK_DFT_CONJUGATE_EVEN_STORAGE = ORK_DFT_COMPLEX_COMPLEX (default), CCE: X[k0, k1, ...] for k0 = 0 .. n0/2 and all
-     k1, k2, ..., as interleaved complex numbers; output strides and distance count complex numbers. A backward
-     transform reads nothing else, and not the imaginary parts that are zero by symmetry. In place the positions of the
-     real numbers count real ones, from the same begin: dimension 1 needs strides of at least n0/2 + 1 complex numbers
-     on one side and twice as many real ones on the other.
-   - ORK_DFT_COMPLEX_REAL: packed into real numbers as ORK_DFT_PACKED_FORMAT says, of rank 1 and 2 only. With R and I
-   for the real and imaginary parts of X and h = n/2 rounded down, a transform of length n is stored as
+     k1, k2, ..., as interleaved complex numbers; output strides and distance count complex numbers.
+   - ORK_DFT_COMPLEX_REAL: packed into real numbers as ORK_DFT_PACKED_FORMAT says, of rank 1 and 2 only. With R and
+     I for the real and imaginary parts of X and h = n/2 rounded down, a transform of length n is stored as
 
          CCS   n even:  R0 0 R1 I1 R2 I2 ... R(h-1) I(h-1) Rh 0       n + 2 numbers
                n odd:   R0 0 R1 I1 R2 I2 ... Rh Ih                    n + 1
@@ -47,6 +44,23 @@
                n odd:   R0 R1 I1 R2 I2 ... Rh Ih                      n
          Perm  n even:  R0 Rh R1 I1 R2 I2 ... R(h-1) I(h-1)           n
                n odd:   as Pack
+
+     In two dimensions along dimension 0 first: for each k1 the parts of X[k0, k1], k0 = 0 .. n0/2, stand at the
+     positions of the packed vector of length n0. Those of 0 < k0 < n0/2 do so for k1 = 0 .. n1 - 1. X[0, k1] and, for
+     even n0, X[n0/2, k1] are conjugate-even in k1 themselves, so each is a packed vector of length n1 down its column,
+     the one of R0 or of R(n0/2). In CCS all else is 0: n0 + 2 by n1 + 2 numbers (+ 1 where a length is odd). Of n0 = 4,
+     n1 = 3, dimension 0 to the right:
+
+         CCS   R00  0    R10  I10  R20  0      Pack  R00  R10  I10  R20     Perm  R00  R20  R10  I10
+               0    0    R11  I11  0    0            R01  R11  I11  R21           R01  R21  R11  I11
+               R01  0    R12  I12  R21  0            I01  R12  I12  I21           I01  I21  R12  I12
+               I01  0    0    0    I21  0
+
+   A backward transform of one dimension reads no number that is 0 by symmetry.
+
+   In place both sides begin at the same number, and so does every line of dimension 0: input offset, distance and
+   strides but the first are twice those of the output in complex conjugate-even storage, and equal in packed formats.
+   Default strides have it so.
 
    ERRORS. Every routine returns a status, ORK_DFT_NO_ERROR or an error class; ork_dft_error_class tells whether a
    status is of a class. The descriptor keeps a text that names the parameter and the value. A failed call leaves the
