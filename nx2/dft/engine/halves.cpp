@@ -6,12 +6,21 @@
 
 namespace ork::dft {
 
+// Far from the caches longer runs pay: 1 KiB of a row at a time, while a group's scratch doesn't outgrow them (2 MiB).
+static std::int64_t vectors_of_group(std::int64_t n1, std::int64_t n2)
+{
+    if (n1 * n2 < 65536 * 2) return group_vectors;
+    const std::int64_t longest = n1 > n2 ? n1 : n2;
+    return longest <= 2048 ? 4 * group_vectors : 2 * group_vectors;
+}
+
 template <class R>
 bool build_halves(Plan<R>& plan, const Recipe& recipe, Arena& arena)
 {
     std::int64_t n1 = 1;
     for (int i = 0; i < recipe.passes[0]; ++i) n1 *= recipe.radices[0][i];
     const std::int64_t n2 = plan.n / n1;
+    plan.group = vectors_of_group(n1, n2);
     plan.columns.set(n1, recipe.radices[0], recipe.passes[0]);
     plan.rows.set(n2, recipe.radices[1], recipe.passes[1]);
     if (!plan.columns.build(arena) || !plan.rows.build(arena)) return false;
@@ -45,7 +54,7 @@ template <class R>
 std::size_t halves_work(const Plan<R>& plan)
 {
     const std::int64_t longest = plan.columns.n() > plan.rows.n() ? plan.columns.n() : plan.rows.n();
-    return static_cast<std::size_t>(group_vectors<R> * (longest + scratch_gap) * cell<R>) * sizeof(R);
+    return static_cast<std::size_t>(plan.group * (longest + scratch_gap) * cell<R>) * sizeof(R);
 }
 
 template <class R>
@@ -53,15 +62,16 @@ std::int64_t half_groups(const Plan<R>& plan, int half)
 {
     constexpr std::int64_t l = lanes<R>;
     const std::int64_t vectors = ((half == 0 ? plan.rows.n() : plan.columns.n()) + l - 1) / l;
-    return (vectors + group_vectors<R> - 1) / group_vectors<R>;
+    return (vectors + plan.group - 1) / plan.group;
 }
 
 // The columns or rows of a group: `vectors` full vectors side by side, then perhaps a single one, of which both lanes
 // are the same.
 template <class R, class Body>
-static void for_group(std::int64_t group, std::int64_t count, Body body)
+static void for_group(const Plan<R>& plan, std::int64_t group, std::int64_t count, Body body)
 {
-    constexpr std::int64_t l = lanes<R>, most = group_vectors<R>;
+    constexpr std::int64_t l = lanes<R>;
+    const std::int64_t most = plan.group;
     const std::int64_t from = group * most * l;
     const std::int64_t full = (count - from) / l < most ? (count - from) / l : most;
     if (full > 0) body(from, full, false);
@@ -73,7 +83,7 @@ static void columns_half(const Plan<R>& plan, std::int64_t group, const R* in, R
 {
     constexpr std::int64_t l = lanes<R>;
     const std::int64_t n1 = plan.columns.n(), n2 = plan.rows.n();
-    for_group<R>(group, n2, [&](std::int64_t j, std::int64_t vectors, bool single) {
+    for_group(plan, group, n2, [&](std::int64_t j, std::int64_t vectors, bool single) {
         Pass<R> a;
         a.in = in + 2 * j, a.in_step = 2 * n2, a.in_next = 2 * l, a.in_lane = single ? 0 : 2;
         a.ahead = 2;
@@ -112,7 +122,7 @@ static void rows_half(const Plan<R>& plan, bool backward, std::int64_t group, R 
     constexpr std::int64_t l = lanes<R>;
     const std::int64_t n = plan.n, n1 = plan.columns.n(), n2 = plan.rows.n(), row = 2 * matrix_row(plan);
     const std::int64_t next = (n2 + scratch_gap) * cell<R>;
-    for_group<R>(group, n1, [&](std::int64_t k, std::int64_t vectors, bool single) {
+    for_group(plan, group, n1, [&](std::int64_t k, std::int64_t vectors, bool single) {
         for (std::int64_t v = 0; v < vectors; ++v) {
             Pass<R> a;
             a.in = matrix + (k + v * l) * row, a.in_step = 2, a.in_lane = single ? 0 : row;

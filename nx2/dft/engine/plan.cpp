@@ -162,7 +162,7 @@ template <class R>
 std::int64_t vectors_at_once(std::int64_t n)
 {
     const std::int64_t fitting = scratch_cells / n;
-    return fitting < 1 ? 1 : fitting > group_vectors<R> ? group_vectors<R> : fitting;
+    return fitting < 1 ? 1 : fitting > group_vectors ? group_vectors : fitting;
 }
 
 // Transforms that are gathered at a time.
@@ -277,7 +277,7 @@ void transform(const Plan<R>& plan, Direction direction, R scale, const Place<R>
 template <class R>
 std::int64_t group(const Plan<R>&)
 {
-    return group_vectors<R> * lanes<R>;
+    return group_vectors * lanes<R>;
 }
 
 template <class R>

@@ -8,9 +8,8 @@
 
 namespace ork::dft {
 
-// Vectors that a long transform handles side by side: whole cache lines of columns come and go together.
-template <class R>
-inline constexpr std::int64_t group_vectors = 16 / lanes<R>;
+// Vectors of 16 bytes that are handled side by side: whole cache lines of columns come and go together.
+inline constexpr std::int64_t group_vectors = 16;
 // Cells between two vectors' scratch: their numbers would fall on the same cache sets otherwise.
 inline constexpr std::int64_t scratch_gap = 4;
 
@@ -46,8 +45,9 @@ public:
     Method method = Method::length;
     bool has_strided = false;
 
-    Vertical<R> columns, rows; // rows: of `turn` and `halves`; columns: of `halves`
-    Vertical<R> strided;       // the whole transform, for vectors with strides
+    Vertical<R> columns, rows;          // rows: of `turn` and `halves`; columns: of `halves`
+    std::int64_t group = group_vectors; // vectors of a group of columns or rows of `halves`
+    Vertical<R> strided;                // the whole transform, for vectors with strides
 
     const Kernels<R>* turn = nullptr;
     std::int64_t turn_radix = 0;
