@@ -86,10 +86,9 @@ void restore(Restoration& r, const RealTransform& transform)
     for (size_t i = 0; i < r.blurred.size(); ++i) r.blurred[i] += r.noise[i];
 
     r.observed = transform.forward(r.blurred);
-    double inverse_squares = 0;
     std::vector<Complex> model(r.observed.size()); // of 1/f, whose energy counts the redundant half too
     for (size_t k = 1; k < model.size(); ++k) model[k] = 1 / std::sqrt(r.distance2(k));
-    inverse_squares = static_cast<double>(transform.energy(model));
+    const auto inverse_squares = static_cast<double>(transform.energy(model));
     std::vector<Complex> varying = r.observed;
     varying[0] = 0;
     r.scale = (static_cast<double>(transform.energy(varying)) - n * n * noise_level * noise_level) / inverse_squares;
@@ -133,7 +132,7 @@ void verify(const Restoration& r, const RealTransform& transform, Report& report
     report.check("frequencies against sums in long double, of the root mean square",
                  std::max({picture.elements, observed.elements, restored.elements}), 1e-13);
 
-    double blur = 0, normal = 0, transfer = 0;
+    double blur = 0, gradient_size = 0, transfer = 0;
     for (const size_t at :
          {size_t{0}, columns - 1, n / 2 + 17, n - 1}) { // corners too: the picture goes on beyond them
         long double sum = r.noise[at];
@@ -154,11 +153,11 @@ void verify(const Restoration& r, const RealTransform& transform, Report& report
         // the estimate minimises |Y - H X'|^2 + N/S |X'|^2, so the gradient is zero there
         const Complex gradient = std::conj(r.transfer[k]) * (r.observed[k] - r.transfer[k] * r.estimate[k]) -
                                  r.noise_over_signal(k) * r.estimate[k];
-        keep_largest(normal, std::abs(gradient) / (std::abs(r.observed[k]) + 1));
+        keep_largest(gradient_size, std::abs(gradient) / (std::abs(r.observed[k]) + 1));
     }
     report.check("blurred pixels against sums over the whole picture, grey levels", blur, 1e-10);
     report.check("transform of the Gaussian against the formula", transfer, 1e-8);
-    report.check("gradient of what the restored picture minimises", normal, 1e-12);
+    report.check("gradient of what the restored picture minimises", gradient_size, 1e-12);
 }
 
 void draw(const std::string& file, const std::vector<std::pair<std::string, const Picture*>>& pictures)

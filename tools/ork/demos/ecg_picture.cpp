@@ -13,8 +13,8 @@ using Anchor = Svg::Anchor;
 using Points = std::vector<std::pair<double, double>>;
 
 constexpr double width = 1120, margin = 64, plot_width = width - 2 * margin;
-constexpr double from = 2, shown = 6;             // s of the signal
-constexpr double near_from = 9.5, near_shown = 1; // s, enlarged
+constexpr double from = 2, shown = 6; // s of the signal
+constexpr double near_shown = 0.3;    // s, enlarged
 constexpr const char *quiet = "#667", *before_colour = "#d55e00", *after_colour = "#0072b2", *beat_colour = "#009e73";
 
 void heading(Svg& svg, double y, const std::string& title, const std::string& note)
@@ -33,11 +33,11 @@ public:
         low_ = *low;
         high_ = std::max(*high, *low + 1e-9);
         svg.frame(margin, y, plot_width, height, "#d0d0d8");
-        const double step = duration > 2 ? 1 : 0.1;
+        const double step = duration > 2 ? 1 : 0.05;
         for (int i = 0; i * step <= duration + 1e-9; ++i) {
             const double x = margin + plot_width * i * step / duration;
             svg.line(x, y + height, x, y + height + 4, "#889");
-            svg.text(x, y + height + 17, fmt::format("{:.1f} s", start + i * step), 11, Anchor::middle, quiet);
+            svg.text(x, y + height + 17, fmt::format("{:.2f} s", start + i * step), 11, Anchor::middle, quiet);
         }
     }
     void draw(const std::vector<double>& signal, const char* colour, double thickness)
@@ -60,6 +60,19 @@ private:
     Svg& svg_;
     double y_, height_, start_, duration_, low_, high_;
 };
+
+// Where the signal of the duration shown enlarged has the smallest range.
+double stillest(const std::vector<double>& signal)
+{
+    const auto length = static_cast<std::ptrdiff_t>(near_shown * sample_rate);
+    std::ptrdiff_t best = 0;
+    double least = 1e300;
+    for (std::ptrdiff_t at = 0; at + length < static_cast<std::ptrdiff_t>(signal.size()); at += 36) {
+        const auto [low, high] = std::minmax_element(signal.begin() + at, signal.begin() + at + length);
+        if (*high - *low < least) least = *high - *low, best = at;
+    }
+    return static_cast<double>(best) / sample_rate;
+}
 
 // Amplitude by frequency on a logarithmic scale, the largest of each pixel's frequencies.
 void draw_spectrum(Svg& svg, double y, double height, const Ecg& e)
@@ -116,8 +129,8 @@ void draw_ecg(const std::string& file, const Ecg& e)
         svg.line(signal.x(time), 132, signal.x(time), 390, beat_colour, 0.8, "3 4");
     }
 
-    heading(svg, 446, "The hum, enlarged", "One second, before (orange) and after (blue).");
-    Strip near(svg, 478, 130, near_from, near_shown, e.signal);
+    heading(svg, 446, "The hum, enlarged", "The stillest 0.3 s, before (orange) and after (blue).");
+    Strip near(svg, 478, 130, stillest(e.clean), near_shown, e.signal);
     near.draw(e.signal, before_colour, 1);
     near.draw(e.clean, after_colour, 1.4);
 
