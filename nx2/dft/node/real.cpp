@@ -64,11 +64,10 @@ std::int32_t plan_real(ork_dft_node& head)
     head.engine = small ? ORK_DFT_ENGINE_SMALL_REAL : ORK_DFT_ENGINE_REAL;
     head.general = small ? 0 : 1;
     node->packing = packing;
-    const std::int64_t vectors = head.size / head.length * head.transforms;
-    if (make_real_plan<R>(head.length, &node->plan, vectors) != 0) return ORK_DFT_NO_MEMORY;
+    if (make_real_plan<R>(head.length, &node->plan) != 0) return ORK_DFT_NO_MEMORY;
     if (in_pack && head.rank == 2) {
         RealPlan<R>* second = nullptr;
-        if (make_real_plan<R>(head.dimensions[1].length, &second, 2 * head.transforms) != 0) return ORK_DFT_NO_MEMORY;
+        if (make_real_plan<R>(head.dimensions[1].length, &second) != 0) return ORK_DFT_NO_MEMORY;
         node->columns = {nullptr, second, head.length, packing};
     }
     head.workspace_bytes = static_cast<std::int64_t>(work_bytes(*node->plan));

@@ -1,17 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Transforms of real numbers, one or many, between any places: even lengths by complex transforms of half the length,
-// odd ones one by one or two as the parts of one complex transform.
+// Transforms of real numbers, one or many, between any places; even lengths by complex transforms of half the length.
 #include "dft/real/real_plan.h"
 
 namespace ork::dft {
 
 namespace {
-
-template <class R>
-Place<R> from_transform(Place<R> p, std::int64_t t)
-{
-    return {p.re + t * p.distance, p.im == nullptr ? nullptr : p.im + t * p.distance, p.stride, p.distance};
-}
 
 // Whether any byte between the first and the last number of one place may belong to the other.
 template <class R>
@@ -79,63 +72,6 @@ void complex_transform(const RealPlan<R>& plan, Direction direction, const Place
         transform(*plan.complex, direction, R(1), in, out, count, work);
 }
 
-template <class Body>
-void in_blocks(std::int64_t count, std::int64_t block, Body body)
-{
-    for (std::int64_t t = 0; t < count; t += block) body(t, count - t < block ? count - t : block);
-}
-
-// The parts of the transform of x + i y: with Y' = conj(Y[n-k]), X = (Y + Y')/2 and, for the other, (Y - Y')/(2i).
-template <class R>
-void separate(std::int64_t n, R scale, const R* y, const Spectrum<R>& a, const Spectrum<R>& b)
-{
-    const R half = scale / 2;
-    a.first[0] = scale == R(1) ? y[0] : scale * y[0];
-    b.first[0] = scale == R(1) ? y[1] : scale * y[1];
-    for (std::int64_t k = 1; k <= n / 2; ++k) {
-        const R re = y[2 * k], im = y[2 * k + 1], mirror_re = y[2 * (n - k)], mirror_im = y[2 * (n - k) + 1];
-        a.re[k * a.stride] = half * (re + mirror_re), a.im[k * a.stride] = half * (im - mirror_im);
-        b.re[k * b.stride] = half * (im + mirror_im), b.im[k * b.stride] = half * (mirror_re - re);
-    }
-    if (a.zero_first != nullptr) *a.zero_first = *b.zero_first = 0;
-}
-template <class R>
-void unite(std::int64_t n, const Spectrum<R>& a, const Spectrum<R>& b, R* y)
-{
-    y[0] = a.first[0], y[1] = b.first[0];
-    for (std::int64_t k = 1; k <= n / 2; ++k) {
-        const Complex<R> p(a.re[k * a.stride], a.im[k * a.stride]), q(b.re[k * b.stride], b.im[k * b.stride]);
-        y[2 * k] = p.re - q.im, y[2 * k + 1] = p.im + q.re;
-        y[2 * (n - k)] = p.re + q.im, y[2 * (n - k) + 1] = q.re - p.im;
-    }
-}
-
-// A short odd length whose spectrum may have gaps; then it passes through `line`, n + 1 numbers.
-template <class R>
-bool dense(const Spectrum<R>& x)
-{
-    return x.stride == 2 && x.im == x.re + 1;
-}
-template <class R>
-void small_forward(const RealPlan<R>& plan, R scale, const R* in, const Spectrum<R>& x, R* line)
-{
-    if (dense(x)) return plan.small_forward(scale, in, x);
-    plan.small_forward(scale, in, spectrum(Packing::cce, plan.n, Place<R>{line, line + 1, 2, 0}));
-    *x.first = line[0];
-    for (std::int64_t k = 1; k <= plan.n / 2; ++k)
-        x.re[k * x.stride] = line[2 * k], x.im[k * x.stride] = line[2 * k + 1];
-    if (x.zero_first != nullptr) *x.zero_first = 0;
-}
-template <class R>
-void small_backward(const RealPlan<R>& plan, R scale, const Spectrum<R>& x, R* out, R* line)
-{
-    if (dense(x)) return plan.small_backward(scale, x, out);
-    line[0] = *x.first;
-    for (std::int64_t k = 1; k <= plan.n / 2; ++k)
-        line[2 * k] = x.re[k * x.stride], line[2 * k + 1] = x.im[k * x.stride];
-    plan.small_backward(scale, spectrum(Packing::cce, plan.n, Place<R>{line, line + 1, 2, 0}), out);
-}
-
 } // namespace
 
 template <class R>
@@ -167,85 +103,6 @@ void even_backward(const RealPlan<R>& plan, Packing packing, R scale, const Plac
 }
 
 template <class R>
-void odd_forward(const RealPlan<R>& plan, Packing packing, R scale, const Place<R>& in, const Place<R>& out,
-                 std::int64_t count, void* work)
-{
-    const std::int64_t n = plan.n, pairs = plan.complex == nullptr ? 0 : count / 2;
-    const Place<R> y = lines(plan, work);
-    in_blocks(pairs, plan.lines, [&](std::int64_t pair, std::int64_t some) {
-        const R* x = in.re + 2 * pair * in.distance;
-        transform(*plan.complex, Direction::forward, R(1),
-                  Place<R>{const_cast<R*>(x), const_cast<R*>(x) + in.distance, in.stride, 2 * in.distance}, y, some,
-                  work);
-        for (std::int64_t i = 0; i < some; ++i)
-            separate(n, scale, y.re + i * y.distance, spectrum(packing, n, from_transform(out, 2 * (pair + i))),
-                     spectrum(packing, n, from_transform(out, 2 * (pair + i) + 1)));
-    });
-    for (std::int64_t t = 2 * pairs; t < count; ++t) {
-        const R* from = in.re + t * in.distance;
-        const Spectrum<R> x = spectrum(packing, n, from_transform(out, t));
-        if (plan.odd != nullptr || plan.small_forward != nullptr) {
-            if (in.stride != 1) {
-                for (std::int64_t j = 0; j < n; ++j) y.re[j] = from[j * in.stride];
-                from = y.re;
-            }
-            if (plan.odd != nullptr)
-                forward(*plan.odd, scale, from, x, work);
-            else
-                small_forward(plan, scale, from, x, y.re);
-            continue;
-        }
-        for (std::int64_t j = 0; j < n; ++j) y.re[2 * j] = from[j * in.stride], y.re[2 * j + 1] = 0;
-        complex_transform(plan, Direction::forward, y, y, 1, work);
-        x.first[0] = scale == R(1) ? y.re[0] : scale * y.re[0];
-        for (std::int64_t k = 1; k <= n / 2; ++k) {
-            Complex<R> value(y.re[2 * k], y.re[2 * k + 1]);
-            if (scale != R(1)) value = scale * value;
-            x.re[k * x.stride] = value.re, x.im[k * x.stride] = value.im;
-        }
-        if (x.zero_first != nullptr) *x.zero_first = 0;
-    }
-}
-
-template <class R>
-void odd_backward(const RealPlan<R>& plan, Packing packing, R scale, const Place<R>& in, const Place<R>& out,
-                  std::int64_t count, void* work)
-{
-    const std::int64_t n = plan.n, pairs = plan.complex == nullptr ? 0 : count / 2;
-    const Place<R> y = lines(plan, work);
-    in_blocks(pairs, plan.lines, [&](std::int64_t pair, std::int64_t some) {
-        for (std::int64_t i = 0; i < some; ++i)
-            unite(n, spectrum(packing, n, from_transform(in, 2 * (pair + i))),
-                  spectrum(packing, n, from_transform(in, 2 * (pair + i) + 1)), y.re + i * y.distance);
-        R* const x = out.re + 2 * pair * out.distance;
-        transform(*plan.complex, Direction::backward, scale, y,
-                  Place<R>{x, x + out.distance, out.stride, 2 * out.distance}, some, work);
-    });
-    for (std::int64_t t = 2 * pairs; t < count; ++t) {
-        const Spectrum<R> x = spectrum(packing, n, from_transform(in, t));
-        R* const to = out.re + t * out.distance;
-        if (plan.odd != nullptr || plan.small_backward != nullptr) {
-            R* const numbers = out.stride == 1 ? to : y.re;
-            if (plan.odd != nullptr)
-                backward(*plan.odd, scale, x, numbers, work);
-            else
-                small_backward(plan, scale, x, numbers, y.re);
-            if (out.stride != 1)
-                for (std::int64_t j = 0; j < n; ++j) to[j * out.stride] = y.re[j];
-            continue;
-        }
-        y.re[0] = x.first[0], y.re[1] = 0;
-        for (std::int64_t k = 1; k <= n / 2; ++k) {
-            const R re = x.re[k * x.stride], im = x.im[k * x.stride];
-            y.re[2 * k] = re, y.re[2 * k + 1] = im;
-            y.re[2 * (n - k)] = re, y.re[2 * (n - k) + 1] = -im;
-        }
-        complex_transform(plan, Direction::backward, y, y, 1, work);
-        for (std::int64_t j = 0; j < n; ++j) to[j * out.stride] = scale == R(1) ? y.re[2 * j] : scale * y.re[2 * j];
-    }
-}
-
-template <class R>
 void forward(const RealPlan<R>& plan, Packing packing, R scale, const Place<R>& in, const Place<R>& out,
              std::int64_t count, void* work)
 {
@@ -265,8 +122,6 @@ void backward(const RealPlan<R>& plan, Packing packing, R scale, const Place<R>&
 }
 
 #define INSTANTIATE(R)                                                                                                 \
-    template void odd_forward(const RealPlan<R>&, Packing, R, const Place<R>&, const Place<R>&, std::int64_t, void*);  \
-    template void odd_backward(const RealPlan<R>&, Packing, R, const Place<R>&, const Place<R>&, std::int64_t, void*); \
     template void forward(const RealPlan<R>&, Packing, R, const Place<R>&, const Place<R>&, std::int64_t, void*);      \
     template void backward(const RealPlan<R>&, Packing, R, const Place<R>&, const Place<R>&, std::int64_t, void*);
 INSTANTIATE(float)

@@ -55,51 +55,49 @@ int plan_even(RealPlan<R>& plan)
 }
 
 template <class R>
-int plan_odd(RealPlan<R>& plan, std::int64_t transforms)
+int plan_odd(RealPlan<R>& plan)
 {
-    const bool small = plan.n < longest_small_real;
-    if (small) {
+    plan.group = 8; // neighbours in a matrix whose numbers share cache lines
+    plan.line = plan.n + 1;
+    if (plan.n < longest_small_real) {
         plan.small_forward = small_odd_forward<R>(plan.n);
         plan.small_backward = small_odd_backward<R>(plan.n);
-    } else if (make_odd_plan(plan.n, &plan.odd) != 0) {
-        return 1;
+        return 0;
     }
-    plan.group = 2;
-    if ((plan.odd == nullptr && !small) || transforms > 1) {
-        if (make_plan(plan.n, &plan.complex) != 0) return 1;
-        plan.group = 2 * group(*plan.complex);
-    }
-    plan.line = 2 * plan.n + 2;
-    return 0;
+    if (make_odd_plan(plan.n, &plan.odd) != 0) return 1;
+    return plan.odd == nullptr ? make_plan(plan.n, &plan.complex) : 0;
 }
+
+std::size_t whole_lines(std::size_t bytes) { return (bytes + 63) / 64 * 64; }
 
 } // namespace
 
 template <class R>
-int make_real_plan(std::int64_t n, RealPlan<R>** result, std::int64_t transforms)
+int make_real_plan(std::int64_t n, RealPlan<R>** result)
 {
     auto* plan = allocate<RealPlan<R>>(1);
     if (plan == nullptr) return 1;
     *plan = {};
     plan->n = n;
     const bool even = n % 2 == 0;
-    if ((even ? plan_even(*plan) : plan_odd(*plan, transforms)) != 0) {
+    if ((even ? plan_even(*plan) : plan_odd(*plan)) != 0) {
         free_real_plan(plan);
         return 1;
     }
     const std::int64_t bytes = n * static_cast<std::int64_t>(sizeof(R)), fit = block_bytes / bytes / plan->group;
     plan->block = (fit < 1 ? 1 : fit > 64 ? 64 : fit) * plan->group;
     // Long transforms go through work memory in fours, half a cache line of each column of a matrix.
-    plan->lines = even ? plan->block : plan->block / 2;
+    plan->lines = plan->block;
     if (plan->lines > 4 && plan->lines * plan->line * static_cast<std::int64_t>(sizeof(R)) > 4 * block_bytes)
         plan->lines = 4;
-    std::size_t engine = 0;
+    std::size_t inner = plan->odd != nullptr ? work_bytes(*plan->odd) : 0;
     if (plan->complex != nullptr) {
         const std::size_t one = work_bytes(*plan->complex), many = work_bytes(*plan->complex, plan->block);
-        engine = one > many ? one : many;
+        inner = one > many ? one : many;
     }
-    if (plan->odd != nullptr && engine < work_bytes(*plan->odd)) engine = work_bytes(*plan->odd);
-    plan->lines_offset = (engine + 63) / 64 * 64;
+    plan->whole_offset = whole_lines(inner);
+    plan->lines_offset = plan->whole_offset;
+    if (!even && plan->complex != nullptr) plan->lines_offset += whole_lines(static_cast<std::size_t>(2 * bytes));
     plan->work_bytes = plan->lines_offset + static_cast<std::size_t>(plan->lines * plan->line) * sizeof(R);
     *result = plan;
     return 0;
@@ -132,7 +130,7 @@ std::int64_t group(const RealPlan<R>& plan)
 }
 
 #define INSTANTIATE(R)                                                                                                 \
-    template int make_real_plan(std::int64_t, RealPlan<R>**, std::int64_t);                                            \
+    template int make_real_plan(std::int64_t, RealPlan<R>**);                                                          \
     template void free_real_plan(RealPlan<R>*);                                                                        \
     template std::int64_t length(const RealPlan<R>&);                                                                  \
     template std::size_t work_bytes(const RealPlan<R>&);                                                               \

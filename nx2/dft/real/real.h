@@ -30,10 +30,9 @@ constexpr std::int64_t packed_length(Packing packing, std::int64_t n)
 template <class R>
 class RealPlan;
 
-// Status 0, or 1 when there is no memory (nothing is left behind then). n >= 1. `transforms` is how many are meant to
-// be computed at once: for more than one, plans of odd lengths also hold what makes pairs of transforms faster.
+// Status 0, or 1 when there is no memory (nothing is left behind then). n >= 1.
 template <class R>
-int make_real_plan(std::int64_t n, RealPlan<R>** plan, std::int64_t transforms = 1);
+int make_real_plan(std::int64_t n, RealPlan<R>** plan);
 template <class R>
 void free_real_plan(RealPlan<R>* plan); // null is fine
 template <class R>

@@ -15,14 +15,15 @@ public:
     std::int64_t n;
     SmallForward<R> small_forward; // null: none for this length
     SmallBackward<R> small_backward;
-    Plan<R>* complex; // of length n/2 for even n, of length n for odd; null when `odd` does without
+    Plan<R>* complex; // of length n/2 for even n; of length n for odd n that goes no other way, or else null
     Complex<R>* g;    // even n: constants of half_length.h for k = 1 ...
     OddPlan<R>* odd;  // odd n with small factors, or null
 
-    std::int64_t group; // transforms that are best done at once
-    std::int64_t block; // those done at once, so that both sides stay in the second-level cache
-    std::int64_t line;  // real numbers of one transform (odd n: of a pair) in work memory
-    std::int64_t lines; // so many of them there
+    std::int64_t group;       // transforms that are best done at once
+    std::int64_t block;       // those done at once, so that both sides stay in the second-level cache
+    std::int64_t line;        // real numbers of one transform in work memory
+    std::int64_t lines;       // so many of them there
+    std::size_t whole_offset; // odd n with a complex plan: n complex numbers
     std::size_t lines_offset, work_bytes;
 };
 
@@ -42,18 +43,29 @@ inline Spectrum<R> spectrum(Packing packing, std::int64_t n, const Place<R>& p)
     return {p.re - s, p.re, 2 * s, p.distance, p.re, p.re + (n - 1) * s, nullptr, nullptr};
 }
 
-// Batches of each kind; the plan has what they need.
+// One contiguous transform of odd length; all of `in` is read before anything is written. The spectrum is dense.
 template <class R>
-void even_forward(const RealPlan<R>& plan, Packing packing, R scale, const Place<R>& in, const Place<R>& out,
-                  std::int64_t count, void* work);
+void odd_forward(const RealPlan<R>& plan, R scale, const R* in, const Spectrum<R>& x, void* work);
 template <class R>
-void even_backward(const RealPlan<R>& plan, Packing packing, R scale, const Place<R>& in, const Place<R>& out,
-                   std::int64_t count, void* work);
+void odd_backward(const RealPlan<R>& plan, R scale, const Spectrum<R>& x, R* out, void* work);
+
+// Many of odd length.
 template <class R>
 void odd_forward(const RealPlan<R>& plan, Packing packing, R scale, const Place<R>& in, const Place<R>& out,
                  std::int64_t count, void* work);
 template <class R>
 void odd_backward(const RealPlan<R>& plan, Packing packing, R scale, const Place<R>& in, const Place<R>& out,
                   std::int64_t count, void* work);
+
+template <class R>
+inline Place<R> from_transform(const Place<R>& p, std::int64_t t)
+{
+    return {p.re + t * p.distance, p.im == nullptr ? nullptr : p.im + t * p.distance, p.stride, p.distance};
+}
+template <class Body>
+inline void in_blocks(std::int64_t count, std::int64_t block, Body body)
+{
+    for (std::int64_t t = 0; t < count; t += block) body(t, count - t < block ? count - t : block);
+}
 
 } // namespace ork::dft

@@ -37,7 +37,7 @@ void forward(const RealPlan<R>& plan, Packing packing, R scale, const R* in, R* 
     const Place<R> to = contiguous(packing, out);
     const Spectrum<R> x = spectrum(packing, plan.n, to);
     if (plan.small_forward != nullptr) return plan.small_forward(scale, in, x);
-    if (plan.n % 2 != 0) return odd_forward(plan, packing, scale, real_numbers(const_cast<R*>(in), 1, 0), to, 1, work);
+    if (plan.n % 2 != 0) return odd_forward(plan, scale, in, x, work);
     R* const z = half_length_place(plan, packing, out, work);
     transform(*plan.complex, Direction::forward, R(1), pairs(in), pairs(z), work);
     postprocess(plan.n / 2, plan.g, scale, Place<R>{z, z + 1, 2, 0}, x, 1);
@@ -49,7 +49,7 @@ void backward(const RealPlan<R>& plan, Packing packing, R scale, const R* in, R*
     const Place<R> from = contiguous(packing, const_cast<R*>(in));
     const Spectrum<R> x = spectrum(packing, plan.n, from);
     if (plan.small_backward != nullptr) return plan.small_backward(scale, x, out);
-    if (plan.n % 2 != 0) return odd_backward(plan, packing, scale, from, real_numbers(out, 1, 0), 1, work);
+    if (plan.n % 2 != 0) return odd_backward(plan, scale, x, out, work);
     R* const z = half_length_place(plan, in == out ? packing : Packing::cce, out, work);
     preprocess(plan.n / 2, plan.g, scale, x, Place<R>{z, z + 1, 2, 0}, 1);
     transform(*plan.complex, Direction::backward, R(1), pairs<R>(z), pairs(out), work);
