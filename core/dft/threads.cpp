@@ -39,6 +39,13 @@ std::int32_t run(const ork_dft_node* node, const ork_dft_call& call, const ork_d
     return status.load(std::memory_order_relaxed);
 }
 
+std::int64_t most_units(const ork_dft_node& node, Direction direction)
+{
+    std::int64_t most = 0;
+    for (int i = 0; i < node.stages[direction]; ++i) most = std::max(most, node.stage[direction][i].units);
+    return most;
+}
+
 std::int32_t alone(ork_dft_node* node, Direction direction, void* const* arrays)
 {
     return (direction == forward ? node->forward : node->backward)(node, arrays);
@@ -48,11 +55,12 @@ std::int32_t alone(ork_dft_node* node, Direction direction, void* const* arrays)
 
 int useful_threads(const Parameters& p, const ork_dft_node& node)
 {
-    if (node.stages[forward] == 0 || node.stages[backward] == 0) return 1;
+    const std::int64_t units = std::min(most_units(node, forward), most_units(node, backward));
     const double n = static_cast<double>(numbers(p, most_numbers));
     const double operations = (p.real() ? 2.5 : 5) * n * std::log2(n) * static_cast<double>(p.transforms);
-    const int allowed = p.thread_limit > 0 ? static_cast<int>(p.thread_limit) : threads::most_threads;
-    return static_cast<int>(std::clamp(operations / operations_per_thread, 1.0, static_cast<double>(allowed)));
+    const std::int64_t limit = p.thread_limit > 0 ? p.thread_limit : threads::most_threads;
+    const auto allowed = static_cast<double>(std::max<std::int64_t>(std::min(limit, units), 1));
+    return static_cast<int>(std::clamp(operations / operations_per_thread, 1.0, allowed));
 }
 
 std::int32_t compute(ork_dft_node* node, Direction direction, void* const* arrays, int threads)

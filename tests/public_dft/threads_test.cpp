@@ -29,12 +29,12 @@ const Work works[] = {
     {"batch", ORK_DFT_COMPLEX, {256}, 301, true},
     {"batch of an odd length", ORK_DFT_COMPLEX, {105}, 333, false},
     {"one long", ORK_DFT_COMPLEX, {1 << 15}, 1, true},
-    {"one long, not a power of two", ORK_DFT_COMPLEX, {30030}, 1, false},
-    {"two dimensions", ORK_DFT_COMPLEX, {120, 128}, 1, true},
+    {"one long, not a power of two", ORK_DFT_COMPLEX, {786432}, 1, false},
+    {"two dimensions", ORK_DFT_COMPLEX, {256, 243}, 1, true},
     {"three dimensions", ORK_DFT_COMPLEX, {20, 66, 24}, 2, false},
     {"real batch", ORK_DFT_REAL, {250}, 300, true},
     {"one long of real data", ORK_DFT_REAL, {1 << 16}, 1, false},
-    {"two dimensions of real data", ORK_DFT_REAL, {150, 140}, 1, false},
+    {"two dimensions of real data", ORK_DFT_REAL, {500, 512}, 1, false},
 };
 
 // The array of results (both directions, one behind the other) of a computation that may use so many threads.
@@ -86,6 +86,31 @@ TYPED_TEST(DftThreads, TheirNumberDoesNotChangeABit)
             EXPECT_EQ(std::memcmp(got.data(), serial.data(), serial.size() * sizeof(TypeParam)), 0);
         }
     }
+}
+
+// Counts the parts that a call hands out.
+int parts_of(const Work& work, int threads, int thread_limit)
+{
+    int parts = 0;
+    const auto count = [](void* user, int strands, ork_part run, void* context) {
+        *static_cast<int*>(user) += strands;
+        for (int i = 0; i < strands; ++i) run(context, i);
+    };
+    ork_set_parallel_backend(count, &parts);
+    results<double>(work, threads, threads, thread_limit);
+    ork_set_parallel_backend(nullptr, nullptr);
+    return parts;
+}
+
+TEST(DftCallers, LongComputationsUseThreadsAndShortOnesDoNot)
+{
+    for (const Work& work : works) {
+        SCOPED_TRACE(work.name);
+        EXPECT_GE(parts_of(work, 2, 0), 4); // two directions
+        EXPECT_EQ(parts_of(work, 1, 0), 0);
+        EXPECT_EQ(parts_of(work, 2, 1), 0);
+    }
+    EXPECT_EQ(parts_of({"short", ORK_DFT_COMPLEX, {64}, 10, true}, 2, 0), 0);
 }
 
 // One descriptor in eight threads, while another eight commit and compute with descriptors of their own.
