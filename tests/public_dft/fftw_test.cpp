@@ -62,6 +62,15 @@ TEST(Fftw, ProgramsRunUnchanged)
 }
 #endif
 
+#ifdef ORK_FORTRAN_PROGRAM
+TEST(Fftw, FortranProgramsRun)
+{
+    if (sanitized) GTEST_SKIP() << "the program does not start with a sanitizer's run-time";
+    const auto run = run_program({ORK_BIN_DIR "/ork_fftw_fortran"}, {on_ork});
+    EXPECT_TRUE(run.ok()) << run.describe();
+}
+#endif
+
 TEST(Fftw, Octave)
 {
     if (sanitized) GTEST_SKIP() << "the program does not start with a sanitizer's run-time";
