@@ -60,7 +60,9 @@ int useful_threads(const Parameters& p, const ork_dft_node& node)
     const double operations = (p.real() ? 2.5 : 5) * n * std::log2(n) * static_cast<double>(p.transforms);
     const std::int64_t limit = p.thread_limit > 0 ? p.thread_limit : threads::most_threads;
     const auto allowed = static_cast<double>(std::max<std::int64_t>(std::min(limit, units), 1));
-    return static_cast<int>(std::clamp(operations / operations_per_thread, 1.0, allowed));
+    const bool staged = node.stages[forward] > 1;
+    const double each = staged ? staged_operations_per_thread : operations_per_thread;
+    return static_cast<int>(std::clamp(operations / each, 1.0, allowed));
 }
 
 std::int32_t compute(ork_dft_node* node, Direction direction, void* const* arrays, int threads)

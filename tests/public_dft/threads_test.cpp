@@ -26,14 +26,14 @@ struct Work {
 
 // Long enough to be divided, short enough for any engine.
 const Work works[] = {
-    {"batch", ORK_DFT_COMPLEX, {256}, 301, true},
+    {"batch", ORK_DFT_COMPLEX, {256}, 401, true},
     {"batch of an odd length", ORK_DFT_COMPLEX, {105}, 333, false},
-    {"one long", ORK_DFT_COMPLEX, {1 << 15}, 1, true},
-    {"one long, not a power of two", ORK_DFT_COMPLEX, {786432}, 1, false},
-    {"two dimensions", ORK_DFT_COMPLEX, {256, 243}, 1, true},
-    {"three dimensions", ORK_DFT_COMPLEX, {20, 66, 24}, 2, false},
-    {"real batch", ORK_DFT_REAL, {250}, 300, true},
-    {"one long of real data", ORK_DFT_REAL, {1 << 16}, 1, false},
+    {"one long", ORK_DFT_COMPLEX, {1 << 17}, 1, true},
+    {"one long, not a power of two", ORK_DFT_COMPLEX, {200000}, 1, false},
+    {"two dimensions", ORK_DFT_COMPLEX, {320, 384}, 1, true},
+    {"three dimensions", ORK_DFT_COMPLEX, {30, 66, 32}, 2, false},
+    {"real batch", ORK_DFT_REAL, {250}, 800, true},
+    {"one long of real data", ORK_DFT_REAL, {1 << 18}, 1, false},
     {"two dimensions of real data", ORK_DFT_REAL, {500, 512}, 1, false},
 };
 
