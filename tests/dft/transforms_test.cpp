@@ -136,6 +136,17 @@ TYPED_TEST(Transforms, OfSeveralDimensions)
     }
 }
 
+TYPED_TEST(Transforms, OfLongColumnsFarApart)
+{
+    // 21 columns: 16, 8 or 4 at a time and a remainder, as much as the cache is said to hold.
+    const Side matrix = {{21, 800}, {1, 520}, 1, 0, 0}, other = {{21, 800}, {1, 525}, 1, 0, 3};
+    for (const Int level2 : {280 << 10, 140 << 10, 70 << 10}) {
+        this->core->level2_size = is_double<TypeParam> ? level2 : level2 / 2;
+        check<TypeParam>({matrix, matrix, true, false}, 1);
+        check<TypeParam>({matrix, other, false, false}, 3);
+    }
+}
+
 TYPED_TEST(Transforms, OfBatchesThatHaveTheirOwnPlan)
 {
     for (const Int n : {65, 66, 77, 100, 127, 130, 255})

@@ -123,7 +123,26 @@ private:
         first_ = false;
         for (int space = 0; space < 3; ++space) pass.stride[space] = all_.loops.loop[i].stride[space];
         set_loops(pass, all_.loops, i, size);
+        if (pass.kind == Kind::complex && size == all_.loops.size) gather_columns(pass);
         return pass;
+    }
+
+    // Where a matrix does not stay in cache, its rows are pages apart, and columns are long, the engine's passes over
+    // them would wait for memory again and again. As many as stay in cache are then gathered, which moves whole cache
+    // lines once: columns of 1000 and 1024 double numbers run 1.3 times as fast, of 512 no faster.
+    void gather_columns(Pass& pass) const
+    {
+        constexpr std::int64_t worthwhile = 768;
+        const std::int64_t length = pass.node->length, number = 2 * sizeof(R);
+        const std::int64_t matrix = length * pass.inner.count * number;
+        if (split(list_.head()) || length < worthwhile || matrix <= cached_bytes()) return;
+        for (const Space space : {pass.from, pass.to})
+            if (pass.inner.stride[space] != 2 || magnitude(pass.stride[space]) * number / 2 < 4096) return;
+        for (const int width : {16, 8, 4})
+            if (width * (length + column_padding) * number <= cached_bytes()) {
+                pass.kind = Kind::gathered, pass.width = width;
+                return;
+            }
     }
     void add_work(Stage& stage, const Pass& pass) const
     {
@@ -160,6 +179,7 @@ private:
                                        ? ork::dft::group(*static_cast<const RealNode<R>*>(pass.plan)->plan)
                                        : ork::dft::group(plan_of<R>(pass.plan));
         stage.block = (worthwhile / pass.node->length + group) / group * group;
+        if (pass.kind == Kind::gathered) stage.block = pass.width;
         if (pass.kind == Kind::batched) stage.block = (pass.node->batched->batch + group - 1) / group * group;
         stage.blocks = (pass.inner.count + stage.block - 1) / stage.block;
         list_.add(stage.outer.count() * stage.blocks, run_columns<R>, {reinterpret_cast<std::int64_t>(&stage)});

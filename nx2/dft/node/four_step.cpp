@@ -60,19 +60,19 @@ std::int32_t step_1_2(const ork_dft_four_step& plan, std::int32_t direction, con
         std::int32_t statuses = ORK_DFT_OK;
         for (std::int64_t j = first; j < end; j += group_of_vectors) {
             const int width = static_cast<int>(end - j < group_of_vectors ? end - j : group_of_vectors);
-            if (width == group_of_vectors) gather<group_of_vectors>(in + j, n2, n1, buffer);
+            if (width == group_of_vectors) gather<group_of_vectors>(in + j, n2, n1, buffer, n1);
             for (int c = 0; c < width; ++c) {
                 Complex<R>* const column = buffer + c * n1;
-                if (width < group_of_vectors) gather<1>(in + j + c, n2, n1, column);
+                if (width < group_of_vectors) gather<1>(in + j + c, n2, n1, column, n1);
                 statuses |= kernel(column, column, plan.column_plan, &argument);
                 Complex<R>* const to = plan.mode == 0 ? column : out + (j + c) * n1;
                 multiply_by_roots(root, j + c, n1, column, to, direction);
             }
             if (plan.mode != 0) continue;
             if (width == group_of_vectors)
-                scatter<group_of_vectors>(buffer, n1, out + j, n2);
+                scatter<group_of_vectors>(buffer, n1, n1, out + j, n2, in != out);
             else
-                scatter_some(width, buffer, n1, out + j, n2);
+                scatter_some(width, buffer, n1, out + j, n2, in != out);
         }
         return statuses;
     });
@@ -90,12 +90,12 @@ std::int32_t step_3(const ork_dft_four_step& plan, std::int32_t direction, R sca
         for (std::int64_t k = first; k < end; k += group_of_vectors) {
             const int width = static_cast<int>(end - k < group_of_vectors ? end - k : group_of_vectors);
             if (rows)
-                gather<1>(in + k * n2, 1, width * n2, buffer);
+                gather<1>(in + k * n2, 1, width * n2, buffer, width * n2);
             else if (width == group_of_vectors)
-                gather<group_of_vectors>(in + k, n1, n2, buffer);
+                gather<group_of_vectors>(in + k, n1, n2, buffer, n2);
             for (int c = 0; c < width; ++c) {
                 Complex<R>* const row = buffer + c * n2;
-                if (!rows && width < group_of_vectors) gather<1>(in + k + c, n1, n2, row);
+                if (!rows && width < group_of_vectors) gather<1>(in + k + c, n1, n2, row, n2);
                 const std::int32_t status = kernel(row, row, plan.row_plan, &argument);
                 if (status != ORK_DFT_OK) return status;
                 if (scale == R(1)) continue;
@@ -105,11 +105,11 @@ std::int32_t step_3(const ork_dft_four_step& plan, std::int32_t direction, R sca
                     ork_dft_nx2_dft_csscal(n2, scale, reinterpret_cast<ork_complex_float*>(row), 1);
             }
             if (rows)
-                scatter<1>(buffer, width * n2, out + k * n2, 1);
+                scatter<1>(buffer, width * n2, width * n2, out + k * n2, 1, in != out);
             else if (width == group_of_vectors)
-                scatter<group_of_vectors>(buffer, n2, out + k, n1);
+                scatter<group_of_vectors>(buffer, n2, n2, out + k, n1, in != out);
             else
-                scatter_some(width, buffer, n2, out + k, n1);
+                scatter_some(width, buffer, n2, out + k, n1, in != out);
         }
         return static_cast<std::int32_t>(ORK_DFT_OK);
     });

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "dft/node/run.h"
 #include "dft/node/batched.h"
+#include "dft/node/gather.h"
 #include "dft/node/real_node.h"
 
 namespace ork::dft {
@@ -53,6 +54,46 @@ private:
             forward<R>(*node.plan, node.packing, scale, in, out, count, work_);
         else
             backward<R>(*node.plan, node.packing, scale, in, out, count, work_);
+    }
+
+    // Every column by itself, so any division has the same bits.
+    void gathered(const Pass& pass, const Place<R>& in, const Place<R>& out, R scale, std::int64_t count) const
+    {
+        switch (pass.width) {
+        case 16:
+            return columns_of<16>(pass, in, out, scale, count);
+        case 8:
+            return columns_of<8>(pass, in, out, scale, count);
+        default:
+            return columns_of<4>(pass, in, out, scale, count);
+        }
+    }
+    template <int width>
+    void columns_of(const Pass& pass, const Place<R>& in, const Place<R>& out, R scale, std::int64_t count) const
+    {
+        using C = Complex<R>;
+        const Plan<R>& plan = plan_of<R>(pass.plan);
+        const std::int64_t n = pass.node->length, length = n + column_padding;
+        auto* const column = static_cast<C*>(work_);
+        void* const work = static_cast<char*>(work_) + gathered_bytes<R>(n, pass.width);
+        const auto* from = reinterpret_cast<const C*>(in.re);
+        auto* to = reinterpret_cast<C*>(out.re);
+        const bool cold = in.re != out.re;
+        for (std::int64_t left = count; left > 0; left -= width, from += width, to += width) {
+            const std::int64_t here = left < width ? left : width;
+            if (here == width)
+                gather<width>(from, in.stride / 2, n, column, length);
+            else
+                for (std::int64_t c = 0; c < here; ++c)
+                    gather<1>(from + c, in.stride / 2, n, column + c * length, length);
+            for (std::int64_t c = 0; c < here; ++c)
+                transform<R>(plan, direction_, scale, column + c * length, column + c * length, work);
+            if (here == width)
+                scatter<width>(column, length, n, to, out.stride / 2, cold);
+            else
+                for (std::int64_t c = 0; c < here; ++c)
+                    scatter<1>(column + c * length, length, n, to + c, out.stride / 2, cold);
+        }
     }
 
     // In batches of the size that the plan holds best.

@@ -6,6 +6,14 @@
 
 namespace ork::dft {
 
+// Gathered columns are so many numbers longer than they need be: else all begin in the same sets of the caches.
+inline constexpr std::int64_t column_padding = 4;
+template <class R>
+constexpr std::size_t gathered_bytes(std::int64_t length, int width)
+{
+    return (static_cast<std::size_t>(width * (length + column_padding)) * sizeof(Complex<R>) + 63) / 64 * 64;
+}
+
 // Units are blocks, each with all its passes.
 template <class R>
 std::int32_t run_blocks(const ork_dft_node* node, const ork_dft_call* call, const ork_dft_stage* stage,

@@ -56,7 +56,8 @@ struct At {
     }
 };
 
-enum class Kind : int { complex, batched, real, columns };
+// gathered: columns of a matrix far from each other are brought together, some at a time, and transformed one by one.
+enum class Kind : int { complex, gathered, batched, real, columns };
 
 struct Pass {
     Kind kind;
@@ -64,6 +65,7 @@ struct Pass {
     bool last;        // scales
     const void* plan; // Plan<R>; real and columns: RealNode<R>
     const ork_dft_node* node;
+    int width;              // gathered: columns at a time, 16, 8 or 4
     std::int64_t stride[3]; // of the dimension, by space
     Loop inner;
     Loops outer;
