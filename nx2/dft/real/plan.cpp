@@ -15,7 +15,7 @@ T* allocate(std::int64_t count)
     return static_cast<T*>(ork_serv_malloc(static_cast<std::int64_t>(sizeof(T)) * count, 64));
 }
 
-// g[k] = -(1 + i exp(-2 pi i k / n))/2 for 0 < k < n/4. Only about sqrt(n) roots are computed as such; the others are
+// g[k] = (1 - i exp(-2 pi i k / n))/2 for 0 < k < n/4. Only about sqrt(n) roots are computed as such; the others are
 // products of two, with 64-bit mantissas, which leaves an error below 2^-61.
 template <class R>
 bool fill_constants(std::int64_t n, Complex<R>* g)
@@ -31,7 +31,7 @@ bool fill_constants(std::int64_t n, Complex<R>* g)
         const Complex<long double> coarse = exact_root(from, n);
         for (std::int64_t k = from == 0 ? 1 : from; k < from + side && k <= count; ++k) {
             const Complex<long double> w = coarse * fine[k - from];
-            g[k - 1] = {static_cast<R>((w.im - 1) / 2), static_cast<R>(w.re / -2)};
+            g[k - 1] = {static_cast<R>((1 + w.im) / 2), static_cast<R>(w.re / -2)};
         }
     }
     ork_serv_free(fine);

@@ -20,15 +20,17 @@ template <class R, int m, Direction direction>
         length_kernel<R, m, direction>(in, out, nullptr, nullptr);
 }
 
-// p + d and q - conj(d), d = g[k] (p - conj(q)), of one number each; of float also k + 1 in the upper half.
+// conj(q) + d and conj(p - d), d = g[k] (p - conj(q)), of one number each; of float also k + 1 in the upper half.
 template <class R, int n, int k>
 [[gnu::always_inline]] inline half_length::Pairs<R> mixed(Vec<R> p, Vec<R> q)
 {
     struct G {
         R re, im;
     };
-    constexpr auto g = [](Root<R> w) { return G{-(1 + w.sin) / 2, -w.cos / 2}; };
-    constexpr G first = g(root<R, n, k>), second = g(root<R, n, k + 1>);
+    constexpr auto g = [](Root<long double> w) -> G {
+        return {static_cast<R>((1 - w.sin) / 2), static_cast<R>(w.cos / -2)};
+    };
+    constexpr G first = g(root<long double, n, k>), second = g(root<long double, n, k + 1>);
     if constexpr (sizeof(R) == 8)
         return {p, q, broadcast(first.re), broadcast(first.im)};
     else

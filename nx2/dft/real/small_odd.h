@@ -24,12 +24,6 @@ template <class R>
     else
         return load_low(p);
 }
-template <class R>
-[[gnu::always_inline]] inline Vec<R> conjugate(Vec<R> a)
-{
-    return conj(Vec<Complex<R>>{a}).v;
-}
-
 // The columns' length a of n = a b: the largest up to the root of n that is coprime to b, which needs no twiddles, or
 // else the largest; 1 for a prime.
 constexpr int column_length(int n)
@@ -114,7 +108,7 @@ template <int n, class R, class Put>
             unrolled<a / 2>([&](auto i) ORK_INLINE_LAMBDA {
                 constexpr int k1 = i + 1;
                 if constexpr (right < b) {
-                    const E mirror = {conjugate(y[a - k1].v)};
+                    const E mirror = {half_length::conjugate(y[a - k1].v)};
                     const E one = (y[k1] + mirror) * R(0.5), two = quarter(y[k1] - mirror) * R(0.5);
                     table[k1][left] = twiddled < n, coprime ? 0 : left * k1 > (one);
                     table[k1][right] = twiddled < n, coprime ? 0 : right * k1 > (two);
@@ -127,7 +121,7 @@ template <int n, class R, class Put>
             if (k <= h)
                 put(k, value);
             else
-                put(n - k, conjugate(value));
+                put(n - k, half_length::conjugate(value));
         };
         odd_real_dft<b>(row,
                         [&](int k2, Vec<R> value) ORK_INLINE_LAMBDA { keep(place_of_result(a, b, 0, k2), value); });
@@ -166,7 +160,8 @@ template <int n, class R, class Get>
         constexpr bool coprime = gcd(a, b) == 1;
         E table[a / 2 + 1][b];
         R row[b];
-        const auto number = [&](int k) ORK_INLINE_LAMBDA { return k <= h ? get(k) : conjugate(get(n - k)); };
+        const auto number = [&](int k)
+                                ORK_INLINE_LAMBDA { return k <= h ? get(k) : half_length::conjugate(get(n - k)); };
         unrolled<a / 2>([&](auto i) ORK_INLINE_LAMBDA {
             constexpr int k1 = i + 1;
             dft<b, E>([&](auto k2) ORK_INLINE_LAMBDA { return E{number(place_of_result(a, b, k1, k2))}; },
@@ -183,10 +178,10 @@ template <int n, class R, class Get>
                 if constexpr (right < b) {
                     const auto turned = quarter(table[k1][right]); // i times it
                     y[k1] = table[k1][left] + turned;
-                    y[a - k1] = {conjugate((table[k1][left] - turned).v)};
+                    y[a - k1] = {half_length::conjugate((table[k1][left] - turned).v)};
                 } else {
                     y[k1] = table[k1][left];
-                    y[a - k1] = {conjugate(table[k1][left].v)};
+                    y[a - k1] = {half_length::conjugate(table[k1][left].v)};
                 }
             });
             dft<a, E>([&](auto k1) ORK_INLINE_LAMBDA { return y[k1]; },
