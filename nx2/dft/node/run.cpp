@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// A part of a stage on the calling thread: passes handed to the engine, in place or from space to space.
 #include "dft/node/run.h"
 #include "dft/node/batched.h"
 #include "dft/node/gather.h"
