@@ -5,6 +5,7 @@
 
 #include "dft/lengths/kernel.h"
 #include "dft/real/small.h"
+#include "dft/real/small_coprime.h"
 #include "dft/real/small_odd.h"
 
 namespace ork::dft {
@@ -97,6 +98,7 @@ template <class R, int n>
 template <class R, int n>
 void even_kernel_forward(R scale, const R* in, const Spectrum<R>& x)
 {
+    if constexpr (goes_without_twiddles(n)) return coprime_forward<R, n>(scale, in, x);
     constexpr int m = n / 2;
     alignas(16) R z[2 * m];
     half_transform<R, m, Direction::forward>(in, z);
@@ -117,6 +119,7 @@ void even_kernel_forward(R scale, const R* in, const Spectrum<R>& x)
 template <class R, int n>
 void even_kernel_backward(R scale, const Spectrum<R>& x, R* out)
 {
+    if constexpr (goes_without_twiddles(n)) return coprime_backward<R, n>(scale, x, out);
     constexpr int m = n / 2;
     alignas(16) R z[2 * m];
     const R *const body = x.re, first = *x.first, last = *x.last;

@@ -34,6 +34,25 @@ constexpr int column_length(int n)
     return best;
 }
 
+// place_of_result as a table: the compiler does not fold its loop where k2 is no constant of the language.
+template <int a, int b>
+struct Places {
+    struct Table {
+        int at[a][b];
+    };
+    static constexpr Table table = [] {
+        Table all{};
+        for (int k1 = 0; k1 < a; ++k1)
+            for (int k2 = 0; k2 < b; ++k2) all.at[k1][k2] = place_of_result(a, b, k1, k2);
+        return all;
+    }();
+};
+template <int a, int b>
+[[gnu::always_inline]] constexpr int place(int k1, int k2)
+{
+    return Places<a, b>::table.at[k1][k2];
+}
+
 // sin and cos of 2 pi k / p.
 template <class R, int p, class = std::make_integer_sequence<int, p>>
 struct PrimeRoots;
@@ -123,12 +142,11 @@ template <int n, class R, class Put>
             else
                 put(n - k, half_length::conjugate(value));
         };
-        odd_real_dft<b>(row,
-                        [&](int k2, Vec<R> value) ORK_INLINE_LAMBDA { keep(place_of_result(a, b, 0, k2), value); });
+        odd_real_dft<b>(row, [&](int k2, Vec<R> value) ORK_INLINE_LAMBDA { keep(place<a, b>(0, k2), value); });
         unrolled<a / 2>([&](auto i) ORK_INLINE_LAMBDA {
             constexpr int k1 = i + 1;
             dft<b, E>([&](auto j2) ORK_INLINE_LAMBDA { return table[k1][j2]; },
-                      [&](auto k2, E value) ORK_INLINE_LAMBDA { keep(place_of_result(a, b, k1, k2), value.v); });
+                      [&](auto k2, E value) ORK_INLINE_LAMBDA { keep(place<a, b>(k1, k2), value.v); });
         });
     }
 }
@@ -164,11 +182,11 @@ template <int n, class R, class Get>
                                 ORK_INLINE_LAMBDA { return k <= h ? get(k) : half_length::conjugate(get(n - k)); };
         unrolled<a / 2>([&](auto i) ORK_INLINE_LAMBDA {
             constexpr int k1 = i + 1;
-            dft<b, E>([&](auto k2) ORK_INLINE_LAMBDA { return E{number(place_of_result(a, b, k1, k2))}; },
+            dft<b, E>([&](auto k2) ORK_INLINE_LAMBDA { return E{number(place<a, b>(k1, k2))}; },
                       [&](auto j2, E value)
                           ORK_INLINE_LAMBDA { table[k1][j2] = twiddled < n, coprime ? 0 : j2 * k1 > (value); });
         });
-        odd_real_inverse<b>([&](int k2) ORK_INLINE_LAMBDA { return number(place_of_result(a, b, 0, k2)); }, row);
+        odd_real_inverse<b>([&](int k2) ORK_INLINE_LAMBDA { return number(place<a, b>(0, k2)); }, row);
         unrolled<b / 2 + 1>([&](auto u) ORK_INLINE_LAMBDA {
             constexpr int left = 2 * u, right = left + 1;
             E y[a];
