@@ -104,7 +104,7 @@ TEST_F(Tool, DemoShowsNothingOfAWrongComputation)
 {
     if (sanitized) GTEST_SKIP() << "a sanitizer's run-time must be preloaded first";
     for (const auto& [demo, result] :
-         {std::pair{"pca", "explained"}, {"system", "recognised that"}, {"ecg", "heart rate"}, {"blur", "PSNR"}})
+         {std::pair{"pca", "explained"}, {"system", "recognised that"}, {"ecg", "by the median of"}, {"blur", "PSNR"}})
         for (const char* fault : {"nan", "small"}) {
             const ChildResult run = ork({"demo", demo, "--out", folder},
                                         {"LD_PRELOAD=" ORK_WRONG_BLAS, std::string("ORK_TEST_FAULT=") + fault});
@@ -254,7 +254,9 @@ TEST_F(Tool, BenchMeasuresTransforms)
         ork({"bench", "fft", "--kind", "cd,rsb,cdi,rdbi", "--sizes", "16,6x9,5*3", "--quick", "--json", json},
             {"ORK_PEERS=" + folder.string()});
     ASSERT_TRUE(run.ok()) << run.describe();
-    EXPECT_THAT(run.out, HasSubstr("scripts/fftw-sse2"));
+    if (!sanitized) {
+        EXPECT_THAT(run.out, HasSubstr("scripts/fftw-sse2"));
+    }
     const auto root = nlohmann::json::parse(read(json));
     ASSERT_EQ(root["cases"].size(), 12u);
     for (const auto& c : root["cases"]) {

@@ -93,7 +93,7 @@ private:
             svg_.line(at, up(0), at, up(0) + 4, "#888");
             if (at - last < 34) continue; // labels that would touch are left out
             const bool whole = r->size >= 1e6;
-            svg_.text(at, up(0) + 18, whole ? fmt::format("{:g}M", r->size / 1e6) : fmt::format("{}", r->size), 11,
+            svg_.text(at, up(0) + 18, whole ? fmt::format("{:.3g}M", r->size / 1e6) : fmt::format("{}", r->size), 11,
                       Svg::Anchor::middle, "#444");
             last = at;
         }
@@ -156,7 +156,8 @@ void write_plot(const std::string& file, const Machine& machine, const std::vect
     double at = 16;
     const double width = panel_width * static_cast<double>(columns);
     double line = 50;
-    names.emplace_back("limit");
+    if (std::any_of(results.begin(), results.end(), [](const Result& r) { return r.limit > 0; }))
+        names.emplace_back("limit");
     for (const std::string& name : names) {
         const std::string words = name == "limit"        ? "128-bit limit"
                                   : wide.count(name) > 0 ? name + " (where it fits)"

@@ -123,8 +123,7 @@ void find_rates(Ecg& e)
     std::vector<double> intervals;
     for (size_t b = 1; b < e.beats.size(); ++b)
         intervals.push_back(static_cast<double>(e.beats[b] - e.beats[b - 1]) / sample_rate);
-    if (intervals.empty()) throw std::runtime_error("ecg.txt: no two beats in it");
-    e.rate_median = 60 / peers::median(intervals);
+    e.rate_median = intervals.empty() ? NAN : 60 / peers::median(intervals);
 }
 
 Ecg analyse(const std::vector<double>& signal)
@@ -183,10 +182,9 @@ void verify(const Ecg& e, Report& report)
         keep_largest(correlation, std::fabs(sum / all - e.autocorrelation[lag]));
     }
     report.check("autocorrelation against sums of products", correlation, 1e-13);
-    for (const size_t at : {e.beats.front(), e.beats[e.beats.size() / 2]}) {
+    for (const size_t at : e.beats)
         for (size_t i = at > 20 ? at - 20 : 0; i < std::min(n, at + 20); ++i)
             keep_largest(beat, e.energy[i] / e.energy[at] - 1);
-    }
     report.check("beats are the highest points around them", beat, 0);
     report.check("rates of beats by intervals and by autocorrelation differ, beats a minute",
                  std::fabs(e.rate_median - e.rate_autocorrelation), 15);
