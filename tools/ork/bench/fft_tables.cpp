@@ -59,8 +59,8 @@ void show_planning(const Selection& selection, const std::vector<peers::Library>
 {
     table(selection, libraries, "planning, in transforms of the size", "ork/best",
           [&](Planned& planned, Planned::Plan& plan) {
-              // The first plan of FFTW costs its trials and later ones of the same size don't. ork remembers nothing, so
-              // its cost is what a commit takes when the program already runs.
+              // The first plan of FFTW costs its trials and later ones of the same size don't. ork remembers nothing,
+              // so its cost is what a commit takes when the program already runs.
               std::vector<double> planning = {plan.seconds};
               if (plan.kind == peers::Kind::subject)
                   for (int again = 0; again < 5; ++again)
