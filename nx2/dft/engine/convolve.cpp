@@ -10,11 +10,8 @@ namespace ork::dft {
 
 namespace {
 
-std::int64_t product_modulo(std::int64_t a, std::int64_t b, std::int64_t n)
-{
-    __extension__ typedef __int128 Wide;
-    return static_cast<std::int64_t>(static_cast<Wide>(a) * b % n);
-}
+std::int64_t product_modulo(std::int64_t a, std::int64_t b, std::int64_t n) { return a * b % n; } // n < 2^31
+
 std::int64_t power_modulo(std::int64_t a, std::int64_t e, std::int64_t n)
 {
     std::int64_t result = 1;

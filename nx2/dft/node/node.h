@@ -62,6 +62,7 @@ template <class Body>
 template <class Body>
 [[gnu::always_inline]] inline std::int32_t with_work(std::size_t bytes, Body body)
 {
+    if (bytes == 0) return body(static_cast<void*>(nullptr));
     if (bytes <= stack_work) return with_stack(body);
     void* work = ork_dft_ufxMalloc(static_cast<std::int64_t>(bytes));
     if (work == nullptr) return ORK_DFT_NO_MEMORY;

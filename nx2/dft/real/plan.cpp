@@ -124,6 +124,14 @@ std::size_t work_bytes(const RealPlan<R>& plan)
     return plan.work_bytes;
 }
 template <class R>
+std::size_t work_bytes(const RealPlan<R>& plan, Packing packing)
+{
+    if (plan.small_forward != nullptr) return 0;
+    if (plan.n % 2 != 0) return plan.lines_offset;
+    if (packing == Packing::pack) return plan.lines_offset + static_cast<std::size_t>(plan.n) * sizeof(R);
+    return work_bytes(*plan.complex);
+}
+template <class R>
 std::int64_t group(const RealPlan<R>& plan)
 {
     return plan.group;
@@ -134,6 +142,7 @@ std::int64_t group(const RealPlan<R>& plan)
     template void free_real_plan(RealPlan<R>*);                                                                        \
     template std::int64_t length(const RealPlan<R>&);                                                                  \
     template std::size_t work_bytes(const RealPlan<R>&);                                                               \
+    template std::size_t work_bytes(const RealPlan<R>&, Packing);                                                      \
     template std::int64_t group(const RealPlan<R>&);
 INSTANTIATE(float)
 INSTANTIATE(double)

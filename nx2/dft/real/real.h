@@ -41,6 +41,9 @@ std::int64_t length(const RealPlan<R>& plan);
 // Bytes of work memory, 64-byte aligned, for any of the calls below (any count); it holds nothing between calls.
 template <class R>
 std::size_t work_bytes(const RealPlan<R>& plan);
+// The same for a single contiguous transform.
+template <class R>
+std::size_t work_bytes(const RealPlan<R>& plan, Packing packing);
 
 // One transform of contiguous numbers. in and out are equal, and then the array has room for the longer of the two
 // sides, or apart.
