@@ -97,7 +97,8 @@ static int rounds(const char* path, int count)
 {
     long resident = 0, space = 0;
     int files = 0;
-    mallopt(M_ARENA_MAX, 1); /* or the first worker that allocates has malloc reserve 64 MiB, once */
+    mallopt(M_MMAP_THRESHOLD, 128 << 10); /* or the matrices move into the heap, which may keep their pages */
+    mallopt(M_ARENA_MAX, 1);              /* or the first worker that allocates has malloc reserve 64 MiB, once */
     for (int round = 0; round < count; ++round) {
         open_core(path);
         ((void (*)(int))routine("ork_set_num_threads"))(2);
