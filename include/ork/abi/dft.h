@@ -199,7 +199,8 @@ enum {
     ORK_DFT_FLAG_SINGLE = 8,    /* one transform of unit stride by the head's kernel pair: no stage is needed */
     ORK_DFT_FLAG_PLANNED = 16,  /* plans and stages are there */
     ORK_DFT_FLAG_UNSCALED = 32, /* the kernel pair ignores plan, argument and scale */
-    ORK_DFT_FLAG_BORROWED = 64  /* the plan is that of an earlier dimension of the same length */
+    ORK_DFT_FLAG_BORROWED = 64, /* the plan is that of an earlier dimension of the same length */
+    ORK_DFT_FLAG_PLAIN = 128    /* single, of adjacent parts from the begin of the arrays, both scales 1 */
 };
 
 /* What a commit decided for a dimension; for information. */

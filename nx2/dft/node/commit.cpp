@@ -135,8 +135,12 @@ std::int32_t plan_node(ork_dft_node& head)
     if (status != ORK_DFT_OK) return status;
     head.flags |= ORK_DFT_FLAG_PLANNED;
     const bool one_side = in_place(head) && head.domain.domain == ORK_DFT_COMPLEX;
-    if (head.rank == 1 && head.transforms == 1 && head.stride[0] == 1 && (one_side || head.stride[1] == 1))
+    if (head.rank == 1 && head.transforms == 1 && head.stride[0] == 1 && (one_side || head.stride[1] == 1)) {
         head.flags |= ORK_DFT_FLAG_SINGLE;
+        if (!split(head) && head.input_offset == 0 && (in_place(head) || head.output_offset == 0) &&
+            scale_of<R>(head, Direction::forward) == R(1) && scale_of<R>(head, Direction::backward) == R(1))
+            head.flags |= ORK_DFT_FLAG_PLAIN;
+    }
     return ORK_DFT_OK;
 }
 

@@ -41,6 +41,10 @@ template <class R, Direction direction, bool apart>
 template <class R, Direction direction, bool apart>
 inline std::int32_t compute(ork_dft_node* node, void* const* arrays)
 {
+    if ((node->flags & ORK_DFT_FLAG_PLAIN) != 0) [[likely]] {
+        ork_dft_kernel* const kernel = direction == Direction::forward ? node->forward_kernel : node->backward_kernel;
+        return kernel(arrays[0], arrays[apart ? 1 : 0], node->plan, nullptr);
+    }
     if ((node->flags & ORK_DFT_FLAG_SINGLE) != 0) return single<R, direction, apart>(*node, arrays);
     if (node->rank == 2) {
         if (node->two_d != nullptr) return node->two_d(node, arrays, static_cast<std::int32_t>(direction));
