@@ -8,9 +8,9 @@ namespace ork::dft {
 
 // A call takes a thread for each so many operations (5 n log2 n a transform; half of it for real data). Below, waking
 // it takes longer than it saves; and a transform divided into stages goes through memory where one thread stays in its
-// caches. Time of one thread over time of two, AMD family 26, double precision, while the machine was quiet: 256 x 256
-// 1.78, vectors of 2^14 1.61, 2^16 1.79, 2^20 1.88; while others used its memory as well: 0.80, 0.71, 0.95, 1.75.
-constexpr double operations_per_thread = 500'000, staged_operations_per_thread = 2'500'000;
+// caches. Time of one thread over time of two, AMD family 26, double precision, in runs whose figures fell into two
+// groups: 256 x 256 1.78 or 0.80, vectors of 2^14 1.61 or 0.71, 2^16 1.79 or 0.90, 2^20 1.88 or 1.75.
+constexpr double operations_per_thread = 500'000, staged_operations_per_thread = 4'500'000;
 
 // As many threads as a computation may use and is long enough for.
 int useful_threads(const Parameters& parameters, const ork_dft_node& node);

@@ -15,7 +15,7 @@ static std::int64_t vectors_of_group(std::int64_t n1, std::int64_t n2)
 }
 
 template <class R>
-bool build_halves(Plan<R>& plan, const Recipe& recipe, Arena& arena)
+void build_halves(Plan<R>& plan, const Recipe& recipe, Arena& arena, const RootTable& roots)
 {
     std::int64_t n1 = 1;
     for (int i = 0; i < recipe.passes[0]; ++i) n1 *= recipe.radices[0][i];
@@ -23,7 +23,8 @@ bool build_halves(Plan<R>& plan, const Recipe& recipe, Arena& arena)
     plan.group = vectors_of_group(n1, n2);
     plan.columns.set(n1, recipe.radices[0], recipe.passes[0]);
     plan.rows.set(n2, recipe.radices[1], recipe.passes[1]);
-    if (!plan.columns.build(arena) || !plan.rows.build(arena)) return false;
+    plan.columns.build(arena, roots);
+    plan.rows.build(arena, roots);
 
     const std::int64_t blocks = plan.columns.blocks(), coarse = (blocks + fine_twiddles - 1) / fine_twiddles;
     const int r = plan.columns.last_radix();
@@ -31,9 +32,7 @@ bool build_halves(Plan<R>& plan, const Recipe& recipe, Arena& arena)
     plan.lane_twiddles_next = plan.lane_twiddles_of_result + (r - 1) * factor<R>;
     const std::int64_t vectors = (n2 + lanes<R> - 1) / lanes<R>;
     R* w = plan.lane_twiddles = arena.take<R>(static_cast<std::size_t>(vectors * plan.lane_twiddles_next));
-    if (arena.counting()) return true;
-    RootTable roots;
-    if (!roots.make(plan.n)) return false;
+    if (arena.counting()) return;
     for (std::int64_t v = 0; v < vectors; ++v) {
         const std::int64_t j = v * lanes<R>;
         const auto of = [&](std::int64_t k, int lane) { return rounded<R>(roots[(j + lane) * k % plan.n]); };
@@ -47,7 +46,6 @@ bool build_halves(Plan<R>& plan, const Recipe& recipe, Arena& arena)
         for (int k = 1; k < r; ++k, w += factor<R>)
             for (int lane = 0; lane < lanes<R>; ++lane) store_factor(w, lane, of(k * blocks, lane));
     }
-    return true;
 }
 
 template <class R>
@@ -166,7 +164,7 @@ void run_half(const Plan<R>& plan, int half, Direction direction, R scale, std::
 }
 
 #define INSTANTIATE(R)                                                                                                 \
-    template bool build_halves(Plan<R>&, const Recipe&, Arena&);                                                       \
+    template void build_halves(Plan<R>&, const Recipe&, Arena&, const RootTable&);                                     \
     template std::size_t halves_work(const Plan<R>&);                                                                  \
     template std::int64_t half_groups(const Plan<R>&, int);                                                            \
     template void run_half(const Plan<R>&, int, Direction, R, std::int64_t, std::int64_t, const R*, R*, R*, void*);

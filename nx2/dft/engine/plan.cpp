@@ -8,17 +8,17 @@ namespace ork::dft {
 namespace {
 
 template <class R>
-bool build(Plan<R>& plan, const Recipe& recipe, Arena& arena)
+bool build(Plan<R>& plan, const Recipe& recipe, Arena& arena, const RootTable& roots)
 {
     bool done = true;
     switch (plan.method) {
     case Method::length:
         break;
     case Method::turn:
-        done = build_turn(plan, recipe, arena);
+        build_turn(plan, recipe, arena, roots);
         break;
     case Method::halves:
-        done = build_halves(plan, recipe, arena);
+        build_halves(plan, recipe, arena, roots);
         break;
     case Method::rader:
         done = build_rader(plan, arena);
@@ -27,7 +27,8 @@ bool build(Plan<R>& plan, const Recipe& recipe, Arena& arena)
         done = build_bluestein(plan, arena);
         break;
     }
-    return done && (!plan.has_strided || plan.strided.build(arena));
+    if (plan.has_strided) plan.strided.build(arena, roots);
+    return done;
 }
 
 bool is_prime(std::int64_t n)
@@ -44,7 +45,7 @@ constexpr std::int64_t longest_strided = 8192;
 } // namespace
 
 template <class R>
-int make_plan(std::int64_t n, Plan<R>** result)
+int make_plan(std::int64_t n, Plan<R>** result, bool strided)
 {
     *result = nullptr;
     Recipe recipe = choose<R>(n);
@@ -55,21 +56,23 @@ int make_plan(std::int64_t n, Plan<R>** result)
     plan.method = recipe.method;
     if (plan.method == Method::rader || plan.method == Method::bluestein) {
         const std::int64_t m = plan.method == Method::rader ? n - 1 : good_length<R>(2 * n - 1);
-        if (make_plan(m, &plan.inner) != 0) return 1;
+        if (make_plan(m, &plan.inner, false) != 0) return 1;
     }
     int radices[most_passes];
-    const int passes = n <= longest_strided ? choose_vertical<R>(n, radices) : 0;
+    const int passes = strided && n <= longest_strided ? choose_vertical<R>(n, radices) : 0;
     plan.has_strided = passes > 0;
     if (passes > 0) plan.strided.set(n, radices, passes);
 
+    RootTable roots;
+    const bool needs_roots = plan.has_strided || plan.method == Method::turn || plan.method == Method::halves;
     Arena count;
     count.take<Plan<R>>(1);
-    build(plan, recipe, count);
+    build(plan, recipe, count, roots);
     void* memory = ork_serv_malloc(count.used(), 64);
     if (memory != nullptr) {
         Arena arena(memory);
         Plan<R>* made = arena.take<Plan<R>>(1);
-        if (build(plan, recipe, arena)) {
+        if ((!needs_roots || roots.make(n)) && build(plan, recipe, arena, roots)) {
             *made = plan;
             *result = made;
             return 0;
@@ -306,7 +309,7 @@ void run_stage(const Plan<R>& plan, int stage, Direction direction, R scale, std
 }
 
 #define INSTANTIATE(R)                                                                                                 \
-    template int make_plan(std::int64_t, Plan<R>**);                                                                   \
+    template int make_plan(std::int64_t, Plan<R>**, bool);                                                             \
     template void free_plan(Plan<R>*);                                                                                 \
     template std::int64_t length(const Plan<R>&);                                                                      \
     template std::size_t work_bytes(const Plan<R>&);                                                                   \

@@ -72,11 +72,12 @@ inline std::int64_t matrix_numbers(const Plan<R>& plan)
     return plan.columns.n() * matrix_row(plan);
 }
 
-// Each builds its tables twice: without memory, to count, and with. False when there is no memory for scratch.
+// Each builds its tables twice: without memory, to count, and with, from roots of order n. False when there is no
+// memory for scratch.
 template <class R>
-bool build_turn(Plan<R>& plan, const Recipe& recipe, Arena& arena);
+void build_turn(Plan<R>& plan, const Recipe& recipe, Arena& arena, const RootTable& roots);
 template <class R>
-bool build_halves(Plan<R>& plan, const Recipe& recipe, Arena& arena);
+void build_halves(Plan<R>& plan, const Recipe& recipe, Arena& arena, const RootTable& roots);
 template <class R>
 bool build_rader(Plan<R>& plan, Arena& arena);
 template <class R>

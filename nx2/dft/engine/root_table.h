@@ -20,7 +20,7 @@ public:
     // False when there is no memory.
     bool make(std::int64_t n)
     {
-        shift_ = 0;
+        shift_ = 0, order_ = n;
         while (std::int64_t{1} << (2 * shift_) < n) ++shift_;
         const std::int64_t fine = std::int64_t{1} << shift_, coarse = ((n - 1) >> shift_) + 1;
         fine_ = static_cast<Entry*>(ork_serv_malloc(static_cast<std::size_t>(fine + coarse) * sizeof(Entry), 64));
@@ -30,6 +30,8 @@ public:
         for (std::int64_t i = 0; i < coarse; ++i) coarse_[i] = exact_root(i << shift_, n);
         return true;
     }
+
+    std::int64_t order() const { return order_; }
 
     // exp(-2 pi i k / n), 0 <= k < n, with an error below 2^-59.
     Complex<long double> operator[](std::int64_t k) const
@@ -41,6 +43,7 @@ public:
 private:
     using Entry = Complex<long double>;
     Entry *fine_ = nullptr, *coarse_ = nullptr;
+    std::int64_t order_ = 0;
     int shift_ = 0;
 };
 

@@ -8,6 +8,13 @@
 
 namespace ork::dft {
 
+struct Reciprocals {
+    long double of_sine, of_cosine; // 1 / (2 i (2 i + 1)), 1 / ((2 i - 1) 2 i)
+};
+constexpr Reciprocals of_terms(int i) { return {1.0L / ((2 * i) * (2 * i + 1)), 1.0L / ((2 * i - 1) * (2 * i))}; }
+inline constexpr Reciprocals reciprocals[] = {of_terms(10), of_terms(9), of_terms(8), of_terms(7), of_terms(6),
+                                              of_terms(5),  of_terms(4), of_terms(3), of_terms(2), of_terms(1)};
+
 // exp(-2 pi i k / n), 0 <= k < n < 2^60, with an error below 2^-61. The angle is folded into the first octant by
 // integers, where Taylor's series in 64-bit mantissas end after 10 terms.
 inline Complex<long double> exact_root(std::int64_t k, std::int64_t n)
@@ -24,9 +31,9 @@ inline Complex<long double> exact_root(std::int64_t k, std::int64_t n)
     const long double part = static_cast<long double>(steep ? 2 * n - 4 * a : 4 * a) / static_cast<long double>(n);
     const long double x = 0.785398163397448309615660845819875721L * part, y = x * x;
     long double sine = 0, cosine = 0;
-    for (int i = 10; i >= 1; --i) {
-        sine = (1 - sine) * y / static_cast<long double>((2 * i) * (2 * i + 1));
-        cosine = (1 - cosine) * y / static_cast<long double>((2 * i - 1) * (2 * i));
+    for (const Reciprocals& r : reciprocals) {
+        sine = (1 - sine) * y * r.of_sine;
+        cosine = (1 - cosine) * y * r.of_cosine;
     }
     sine = x - x * sine, cosine = 1 - cosine;
     if (steep) {

@@ -14,23 +14,20 @@ static std::int64_t groups(const Plan<R>& plan)
 }
 
 template <class R>
-bool build_turn(Plan<R>& plan, const Recipe& recipe, Arena& arena)
+void build_turn(Plan<R>& plan, const Recipe& recipe, Arena& arena, const RootTable& roots)
 {
     const int r = recipe.radices[0][0];
     const std::int64_t m = plan.n / r, vectors = (m + lanes<R> - 1) / lanes<R>;
     plan.turn = kernels<R>(r), plan.turn_radix = r;
     plan.rows.set(m, recipe.radices[1], recipe.passes[1]);
-    if (!plan.rows.build(arena)) return false;
+    plan.rows.build(arena, roots);
     R* w = plan.lane_twiddles = arena.take<R>(static_cast<std::size_t>(vectors * (r - 1) * factor<R>));
-    if (arena.counting()) return true;
-    RootTable roots;
-    if (!roots.make(plan.n)) return false;
+    if (arena.counting()) return;
     for (std::int64_t v = 0; v < vectors; ++v) {
         const std::int64_t j = v * lanes<R> + lanes<R> <= m ? v * lanes<R> : m - lanes<R>;
         for (int k = 1; k < r; ++k, w += factor<R>)
             for (int lane = 0; lane < lanes<R>; ++lane) store_factor(w, lane, rounded<R>(roots[(j + lane) * k]));
     }
-    return true;
 }
 
 template <class R>
@@ -73,7 +70,7 @@ void run_turn(const Plan<R>& plan, Direction direction, const R* in, R* out, voi
 }
 
 #define INSTANTIATE(R)                                                                                                 \
-    template bool build_turn(Plan<R>&, const Recipe&, Arena&);                                                         \
+    template void build_turn(Plan<R>&, const Recipe&, Arena&, const RootTable&);                                       \
     template std::size_t turn_work(const Plan<R>&);                                                                    \
     template void run_turn(const Plan<R>&, Direction, const R*, R*, void*);
 INSTANTIATE(float)

@@ -12,10 +12,9 @@ void Vertical<R>::set(std::int64_t n, const int* radices, int passes)
 }
 
 template <class R>
-bool Vertical<R>::build(Arena& arena)
+void Vertical<R>::build(Arena& arena, const RootTable& roots)
 {
-    RootTable roots;
-    if (!arena.counting() && passes_ > 1 && !roots.make(n_)) return false;
+    const std::int64_t multiple = roots.order() / n_;
     std::int64_t length = n_;
     for (int i = 0; i + 1 < passes_; ++i) {
         const int r = radix_[i];
@@ -24,11 +23,12 @@ bool Vertical<R>::build(Arena& arena)
         if (!arena.counting())
             for (std::int64_t j = 0; j < m; ++j)
                 for (int k = 1; k < r; ++k, w += factor<R>)
-                    for (int lane = 0; lane < lanes<R>; ++lane) store_factor(w, lane, rounded<R>(roots[j * k * unit]));
+                    for (int lane = 0; lane < lanes<R>; ++lane)
+                        store_factor(w, lane, rounded<R>(roots[j * k * unit * multiple]));
         length = m;
     }
     order_ = arena.take<std::int32_t>(static_cast<std::size_t>(blocks()));
-    if (arena.counting()) return true;
+    if (arena.counting()) return;
     // Block (k1 r2 + k2) r3 + k3 ... holds results k1 + r1 (k2 + r2 (k3 ...)) and further ones blocks() apart.
     for (std::int64_t b = 0; b < blocks(); ++b) {
         std::int64_t rest = b, size = blocks(), index = 0, weight = 1;
@@ -40,7 +40,6 @@ bool Vertical<R>::build(Arena& arena)
         }
         order_[b] = static_cast<std::int32_t>(index);
     }
-    return true;
 }
 
 template <class R>

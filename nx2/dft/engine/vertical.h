@@ -16,8 +16,8 @@ class Vertical {
 public:
     // Radices in the order of the passes; their product is n.
     void set(std::int64_t n, const int* radices, int passes);
-    // Takes the tables' memory, and fills them when there is memory. False when there is none for scratch.
-    bool build(Arena& arena);
+    // Takes the tables' memory, and fills them when there is memory. The roots are of any multiple of n.
+    void build(Arena& arena, const RootTable& roots);
 
     std::int64_t n() const { return n_; }
     int passes() const { return passes_; }

@@ -72,7 +72,9 @@ std::int32_t make_general(ork_dft_node& head, ork_dft_node& node)
         }
     if (node.plan == nullptr) {
         Plan<R>* plan = nullptr;
-        if (make_plan<R>(node.length, &plan) != 0) return ORK_DFT_NO_MEMORY;
+        const bool one = head.rank == 1 && head.transforms == 1 && head.stride[0] == 1 &&
+                         (in_place(head) || head.stride[1] == 1) && !split(head);
+        if (make_plan<R>(node.length, &plan, !one) != 0) return ORK_DFT_NO_MEMORY;
         node.plan = plan;
     }
     node.workspace_bytes = static_cast<std::int64_t>(work_bytes(plan_of<R>(node.plan), head.transforms));
