@@ -7,7 +7,7 @@
 // instructions.
 #pragma once
 
-#include "dft/lengths/pair.h"
+#include "dft/pair.h"
 
 namespace ork::dft {
 

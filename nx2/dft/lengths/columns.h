@@ -4,7 +4,7 @@
 #pragma once
 
 #include "dft/butterfly.h"
-#include "dft/lengths/pair.h"
+#include "dft/pair.h"
 
 namespace ork::dft {
 

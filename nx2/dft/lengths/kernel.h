@@ -7,8 +7,8 @@
 #include "dft/butterfly.h"
 #include "dft/lengths/columns.h"
 #include "dft/lengths/halves.h"
-#include "dft/lengths/pair.h"
 #include "dft/lengths/table.h"
+#include "dft/pair.h"
 
 namespace ork::dft {
 

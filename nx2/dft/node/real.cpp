@@ -22,7 +22,8 @@ std::int32_t real_kernel(const void* in, void* out, const void* given, void* arg
             backward<R>(*node.plan, node.packing, scale, static_cast<const R*>(in), static_cast<R*>(out), work);
         return static_cast<std::int32_t>(ORK_DFT_OK);
     };
-    return told != nullptr && told->work != nullptr ? run(told->work) : with_work(work_bytes(*node.plan, node.packing), run);
+    return told != nullptr && told->work != nullptr ? run(told->work)
+                                                    : with_work(work_bytes(*node.plan, node.packing), run);
 }
 
 // Between the half spectrum as complex numbers and the layout of the node, by format less ORK_DFT_CCS; the last is the

@@ -9,7 +9,7 @@
 #pragma once
 
 #include "dft/butterfly.h"
-#include "dft/lengths/pair.h"
+#include "dft/pair.h"
 #include "dft/real/half_length.h"
 
 namespace ork::dft {
