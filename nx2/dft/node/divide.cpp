@@ -129,7 +129,7 @@ private:
 
     // Where a matrix does not stay in cache, its rows are pages apart, and columns are long, the engine's passes over
     // them would wait for memory again and again. As many as stay in cache are then gathered, which moves whole cache
-    // lines once: columns of 1000 and 1024 double numbers run 1.3 times as fast, of 512 no faster.
+    // lines once: matrices of 1000 to 2048 rows are done 1 to 10 % faster.
     void gather_columns(Pass& pass) const
     {
         constexpr std::int64_t worthwhile = 768;
@@ -146,8 +146,13 @@ private:
     }
     void add_work(Stage& stage, const Pass& pass) const
     {
-        const std::size_t work = pass.kind == Kind::real ? work_bytes(*static_cast<const RealNode<R>*>(pass.plan)->plan)
-                                                         : work_bytes(plan_of<R>(pass.plan), pass.inner.count);
+        std::size_t work;
+        if (pass.kind == Kind::real)
+            work = work_bytes(*static_cast<const RealNode<R>*>(pass.plan)->plan);
+        else if (pass.kind == Kind::gathered)
+            work = gathered_bytes<R>(pass.node->length, pass.width) + work_bytes(plan_of<R>(pass.plan));
+        else
+            work = work_bytes(plan_of<R>(pass.plan), pass.inner.count);
         if (work > stage.work) stage.work = work;
     }
 

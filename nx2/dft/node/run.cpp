@@ -29,6 +29,9 @@ public:
         case Kind::real:
             real(pass, in, out, scale, count);
             return ORK_DFT_OK;
+        case Kind::gathered:
+            gathered(pass, in, out, scale, count);
+            return ORK_DFT_OK;
         default:
             transform<R>(plan_of<R>(pass.plan), direction_, scale, in, out, count, work_);
             return ORK_DFT_OK;
