@@ -123,9 +123,36 @@ bool choose_halves(std::int64_t n, Recipe& recipe)
     return true;
 }
 
+// Short powers of two and their like are too close to one another for costs to tell: the fastest as measured.
+struct Measured {
+    int n, passes;
+    int radices[3];
+};
+constexpr Measured measured_double[] = {{128, 2, {8, 16}},   {256, 2, {4, 64}},     {384, 2, {8, 48}},
+                                        {512, 3, {8, 8, 8}}, {1024, 3, {8, 8, 16}}, {2048, 3, {4, 8, 64}}};
+constexpr Measured measured_float[] = {
+    {128, 2, {8, 16}}, {256, 2, {16, 16}}, {512, 3, {4, 8, 16}}, {1024, 3, {8, 8, 16}}, {2048, 3, {8, 8, 32}}};
+
+template <std::size_t count>
+bool choose_measured(std::int64_t n, const Measured (&list)[count], Recipe& recipe)
+{
+    for (const Measured& measured : list) {
+        if (measured.n != n) continue;
+        recipe.method = Method::turn;
+        recipe.radices[0][0] = measured.radices[0], recipe.passes[0] = 1;
+        recipe.passes[1] = measured.passes - 1;
+        for (int i = 1; i < measured.passes; ++i) recipe.radices[1][i - 1] = measured.radices[i];
+        return true;
+    }
+    return false;
+}
+
 template <class R>
 bool choose_turn(std::int64_t n, Recipe& recipe)
 {
+    if (sizeof(R) == sizeof(double) ? choose_measured(n, measured_double, recipe)
+                                    : choose_measured(n, measured_float, recipe))
+        return true;
     float best = 0;
     bool found = false;
     for (const RadixCost& turn : radix_costs) {

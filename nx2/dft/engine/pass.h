@@ -198,20 +198,40 @@ struct Kernels {
     PassKernel<R>*in, *in_row, *within, *out, *out_row[2], *whole, *turn, *rows; // out_row: forward, backward
 };
 
+// With one lane all ways to lie in memory are the same.
+template <class R>
+inline constexpr Row anywhere = lanes<R> == 2 ? Row::apart : Row::ascending;
+template <class R>
+inline constexpr Row backwards = lanes<R> == 2 ? Row::descending : Row::ascending;
+
+template <int r, class R>
+constexpr void set_out(Kernels<R>& k)
+{
+    k.out = pass_out<r, R, anywhere<R>>;
+    k.out_row[0] = pass_out<r, R, Row::ascending>;
+    k.out_row[1] = pass_out<r, R, backwards<R>>;
+}
+
 template <int r, class R>
 constexpr Kernels<R> kernels_of_radix()
 {
-    constexpr bool two = lanes<R> == 2; // with one lane all ways to lie in memory are the same
     Kernels<R> k = {};
-    k.in = pass_in < r, R, two ? Row::apart : Row::ascending > ;
+    k.in = pass_in<r, R, anywhere<R>>;
     k.in_row = pass_in<r, R, Row::ascending>;
     k.within = pass_within<r, R>;
-    k.out = pass_out < r, R, two ? Row::apart : Row::ascending > ;
-    k.out_row[0] = pass_out<r, R, Row::ascending>;
-    k.out_row[1] = pass_out < r, R, two ? Row::descending : Row::ascending > ;
+    set_out<r>(k);
     k.whole = pass_whole<r, R>;
     k.turn = pass_turn<r, R>;
     k.rows = pass_rows<r, R>;
+    return k;
+}
+
+// The last pass only.
+template <int r, class R>
+constexpr Kernels<R> last_kernels_of_radix()
+{
+    Kernels<R> k = {};
+    set_out<r>(k);
     return k;
 }
 

@@ -13,6 +13,9 @@ const Kernels<R>* kernels(int radix)
     switch (radix) {
         ORK_RADICES(CASE)
     }
+    if constexpr (sizeof(R) == sizeof(double)) switch (radix) {
+            ORK_LAST_RADICES(CASE)
+        }
     return nullptr;
 }
 template const Kernels<float>* kernels<float>(int);

@@ -12,6 +12,10 @@ namespace ork::dft {
 #define ORK_RADICES_D(X) X(23) X(25) X(32)
 #define ORK_RADICES(X) ORK_RADICES_A(X) ORK_RADICES_B(X) ORK_RADICES_C(X) ORK_RADICES_D(X)
 
+// Of these there is the last pass only, in double precision: as long straight-line code they save passes over short
+// vectors.
+#define ORK_LAST_RADICES(X) X(48) X(64)
+
 // Every file defines its members.
 template <int r, class R>
 struct Radix {
