@@ -124,7 +124,7 @@ static void rows_half(const Plan<R>& plan, bool backward, std::int64_t group, R 
         for (std::int64_t v = 0; v < vectors; ++v) {
             Pass<R> a;
             a.in = matrix + (k + v * l) * row, a.in_step = 2, a.in_lane = single ? 0 : row;
-            a.vectors = 1, a.ahead = 0;
+            a.vectors = 1, a.in_next = 0, a.scratch_next = 0, a.ahead = 0;
             a.scratch = scratch + v * next;
             if (v + 1 < vectors) // the next rows, while these are computed
                 for (std::int64_t lane = 0; lane < l; ++lane)
