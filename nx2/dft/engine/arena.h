@@ -2,7 +2,7 @@
 // All tables of a plan in one piece of memory: a builder runs once without memory, to count, and once with it.
 #pragma once
 
-#include <cstddef>
+#include "dft/lines.h"
 
 namespace ork::dft {
 
@@ -19,7 +19,7 @@ public:
     T* take(std::size_t count)
     {
         const std::size_t at = used_;
-        used_ += (count * sizeof(T) + 63) / 64 * 64;
+        used_ += whole_lines(count * sizeof(T));
         return reinterpret_cast<T*>(base_ + at);
     }
 

@@ -173,7 +173,7 @@ bool choose_turn(std::int64_t n, Recipe& recipe)
 
 bool small_primes(std::int64_t n)
 {
-    for (const int p : {2, 3, 5, 7, 11, 13, 17, 19, 23})
+    for (const int p : pass_primes)
         while (n % p == 0) n /= p;
     return n == 1;
 }

@@ -24,7 +24,7 @@ std::int64_t generator(std::int64_t n)
 {
     for (std::int64_t g = 2;; ++g) {
         bool generates = true;
-        for (const int p : {2, 3, 5, 7, 11, 13, 17, 19, 23})
+        for (const int p : pass_primes)
             if ((n - 1) % p == 0 && power_modulo(g, (n - 1) / p, n) == 1) generates = false;
         if (generates) return g;
     }
@@ -39,10 +39,8 @@ bool transform_response(Plan<R>& plan, std::int64_t m, Complex<R>* values)
     if (work != 0 && memory == nullptr) return false;
     transform(*plan.inner, Direction::forward, R(1), values, values, memory);
     if (memory != nullptr) ork_serv_free(memory);
-    for (std::int64_t k = 0; k < m; ++k) {
-        const R over = R(1) / static_cast<R>(m);
-        set_factor(plan.response, k, over * values[k]);
-    }
+    const R over = R(1) / static_cast<R>(m);
+    for (std::int64_t k = 0; k < m; ++k) set_factor(plan.response, k, over * values[k]);
     return true;
 }
 
@@ -105,13 +103,16 @@ std::size_t convolution_work(const Plan<R>& plan)
     return whole_lines(static_cast<std::size_t>(plan.inner->n) * sizeof(Complex<R>)) + work_bytes(*plan.inner);
 }
 
+// x becomes its convolution with the response, plus `added` in every place. Returns the sum of x.
 template <class R>
-static void convolve(const Plan<R>& plan, Complex<R>* x, void* work, Complex<R> added)
+static Complex<R> convolve(const Plan<R>& plan, Complex<R>* x, void* work, Complex<R> added)
 {
     transform(*plan.inner, Direction::forward, R(1), x, x, work);
+    const Complex<R> sum = x[0];
     multiply(reals(x), plan.response, plan.inner->n);
     x[0] = x[0] + added;
     transform(*plan.inner, Direction::backward, R(1), x, x, work);
+    return sum;
 }
 
 template <class R>
@@ -124,12 +125,7 @@ void run_rader(const Plan<R>& plan, Direction direction, const R* in, R* out, vo
     auto* to = reinterpret_cast<Complex<R>*>(out);
     const Complex<R> first = from[0];
     for (std::int64_t q = 0; q < m; ++q) x[q] = from[plan.places[q]];
-    transform(*plan.inner, Direction::forward, R(1), x, x, rest);
-    const Complex<R> all = first + x[0];
-    multiply(reals(x), plan.response, m);
-    x[0] = x[0] + first; // adds it to every result of the transform back
-    transform(*plan.inner, Direction::backward, R(1), x, x, rest);
-    to[0] = all;
+    to[0] = first + convolve(plan, x, rest, first);
     if (direction == Direction::forward)
         for (std::int64_t q = 0; q < m; ++q) to[plan.places[m + q]] = x[q];
     else

@@ -36,6 +36,8 @@ int choose_vertical(std::int64_t n, int* radices);
 // The cheapest length of small primes that is at least n.
 template <class R>
 std::int64_t good_length(std::int64_t n);
+// The primes that passes have radices for, and whether n has no others.
+inline constexpr int pass_primes[] = {2, 3, 5, 7, 11, 13, 17, 19, 23};
 bool small_primes(std::int64_t n);
 
 template <class R>
@@ -104,8 +106,6 @@ template <class R>
 void run_rader(const Plan<R>& plan, Direction direction, const R* in, R* out, void* work);
 template <class R>
 void run_bluestein(const Plan<R>& plan, Direction direction, const R* in, R* out, void* work);
-
-inline std::size_t whole_lines(std::size_t bytes) { return (bytes + 63) / 64 * 64; }
 
 // x[i] *= factors[i], i < n; numbers at any address.
 template <class R>

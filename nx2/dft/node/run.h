@@ -2,6 +2,7 @@
 // Stages of passes, run for some of their units.
 #pragma once
 
+#include "dft/lines.h"
 #include "dft/node/stages.h"
 
 namespace ork::dft {
@@ -11,7 +12,7 @@ inline constexpr std::int64_t column_padding = 4;
 template <class R>
 constexpr std::size_t gathered_bytes(std::int64_t length, int width)
 {
-    return (static_cast<std::size_t>(width * (length + column_padding)) * sizeof(Complex<R>) + 63) / 64 * 64;
+    return whole_lines(static_cast<std::size_t>(width * (length + column_padding)) * sizeof(Complex<R>));
 }
 
 // Units are blocks, each with all its passes.

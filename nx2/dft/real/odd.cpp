@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Plan and steps of odd lengths.
 #include "dft/real/odd.h"
+#include "dft/lines.h"
 
 #include "dft/engine/roots.h"
 #include "dft/real/odd_columns.h"
@@ -62,8 +63,6 @@ bool fill_twiddles(OddPlan<R>& plan)
     return plan.twiddles != nullptr && fine != nullptr;
 }
 
-std::size_t rounded_up(std::size_t bytes) { return (bytes + 63) / 64 * 64; }
-
 template <class R>
 OddColumns<R> columns(const OddPlan<R>& plan, void* work)
 {
@@ -100,8 +99,8 @@ int make_odd_plan(std::int64_t n, OddPlan<R>** result)
         return 1;
     }
     const std::size_t rows = work_bytes(*plan->rows, plan->r / 2), first = work_bytes(*plan->first);
-    const std::size_t row_bytes = rounded_up(static_cast<std::size_t>(plan->padded + 2) * sizeof(R));
-    plan->first_offset = rounded_up(rows > first ? rows : first);
+    const std::size_t row_bytes = whole_lines(static_cast<std::size_t>(plan->padded + 2) * sizeof(R));
+    plan->first_offset = whole_lines(rows > first ? rows : first);
     plan->rows_offset = plan->first_offset + row_bytes;
     plan->own_bytes = plan->rows_offset + static_cast<std::size_t>(plan->r / 2 * 2 * plan->padded) * sizeof(R);
     *result = plan;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Plans for real transforms: which way a length goes, its constants, its work memory.
 #include "dft/engine/roots.h"
+#include "dft/lines.h"
 #include "dft/real/real_plan.h"
 #include "frame/core_imports.h"
 
@@ -67,8 +68,6 @@ int plan_odd(RealPlan<R>& plan)
     if (make_odd_plan(plan.n, &plan.odd) != 0) return 1;
     return plan.odd == nullptr ? make_plan(plan.n, &plan.complex) : 0;
 }
-
-std::size_t whole_lines(std::size_t bytes) { return (bytes + 63) / 64 * 64; }
 
 } // namespace
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // One transform of contiguous real numbers: short ones straight-line, long ones divisible into stages for threads.
+#include "dft/lines.h"
 #include "dft/real/real_plan.h"
 
 namespace ork::dft {
@@ -81,7 +82,7 @@ template <class R>
 std::size_t shared_bytes(const RealPlan<R>& plan, Packing packing)
 {
     if (plan.n % 2 != 0) return 0;
-    const std::size_t complex = (shared_bytes(*plan.complex) + 63) / 64 * 64;
+    const std::size_t complex = whole_lines(shared_bytes(*plan.complex));
     return complex + (packing == Packing::pack ? static_cast<std::size_t>(plan.n) * sizeof(R) : 0);
 }
 
@@ -97,7 +98,7 @@ void run_stage(const RealPlan<R>& plan, int stage, Direction direction, Packing 
 {
     const std::int64_t m = plan.n / 2, pairs_end = (m - 1) / 2 + 1;
     const std::int64_t first = 1 + from * chunk, last = 1 + to * chunk < pairs_end ? 1 + to * chunk : pairs_end;
-    R* const own = reinterpret_cast<R*>(static_cast<char*>(shared) + (shared_bytes(*plan.complex) + 63) / 64 * 64);
+    R* const own = reinterpret_cast<R*>(static_cast<char*>(shared) + whole_lines(shared_bytes(*plan.complex)));
     R* const half = packing == Packing::pack ? own : out; // numbers of the half-length transform
     const Place<R> z = {half, half + 1, 2, 0};
     if (direction == Direction::forward) {
