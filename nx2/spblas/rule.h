@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+// What a member's letters ask for, with the members that are equal by algebra called equal: a symmetric matrix
+// transposed is itself, a Hermitian one its conjugate, a skew one its negative, real numbers are their own conjugates.
+// Kernels are templates over a Rule, so equal members share one body.
+#pragma once
+
+#include "ork/abi/spblas.h"
+#include "simd/complex.h"
+
+namespace ork::spblas {
+
+struct Rule {
+    int base;
+    char type; // g s h t a d
+    bool lower, unit;
+    bool transpose;
+    bool conjugate; // the values as they are stored
+    bool negate;    // alpha
+    bool row_major;
+
+    friend constexpr bool operator==(Rule, Rule) = default;
+};
+
+template <class T>
+constexpr Rule rule(Shape s)
+{
+    Rule r{s.base - '0',  s.type,           s.uplo == 'l',
+           s.diag == 'u', transposes(s.op), is_complex<T> && conjugates(s.op),
+           false,         s.layout == 'c'};
+    if (s.type == 'h' && transposes(s.op)) r.conjugate = s.op == 't';
+    if (s.type == 'a') r.negate = r.transpose;
+    if (s.type != 'g' && s.type != 't') r.transpose = false;
+    return r;
+}
+
+// The value of a stored entry under the rule.
+template <Rule r, class T>
+inline T direct(T value)
+{
+    if constexpr (r.conjugate) return conj(value);
+    return value;
+}
+
+// The value at the mirrored place of a symmetric, Hermitian or skew matrix.
+template <Rule r, class T>
+inline T mirrored(T value)
+{
+    if constexpr (r.type == 'a')
+        return T{} - direct<r>(value);
+    else if constexpr (r.type == 'h' && is_complex<T>)
+        return r.conjugate ? value : conj(value);
+    else
+        return direct<r>(value);
+}
+
+// Whether an off-diagonal entry belongs to the triangle that is read.
+template <Rule r, class Int>
+inline bool in_triangle(Int row, Int column)
+{
+    return r.lower ? column < row : column > row;
+}
+
+} // namespace ork::spblas
