@@ -1,36 +1,151 @@
 // SPDX-License-Identifier: MIT
-// y = alpha op(A) x + beta y for a compressed-row matrix.
+// y = alpha A x + beta y and y = alpha A^T x + beta y for a general matrix in compressed rows.
+//
+// Bodies take the arguments of the exports as they stand, so that an export is a jump.
 #pragma once
 
-#include "spblas/csr.h"
-#include "spblas/rule.h"
+#include "spblas/row_dot.h"
 #include "spblas/scale.h"
 
 namespace ork::spblas {
 
-// Rows first .. last of A, 0-based and exclusive.
-template <class Int>
-struct Rows {
-    Int first, last;
-};
-
-template <class Int, class T>
-inline T row_dot(const Csr<Int, T>& a, Int row, int base, bool conjugate, const T* x)
+// beta = 0 must not read y: it may hold NaN.
+template <class T>
+inline void put_row(T& y, T s, T alpha, T beta)
 {
-    T s{};
-    for (Int k = a.first(row); k < a.last(row); ++k)
-        s = s + a.val[k] * x[a.indx[k] - base];
-    return s;
+    y = beta == T{} ? alpha * s : y * beta + s * alpha;
 }
 
-template <Rule r, class Int, class T>
-[[gnu::noinline]] void csr_mvout(Rows<Int> rows, Int m, T alpha, Csr<Int, T> a, const T* x, T* y, T beta)
+// Rows of `length` entries from row i on, as long as they come; returns the first that differs. In matrices of grids
+// and meshes most rows are as long as the one before: the loop over a row's entries, and most of the mispredicted
+// branches go (1.1 to 1.2 times the plain loop on grids of 5 and 7 points in the second-level cache).
+template <int length, int base, bool far, class Int, class T>
+[[gnu::always_inline]] inline std::int64_t equal_rows(std::int64_t i, std::int64_t last, const Csr<Int, T>& a,
+                                                      const T* x, T* y, T alpha, T beta)
 {
-    if constexpr (r.type == 'g' && !r.transpose) {
-        for (Int i = rows.first; i < rows.last; ++i) {
-            const T s = row_dot(a, i, r.base, r.conjugate, x);
-            y[i] = beta == T{} ? alpha * s : y[i] * beta + s * alpha;
+    do {
+        const std::int64_t k = a.first(i);
+        if constexpr (far) {
+            fetch(a.val + k), fetch(a.indx + k);
+            fetch(y + i), fetch(a.pntrb + i);
         }
+        put_row(y[i], short_row_dot<base, length>(a.val + k, a.indx + k, x), alpha, beta);
+        ++i;
+    } while (i < last && a.last(i) - a.first(i) == length);
+    return i;
+}
+
+template <int base, bool far, class Int, class T>
+void real_rows(Rows rows, T alpha, Csr<Int, T> a, const T* x, T* y, T beta)
+{
+    std::int64_t i = rows.first;
+    const auto equal = [&]<int length>(std::integral_constant<int, length>) {
+        i = equal_rows<length, base, far>(i, rows.last, a, x, y, alpha, beta);
+    };
+    while (i < rows.last) {
+        const std::int64_t k = a.first(i), length = a.last(i) - k;
+        if (length == 5) {
+            equal(std::integral_constant<int, 5>{});
+        } else if (length == 7) {
+            equal(std::integral_constant<int, 7>{});
+        } else if (length == 4) {
+            equal(std::integral_constant<int, 4>{});
+        } else if (length == 6) {
+            equal(std::integral_constant<int, 6>{});
+        } else {
+            put_row(y[i], row_dot<base, false, far>(a.val + k, a.indx + k, length, x), alpha, beta);
+            ++i;
+        }
+    }
+}
+
+// Writes y of the rows and nothing else, so threads may share y.
+template <Rule r, class Int, class T>
+[[gnu::noinline]] void general_product(const Int* first, const Int* last, Options, const Int*, const T* alpha,
+                                       const T* val, const Int* indx, const Int* pntrb, const Int* pntre, const T* x,
+                                       T* y, const T* beta)
+{
+    const Rows rows{std::int64_t{*first} - 1, *last};
+    if (rows.last <= rows.first) return;
+    const Csr<Int, T> a{val, indx, pntrb, pntre};
+    if constexpr (is_complex<T>) {
+        for (std::int64_t i = rows.first; i < rows.last; ++i) {
+            const std::int64_t k = a.first(i);
+            const T s = row_dot<r.base, r.conjugate, true>(val + k, indx + k, a.last(i) - k, x);
+            put_row(y[i], s, *alpha, *beta);
+        }
+    } else if (is_far(a, rows)) {
+        real_rows<r.base, true>(rows, *alpha, a, x, y, *beta);
+    } else {
+        real_rows<r.base, false>(rows, *alpha, a, x, y, *beta);
+    }
+}
+
+// y[column] += val t for the entries of one row, in their order: equal columns must see each other.
+template <int unroll, bool conjugate, class Int, class T>
+inline void scatter_row(const T* val, const Int* indx, std::int64_t length, T t, T* y, std::int64_t base)
+{
+    std::int64_t k = 0;
+    for (; k + unroll <= length; k += unroll) {
+        T product[unroll];
+#pragma GCC unroll 4
+        for (int j = 0; j < unroll; ++j) product[j] = conjugate_if<conjugate>(val[k + j]) * t;
+#pragma GCC unroll 4
+        for (int j = 0; j < unroll; ++j) {
+            T& element = y[indx[k + j] - base];
+            element = element + product[j];
+        }
+    }
+    for (; k < length; ++k) y[indx[k] - base] = y[indx[k] - base] + conjugate_if<conjugate>(val[k]) * t;
+}
+
+template <int unroll, bool conjugate, class Int, class T>
+void scatter_rows(Rows rows, T alpha, Csr<Int, T> a, const T* x, T* y, std::int64_t base)
+{
+    for (std::int64_t i = rows.first; i < rows.last; ++i) {
+        const std::int64_t k = a.first(i);
+        fetch(a.val + k), fetch(a.indx + k);
+        scatter_row<unroll, conjugate>(a.val + k, a.indx + k, a.last(i) - k, alpha * x[i], y, base);
+    }
+}
+
+// Scales the whole of y, m elements, in every call; then row by row into all of y.
+template <Rule r, class Int, class T>
+[[gnu::noinline]] void general_transposed(const Int* first, const Int* last, Options options, const Int* m,
+                                          const T* alpha, const T* val, const Int* indx, const Int* pntrb,
+                                          const Int* pntre, const T* x, T* y, const T* beta)
+{
+    scale(*m, *beta, y);
+    const Rows rows{std::int64_t{*first} - 1, *last};
+    if (rows.last <= rows.first) return;
+    const Csr<Int, T> a{val, indx, pntrb, pntre};
+    const double entries = static_cast<double>(a.last(rows.last - 1) - a.first(rows.first));
+    const double mean = entries / static_cast<double>(rows.last - rows.first);
+    if (mean >= 30)
+        scatter_rows<4, r.conjugate>(rows, *alpha, a, x, y, options.base);
+    else if (mean >= 6)
+        scatter_rows<2, r.conjugate>(rows, *alpha, a, x, y, options.base);
+    else
+        scatter_rows<1, r.conjugate>(rows, *alpha, a, x, y, options.base);
+}
+
+// y = A x of the three-array form, 1-based. Groups of four products, ((p0 + p1) + p2) + p3, are added to the sum one
+// after the other; the last one to three are a group too.
+template <class Int, class T>
+void gemv_rows(Rows rows, const T* val, const Int* indx, const Int* ia, const T* x, T* y)
+{
+    for (std::int64_t i = rows.first; i < rows.last; ++i) {
+        std::int64_t k = std::int64_t{ia[i]} - ia[0];
+        const std::int64_t end = std::int64_t{ia[i + 1]} - ia[0];
+        const auto product = [&](std::int64_t j) { return val[j] * x[std::int64_t{indx[j]} - 1]; };
+        T s{};
+        for (; k + 4 <= end; k += 4) s = s + (((product(k) + product(k + 1)) + product(k + 2)) + product(k + 3));
+        if (k < end) {
+            T group = product(k++);
+            for (; k < end; ++k) group = group + product(k);
+            s = s + group;
+        }
+        y[i] = s;
     }
 }
 

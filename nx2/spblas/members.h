@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <type_traits>
 
 #include "frame/export.h"
 #include "spblas/rule.h"
@@ -13,16 +14,15 @@
 namespace ork::spblas {
 
 using Int = ORK_SPBLAS_INT;
+using T = ORK_SPBLAS_ELEMENT;
 
 #define ORK_SPBLAS_SYMBOL_OF(prefix, letter, name) prefix##letter##name
 #define ORK_SPBLAS_SYMBOL(prefix, letter, name) ORK_SPBLAS_SYMBOL_OF(prefix, letter, name)
 #define SDCZ(name) MEMBER(ORK_SPBLAS_SYMBOL(ORK_SPBLAS_PREFIX, ORK_SPBLAS_LETTER, name), #name)
-
 #if ORK_SPBLAS_COMPLEX
 #define CZ(name) SDCZ(name)
 #else
 #define CZ(name)
 #endif
-using T = ORK_SPBLAS_ELEMENT;
 
 } // namespace ork::spblas

@@ -18,8 +18,24 @@ struct Rule {
     bool negate;    // alpha
     bool row_major;
 
-    friend constexpr bool operator==(Rule, Rule) = default;
+    // The rule of a body that learns base and sign from its Options and has no dense matrices.
+    constexpr Rule with_run_time_base() const
+    {
+        Rule r = *this;
+        r.base = 0, r.negate = false, r.row_major = false;
+        return r;
+    }
 };
+
+// What members that share a body differ by. It travels in the register of the argument that no kernel reads, so that an
+// export is a jump.
+struct Options {
+    std::int32_t base;
+    std::int32_t negate; // alpha
+};
+static_assert(sizeof(Options) == 8);
+
+constexpr Options options(Rule r) { return {r.base, r.negate}; }
 
 template <class T>
 constexpr Rule rule(Shape s)
@@ -33,12 +49,20 @@ constexpr Rule rule(Shape s)
     return r;
 }
 
+template <bool conjugate, class T>
+inline T conjugate_if(T value)
+{
+    if constexpr (conjugate)
+        return conj(value);
+    else
+        return value;
+}
+
 // The value of a stored entry under the rule.
 template <Rule r, class T>
 inline T direct(T value)
 {
-    if constexpr (r.conjugate) return conj(value);
-    return value;
+    return conjugate_if<r.conjugate>(value);
 }
 
 // The value at the mirrored place of a symmetric, Hermitian or skew matrix.
@@ -46,11 +70,9 @@ template <Rule r, class T>
 inline T mirrored(T value)
 {
     if constexpr (r.type == 'a')
-        return T{} - direct<r>(value);
-    else if constexpr (r.type == 'h' && is_complex<T>)
-        return r.conjugate ? value : conj(value);
+        return Real<T>(-1) * direct<r>(value);
     else
-        return direct<r>(value);
+        return conjugate_if < r.type == 'h' ? !r.conjugate : r.conjugate > (value);
 }
 
 // Whether an off-diagonal entry belongs to the triangle that is read.
