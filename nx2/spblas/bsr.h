@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+// Rows of square blocks in a caller's arrays, and what is to be done with them.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+
+#include "simd/complex.h"
+
+namespace ork::spblas::bsr {
+
+// Which block columns of a row count: first <= j < last.
+struct Columns {
+    std::int64_t first, last;
+    bool have(std::int64_t j) const { return first <= j && j < last; }
+};
+
+// y_i = beta y_i + alpha B x_j over the blocks of a row, or y_j = y_j + alpha_mirrored B^T x_i. A product of dense
+// matrices has `count` vectors x and y: element r of vector j is x[r + j * ldx], or x[r * ldx + j] where dense matrices
+// lie by rows.
+template <class Int, class T>
+struct BlockTask {
+    std::int64_t lb;
+    const T* val;
+    const Int* indx;
+    const Int *pntrb, *pntre; // positions count from pntrb[0]
+    std::int64_t base;
+    const T* x;
+    T* y;
+    std::int64_t ldx, ldy, count;
+    T alpha, alpha_mirrored, beta;
+    bool conjugate, conjugate_mirrored, by_rows, dense_by_rows;
+    bool whole, lower;
+
+    std::int64_t first(std::int64_t row) const { return std::int64_t{pntrb[row]} - pntrb[0]; }
+    std::int64_t last(std::int64_t row) const { return std::int64_t{pntre[row]} - pntrb[0]; } // exclusive
+    std::int64_t column(std::int64_t k) const { return indx[k] - base; }
+    const T* block(std::int64_t k) const { return val + k * lb * lb; }
+    std::int64_t x_at(std::int64_t row) const { return row * lb * (dense_by_rows ? ldx : 1); }
+    std::int64_t y_at(std::int64_t row) const { return row * lb * (dense_by_rows ? ldy : 1); }
+
+    Columns columns(std::int64_t row) const
+    {
+        constexpr auto lowest = std::numeric_limits<std::int64_t>::min();
+        constexpr auto highest = std::numeric_limits<std::int64_t>::max();
+        return {whole || lower ? lowest : row + 1, !whole && lower ? row : highest};
+    }
+};
+
+} // namespace ork::spblas::bsr
