@@ -51,6 +51,16 @@
 //   gemvout_par first, last, unread, unread, unread, val, indx, ia, unread, x, y       y = A x (csr, 1-based, ia for
 //   both)
 //
+// and, of csr in three arrays, 1-based as gemvout's, without grammar in their names:
+//
+//   csrmultd_ker     first, last, k, a, ja, ia, b, jb, ib, c, ldc      rows first .. last of C = A B, of k columns
+//   csrmultd_ker_t   first, last, m, k, a, ja, ia, b, jb, ib, c, ldc   C = A^T B, of m x k: rows first .. last of A and
+//                                                                      B alone, so concurrent calls need a C each
+//   csrsymmvs        uplo, m, val, indx, ia, x, y                      y = A x, symmetric, d alone; uplo 'L' or 'U' is
+//                                                                      the triangle that is read (either case)
+//
+// C is dense and column-major, overwritten; entries are taken in the order in which they are stored, those of A first.
+//
 // mvout_par works on the slice first .. last of the matrix: rows (csr, bsr, dia, sky lower), columns (bsc, sky upper)
 // or entries (coo). `size` is the length of y, of dia two arguments: the rows and the columns of A. The kernels that
 // scatters() names scale the whole of y by beta (0: clear it) in every call, also when the slice is empty, and add into
@@ -165,6 +175,12 @@ template <class Int, class T>
 struct Calls<Format::csr, Int, T> : Signatures<Int, T, const T*, const Int*, const Int*, const Int*> {
     using GemvoutPar = void(const Int* first, const Int* last, const void*, const void*, const void*, const T* val,
                             const Int* indx, const Int* ia, const void*, const T* x, T* y);
+    using Multd = void(const Int* first, const Int* last, const Int* k, const T* a, const Int* ja, const Int* ia,
+                       const T* b, const Int* jb, const Int* ib, T* c, const Int* ldc);
+    using MultdTransposed = void(const Int* first, const Int* last, const Int* m, const Int* k, const T* a,
+                                 const Int* ja, const Int* ia, const T* b, const Int* jb, const Int* ib, T* c,
+                                 const Int* ldc);
+    using Symmvs = void(const char* uplo, const Int* m, const T* val, const Int* indx, const Int* ia, const T* x, T* y);
 };
 template <class Int, class T>
 struct Calls<Format::coo, Int, T> : Signatures<Int, T, const T*, const Int*, const Int*, const Int*> {
