@@ -36,6 +36,9 @@ Arrays<T> compressed(const Sparse<T>& a, const Arrangement& how, bool by_columns
     result.number = a.lb;
     result.begin.resize(static_cast<std::size_t>(lines));
     result.end.resize(result.begin.size());
+    std::vector<std::vector<const Block<T>*>> blocks(result.begin.size());
+    for (const Block<T>& block : a.blocks)
+        blocks[static_cast<std::size_t>(by_columns ? block.column : block.row)].push_back(&block);
     for (std::int64_t l = 0; l < lines; ++l) {
         const std::int64_t line = how.gaps && l > 0 ? lines - l : l;
         const auto position = [&] { return static_cast<std::int64_t>(result.indx.size()) + how.start; };
@@ -44,12 +47,11 @@ Arrays<T> compressed(const Sparse<T>& a, const Arrangement& how, bool by_columns
             result.val.insert(result.val.end(), static_cast<std::size_t>(a.lb * a.lb), not_a_number<T>());
         }
         result.begin[static_cast<std::size_t>(line)] = position();
-        for (const Block<T>& block : a.blocks) {
-            if ((by_columns ? block.column : block.row) != line) continue;
-            result.indx.push_back((by_columns ? block.row : block.column) + base);
+        for (const Block<T>* block : blocks[static_cast<std::size_t>(line)]) {
+            result.indx.push_back((by_columns ? block->row : block->column) + base);
             for (std::int64_t k = 0; k < a.lb * a.lb; ++k) {
                 const std::int64_t turned = k % a.lb * a.lb + k / a.lb;
-                result.val.push_back(block.value[static_cast<std::size_t>(how.shape.layout == 'c' ? k : turned)]);
+                result.val.push_back(block->value[static_cast<std::size_t>(how.shape.layout == 'c' ? k : turned)]);
             }
         }
         result.end[static_cast<std::size_t>(line)] = position();
