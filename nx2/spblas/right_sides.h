@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: MIT
+// A few right-hand sides of one row at once: `Columns` of column-major operands, `Lanes` of row-major ones.
+#pragma once
+
+#include <cstddef>
+
+#include "blas/divide.h"
+#include "spblas/scale.h"
+
+namespace ork::spblas {
+
+using Index = std::ptrdiff_t; // positions and strides, whatever integer the caller counts with
+
+// val or its conjugate.
+template <class T>
+struct Conjugation {
+    Real<T> sign;
+
+    explicit Conjugation(bool conjugate) : sign(conjugate ? -1 : 1) {}
+    T operator()(T value) const
+    {
+        if constexpr (is_complex<T>)
+            return {value.re, sign * value.im};
+        else
+            return value;
+    }
+};
+
+// C and B, or y and x as a single column. Row i of right-hand side j stands `i * row + j * side` from the first.
+template <class T>
+struct Operands {
+    const T* b;
+    T* c;
+    Index b_row, b_side, c_row, c_side;
+    Index sides;
+
+    Operands(const T* x, T* y) : b(x), c(y), b_row(1), b_side(0), c_row(1), c_side(0), sides(1) {}
+    Operands(bool row_major, const T* b, Index ldb, T* c, Index ldc, Index first, Index last)
+        : b_row(row_major ? ldb : 1), b_side(row_major ? 1 : ldb), c_row(row_major ? ldc : 1),
+          c_side(row_major ? 1 : ldc), sides(last < first ? 0 : last - first + 1)
+    {
+        this->b = b + (first - 1) * b_side;
+        this->c = c + (first - 1) * c_side;
+    }
+};
+
+template <class T, int count>
+struct Columns {
+    static constexpr int sides = count;
+    T v[count];
+
+    static Index at(Index row, Index) { return row; }
+    static Columns load(const T* p, Index side)
+    {
+        Columns a;
+#pragma GCC unroll 4
+        for (int j = 0; j < count; ++j) a.v[j] = p[j * side];
+        return a;
+    }
+    void store(T* p, Index side) const
+    {
+#pragma GCC unroll 4
+        for (int j = 0; j < count; ++j) p[j * side] = v[j];
+    }
+    void add(T a, const Columns& x)
+    {
+#pragma GCC unroll 4
+        for (int j = 0; j < count; ++j) v[j] = v[j] + a * x.v[j];
+    }
+    void divide(T d)
+    {
+#pragma GCC unroll 4
+        for (int j = 0; j < count; ++j) v[j] = divided(v[j], d);
+    }
+};
+
+template <class T, int vectors, int width>
+struct Lanes {
+    static constexpr int sides = vectors * width;
+    Vec<T> v[vectors];
+
+    static Index at(Index row, Index stride) { return row * stride; }
+    static Lanes load(const T* p, Index)
+    {
+        Lanes a;
+#pragma GCC unroll 4
+        for (int j = 0; j < vectors; ++j) a.v[j] = ork::load<width>(p + j * width);
+        return a;
+    }
+    void store(T* p, Index) const
+    {
+#pragma GCC unroll 4
+        for (int j = 0; j < vectors; ++j) ork::store<width>(p + j * width, v[j]);
+    }
+    void add(T a, const Lanes& x)
+    {
+        const Factor<T> factor(a);
+#pragma GCC unroll 4
+        for (int j = 0; j < vectors; ++j) v[j] = sum(factor * x.v[j], v[j]);
+    }
+    void divide(T d)
+    {
+        T elements[sides];
+        store(elements, 0);
+        for (int j = 0; j < sides; ++j) elements[j] = divided(elements[j], d);
+        *this = load(elements, 0);
+    }
+};
+
+// f(group type, operands of that group) for all right-hand sides.
+template <class Group, class T, class F>
+inline void while_groups(Operands<T>& o, F& f)
+{
+    for (; o.sides >= Group::sides; o.sides -= Group::sides) {
+        f(Group{}, static_cast<const Operands<T>&>(o));
+        o.b += Group::sides * o.b_side, o.c += Group::sides * o.c_side;
+    }
+}
+
+template <class T, class F>
+inline void for_lanes(Operands<T> o, F f)
+{
+    constexpr int lanes = Vec<T>::lanes;
+    while_groups<Lanes<T, 4, lanes>>(o, f);
+    while_groups<Lanes<T, 1, lanes>>(o, f);
+    if constexpr (lanes > 1) while_groups<Lanes<T, 1, 1>>(o, f);
+}
+
+template <class T, class F>
+inline void for_columns(Operands<T> o, F f)
+{
+    while_groups<Columns<T, 4>>(o, f);
+    while_groups<Columns<T, 1>>(o, f);
+}
+
+template <class T, class F>
+inline void for_groups(bool row_major, const Operands<T>& o, F f)
+{
+    row_major ? for_lanes(o, f) : for_columns(o, f);
+}
+
+// Rows first .. last (exclusive) of C times beta.
+template <class T>
+inline void scale_rows(bool row_major, Index first, Index last, T beta, const Operands<T>& o)
+{
+    if (last <= first) return;
+    if (row_major)
+        for (Index i = first; i < last; ++i) scale(o.sides, beta, o.c + i * o.c_row);
+    else
+        for (Index j = 0; j < o.sides; ++j) scale(last - first, beta, o.c + j * o.c_side + first);
+}
+
+// The ones of a unit diagonal: rows first .. last of C += alpha B.
+template <class T>
+[[gnu::noinline]] void add_identity(bool row_major, Index first, Index last, T alpha, Operands<T> o)
+{
+    for_groups(row_major, o, [&]<class Group>(Group, const Operands<T>& part) {
+        for (Index i = first; i < last; ++i) {
+            T* c = part.c + Group::at(i, part.c_row);
+            Group sum = Group::load(c, part.c_side);
+            sum.add(alpha, Group::load(part.b + Group::at(i, part.b_row), part.b_side));
+            sum.store(c, part.c_side);
+        }
+    });
+}
+
+} // namespace ork::spblas

@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: MIT
+// Products with a skyline matrix. Profile i is the contiguous part of row i (lower) or column i (upper) that ends with
+// the diagonal: it is multiplied with the elements of B beside it into row i of C, or with row i of B into the elements
+// of C beside it, or both.
+#pragma once
+
+#include <algorithm>
+
+#include "spblas/streams.h"
+#include "spblas/terms.h"
+
+namespace ork::spblas {
+
+template <class T>
+struct Profile {
+    const T* val; // rows or columns first .. last of A, without the diagonal
+    Index first, last;
+    const T* diagonal; // null where the profile is empty
+};
+
+template <class Int, class T>
+struct Sky {
+    const T* val;
+    const Int* pntr; // positions count from pntr[0]
+
+    Profile<T> profile(Index i) const
+    {
+        const Index begin = Index{pntr[i]} - pntr[0], length = Index{pntr[i + 1]} - pntr[i];
+        if (length <= 0) return {val, i, i, nullptr};
+        return {val + begin, i + 1 - length, i, val + begin + length - 1};
+    }
+};
+
+// How a profile takes part: its sum goes to row i, its multiples go beside, with these values.
+template <class T>
+struct ProfileUse {
+    bool sums, multiples;
+    Conjugation<T> in_sum, in_multiple, in_diagonal;
+    T sum_factor, multiple_factor, diagonal_factor;
+
+    ProfileUse(Terms terms, T alpha)
+        : sums(terms.lower() ? terms.direct() : terms.mirrored()),
+          multiples(terms.lower() ? terms.mirrored() : terms.direct()),
+          in_sum(terms.lower() ? terms.conjugate() : terms.mirrored_conjugate()),
+          in_multiple(terms.lower() ? terms.mirrored_conjugate() : terms.conjugate()), in_diagonal(terms.conjugate()),
+          sum_factor(alpha), multiple_factor(alpha), diagonal_factor(alpha)
+    {
+        if (terms.mirrored_minus()) (terms.lower() ? multiple_factor : sum_factor) = T{} - alpha;
+    }
+};
+
+// Right-hand side by right-hand side along the profile,
+template <class T>
+inline void sky_add(const ProfileUse<T>& use, const Profile<T>& p, Index i, const Operands<T>& o)
+{
+    const Index length = p.last - p.first;
+    for (Index j = 0; j < o.sides; ++j) {
+        const T *b = o.b + j * o.b_side, *x = b + p.first;
+        T *c = o.c + j * o.c_side, *y = c + p.first;
+        T sum{};
+        if (use.sums && use.multiples)
+            sum = dot_axpy(use.multiple_factor * b[i], p.val, x, y, length, use.in_sum, use.in_multiple);
+        else if (use.sums)
+            sum = dot(p.val, x, length, use.in_sum);
+        else if (use.multiples)
+            axpy(use.multiple_factor * b[i], p.val, y, length, use.in_multiple);
+        if (use.sums) c[i] = c[i] + use.sum_factor * sum;
+        if (p.diagonal != nullptr) c[i] = c[i] + use.diagonal_factor * (use.in_diagonal(*p.diagonal) * b[i]);
+    }
+}
+
+// or entry by entry across right-hand sides.
+template <class Group, class T>
+[[gnu::noinline]] void sky_add(const ProfileUse<T>& use, const Profile<T>& p, Index i, const Operands<T>& o)
+{
+    Group sum{}, x{}, own = Group::load(o.b + i * o.b_row, o.b_side);
+    x.add(use.multiple_factor, own);
+    for (Index k = p.first; k < p.last; ++k) {
+        const T value = p.val[k - p.first];
+        if (use.sums) sum.add(use.in_sum(value), Group::load(o.b + k * o.b_row, o.b_side));
+        if (use.multiples) {
+            T* c = o.c + k * o.c_row;
+            Group total = Group::load(c, o.c_side);
+            total.add(use.in_multiple(value), x);
+            total.store(c, o.c_side);
+        }
+    }
+    T* c = o.c + i * o.c_row;
+    Group total = Group::load(c, o.c_side);
+    if (use.sums) total.add(use.sum_factor, sum);
+    if (p.diagonal != nullptr) total.add(use.diagonal_factor * use.in_diagonal(*p.diagonal), own);
+    total.store(c, o.c_side);
+}
+
+// C = alpha op(A) B + beta C from profiles `first` to `last` (exclusive). Writes the rows of these numbers alone where
+// profiles only give sums, and all `size` rows of C otherwise.
+template <class Int, class T>
+[[gnu::noinline]] void sky_product(Terms terms, Index first, Index last, Index size, T alpha, const Sky<Int, T>& a,
+                                   const Operands<T>& o, T beta)
+{
+    constexpr Index block_rows = 512; // of C, scaled while they are near
+    const ProfileUse<T> use(terms, terms.signed_alpha(alpha));
+    const bool row_major = terms.row_major(), everywhere = terms.mirrored() || use.multiples;
+    if (everywhere) scale_rows(row_major, 0, size, beta, o);
+    for (Index i = first; i < last; i += block_rows) {
+        const Index end = std::min(i + block_rows, last);
+        if (!everywhere) scale_rows(row_major, i, end, beta, o);
+        if (terms.unit()) add_identity(row_major, i, end, use.diagonal_factor, o);
+        for (Index row = i; row < end; ++row) {
+            Profile<T> p = a.profile(row);
+            if (!terms.diagonal()) p.diagonal = nullptr;
+            if (!use.sums && !use.multiples) p.first = p.last;
+            if (!row_major)
+                sky_add(use, p, row, o);
+            else
+                for_groups(true, o,
+                           [&]<class Group>(Group, const Operands<T>& part) { sky_add<Group>(use, p, row, part); });
+        }
+    }
+}
+
+} // namespace ork::spblas
