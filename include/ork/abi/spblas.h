@@ -61,6 +61,24 @@
 //
 // C is dense and column-major, overwritten; entries are taken in the order in which they are stored, those of A first.
 //
+// and, of csr in four arrays, csr<base>gauss_seq and so on with base 0 or 1, what preconditioners are made of. Rows are
+// sorted or not, entries of equal place add up; m is the order of the matrix:
+//
+//   gauss_seq        m, backward, omega, <matrix>, b, x        x_i = x_i + omega (b_i - sum of a_ij x_j) / a_ii, rows 1
+//                                                              .. m, or m .. 1 where backward is not 0; each takes the
+//                                                              x_j as they are then (omega = 1: Gauss-Seidel). Rows
+//                                                              without a diagonal, or with 0 there, keep their x_i.
+//   invdiag_par      first, last, <matrix>, d, missing         d_i = 1 / a_ii; 1 for a row without a diagonal or with 0
+//                                                              there, of which missing has the first (1-based; 0: none)
+//   sortrow_par      first, last, <matrix>                     each row by column, in place, equal columns in the order
+//                                                              in which they were
+//   split_par        first, last, <matrix>, lval, lindx, lpntr, uval, uindx, upntr, d
+//                                                              A = L + D + U: the entries below and above the diagonal
+//                                                              as they are stored, row i from position lpntr[i] -
+//                                                              lpntr[0], in the base of the name; d holds D. With lval
+//                                                              null only lpntr[i + 1] and upntr[i + 1] are written, the
+//                                                              numbers of entries: summed up they are the pointers.
+//
 // mvout_par works on the slice first .. last of the matrix: rows (csr, bsr, dia, sky lower), columns (bsc, sky upper)
 // or entries (coo). `size` is the length of y, of dia two arguments: the rows and the columns of A. The kernels that
 // scatters() names scale the whole of y by beta (0: clear it) in every call, also when the slice is empty, and add into
@@ -181,6 +199,13 @@ struct Calls<Format::csr, Int, T> : Signatures<Int, T, const T*, const Int*, con
                                  const Int* ja, const Int* ia, const T* b, const Int* jb, const Int* ib, T* c,
                                  const Int* ldc);
     using Symmvs = void(const char* uplo, const Int* m, const T* val, const Int* indx, const Int* ia, const T* x, T* y);
+    using GaussSeq = void(const Int* m, const Int* backward, const T* omega, const T* val, const Int* indx,
+                          const Int* pntrb, const Int* pntre, const T* b, T* x);
+    using InvdiagPar = void(const Int* first, const Int* last, const T* val, const Int* indx, const Int* pntrb,
+                            const Int* pntre, T* d, Int* missing);
+    using SortrowPar = void(const Int* first, const Int* last, T* val, Int* indx, const Int* pntrb, const Int* pntre);
+    using SplitPar = void(const Int* first, const Int* last, const T* val, const Int* indx, const Int* pntrb,
+                          const Int* pntre, T* lval, Int* lindx, Int* lpntr, T* uval, Int* uindx, Int* upntr, T* d);
 };
 template <class Int, class T>
 struct Calls<Format::coo, Int, T> : Signatures<Int, T, const T*, const Int*, const Int*, const Int*> {
