@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+// C = alpha op(A) B + beta C. Rows of a general matrix in csr or bsr, and columns of one in bsc that is transposed, are
+// matrices of their own with rows of C of their own, so threads take slices of A and read it once altogether. Otherwise
+// they take right-hand sides.
+#include "spblas/checks.h"
+#include "spblas/drivers.h"
+#include "spblas/members.h"
+#include "spblas/split.h"
+#include "spblas/vectors.h"
+#include "threads/pool.h"
+
+namespace ork::spblas {
+namespace {
+
+constexpr double products_per_thread = 20'000; // of an entry and an element of B
+
+void run(const Call& call, void* kernel, Range columns)
+{
+    const std::int64_t first = columns.first + 1, last = columns.end();
+    with_matrix(call.a, [&](auto... a) {
+        invoke(kernel, &first, &last, &call.m, &call.n, nullptr, call.alpha, a..., call.b, &call.ldb, call.c, &call.ldc,
+               call.beta);
+    });
+}
+
+bool divides_by_rows(const Call& call, Shape shape)
+{
+    if (shape.type != 'g') return false;
+    switch (call.a.format) {
+    case Format::csr:
+    case Format::bsr:
+        return !transposes(shape.op);
+    case Format::bsc:
+        return transposes(shape.op);
+    default:
+        return false;
+    }
+}
+
+// The call for a slice of A alone.
+Call part_of(const Call& call, Range range)
+{
+    Call part = call;
+    const Integers indx = call.integers(1), pntrb = call.integers(2), pntre = call.integers(3);
+    const std::int64_t before = pntrb[range.first] - pntrb[0], lb = call.a.block(), size = call.element();
+    (call.a.format == Format::bsc ? part.n : part.m) = range.count;
+    part.a.array[0] = static_cast<const char*>(call.a.array[0]) + before * lb * lb * size;
+    part.a.array[1] = indx.from(before);
+    part.a.array[2] = pntrb.from(range.first);
+    part.a.array[3] = pntre.from(range.first);
+    part.c = static_cast<char*>(call.c) + range.first * lb * (call.row_major() ? call.ldc : 1) * size;
+    return part;
+}
+
+} // namespace
+
+std::int64_t mm(const Call& call)
+{
+    if (const auto status = check_arguments(call)) return status;
+    if (!reads_operands(call)) {
+        scale_result(call);
+        return ORK_SPBLAS_SUCCESS;
+    }
+    if (const auto status = check_structure(call)) return status;
+    const Shape shape = shape_of(call);
+    void* const kernel = kernel_for(call, shape);
+    if (!is_parallel(Routine::mmout, shape)) {
+        with_matrix(call.a, [&](auto... a) {
+            invoke(kernel, &call.m, &call.nrhs, nullptr, call.alpha, a..., call.b, &call.ldb, call.c, &call.ldc,
+                   call.beta);
+        });
+        return ORK_SPBLAS_SUCCESS;
+    }
+    const Range all = {0, call.nrhs};
+    const int parts = threads_for(stored_entries(call) * static_cast<double>(call.nrhs), products_per_thread);
+    if (parts == 1)
+        run(call, kernel, all);
+    else if (divides_by_rows(call, shape))
+        threads::run(parts, [&](int part) {
+            const Range range = slice(call, parts, part);
+            if (range.count > 0) run(part_of(call, range), kernel, all);
+        });
+    else
+        threads::run(parts, [&](int part) {
+            const Range columns = strip(call.nrhs, columns_together(call), parts, part);
+            if (columns.count > 0) run(call, kernel, columns);
+        });
+    return ORK_SPBLAS_SUCCESS;
+}
+
+} // namespace ork::spblas

@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+// y = alpha op(A) x + beta y. A kernel that writes the rows of its slice alone has y from all threads at once. One that
+// adds into all of y has the caller's y on one thread and a copy on each other; the copies are then added in the order
+// of the slices, so the same number of threads gives the same bits.
+#include "ork/abi/services.h"
+#include "spblas/checks.h"
+#include "spblas/drivers.h"
+#include "spblas/members.h"
+#include "spblas/split.h"
+#include "spblas/vectors.h"
+#include "threads/pool.h"
+
+namespace ork::spblas {
+namespace {
+
+constexpr double entries_per_thread = 10'000;
+
+// Entries of which the product takes as long as it takes to clear one element of a copy and to add it to y.
+constexpr double entries_per_copied_element = 1;
+
+struct Product {
+    const Call& call;
+    void* kernel;
+
+    // Slice of A, counted from 0.
+    void run(Range range, void* y, const void* beta) const
+    {
+        const std::int64_t first = range.first + 1, last = range.end();
+        const std::int64_t size = call.transposes() ? call.n : call.m;
+        with_matrix(call.a, [&](auto... a) {
+            if (call.a.format == Format::dia)
+                invoke(kernel, &first, &last, nullptr, &call.m, &call.n, call.alpha, a..., call.b, y, beta);
+            else
+                invoke(kernel, &first, &last, nullptr, &size, call.alpha, a..., call.b, y, beta);
+        });
+    }
+};
+
+void in_slices(const Product& product, int parts)
+{
+    const Call& call = product.call;
+    threads::run(parts, [&](int part) {
+        const Range range = slice(call, parts, part);
+        if (range.count > 0) product.run(range, call.c, call.beta);
+    });
+}
+
+// False when there is no memory for the copies.
+bool in_copies(const Product& product, int parts)
+{
+    const Call& call = product.call;
+    constexpr std::int64_t page = 4096;
+    const std::int64_t rows = call.rows_of_c(), size = call.element();
+    const std::int64_t stride = (rows * size + page - 1) / page * page;
+    char* const copies = static_cast<char*>(ork_serv_allocate(static_cast<std::size_t>(stride) * (parts - 1), page));
+    if (copies == nullptr) return false;
+    static constexpr double zero[2] = {};
+    threads::run(parts, [&](int part) {
+        const Range range = slice(call, parts, part);
+        if (part == 0)
+            product.run(range, call.c, call.beta);
+        else
+            product.run(range, copies + (part - 1) * stride, zero);
+    });
+    threads::run(parts, [&](int part) {
+        const Range range = strip(rows, page / size, parts, part);
+        for (int copy = 0; copy < parts - 1; ++copy)
+            add(call.precision, range.count, copies + copy * stride + range.first * size,
+                static_cast<char*>(call.c) + range.first * size);
+    });
+    ork_serv_deallocate(copies);
+    return true;
+}
+
+} // namespace
+
+std::int64_t mv(const Call& call)
+{
+    if (const auto status = check_arguments(call)) return status;
+    if (!reads_operands(call)) {
+        scale_result(call);
+        return ORK_SPBLAS_SUCCESS;
+    }
+    if (const auto status = check_structure(call)) return status;
+    const Shape shape = shape_of(call);
+    const Product product = {call, kernel_for(call, shape)};
+    if (!is_parallel(Routine::mvout, shape)) {
+        with_matrix(call.a, [&](auto... a) {
+            invoke(product.kernel, &call.m, nullptr, call.alpha, a..., call.b, call.c, call.beta);
+        });
+        return ORK_SPBLAS_SUCCESS;
+    }
+    const bool copies = scatters(call.a.format, shape);
+    const double entries = stored_entries(call), rows = static_cast<double>(call.rows_of_c());
+    const double spent = copies ? 2 * rows * entries_per_copied_element : 0;
+    const int parts = threads_for(entries - spent, entries_per_thread);
+    if (parts > 1 && !copies)
+        in_slices(product, parts);
+    else if (parts == 1 || !in_copies(product, parts))
+        product.run({0, slices(call)}, call.c, call.beta);
+    return ORK_SPBLAS_SUCCESS;
+}
+
+} // namespace ork::spblas

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+// How the work of a call is divided among threads.
+#pragma once
+
+#include "spblas/call.h"
+
+namespace ork::spblas {
+
+struct Range {
+    std::int64_t first, count;
+    std::int64_t end() const { return first + count; }
+};
+
+// Slice `part` of `parts` with about as many entries as every other: rows, columns of bsc and of an upper skyline,
+// entries of coo.
+Range slice(const Call& call, int parts, int part);
+
+// `count` things in parts whose lengths, but for the last, are multiples of `unit`.
+Range strip(std::int64_t count, std::int64_t unit, int parts, int part);
+
+// Threads for `work` when each should have `work_per_thread`; at least 1.
+int threads_for(double work, double work_per_thread);
+
+// Right-hand sides that stay together: kernels take a few at once, and rows of C are divided at cache lines.
+std::int64_t columns_together(const Call& call);
+
+} // namespace ork::spblas
