@@ -2,9 +2,9 @@
 // Diagonal blocks of which a triangle or the diagonal counts: products and solves, for any number of vectors.
 #pragma once
 
+#include "blas/divide.h"
 #include "spblas/bsr.h"
 #include "spblas/bsr_rule.h"
-#include "blas/divide.h"
 
 namespace ork::spblas::bsr {
 
@@ -91,7 +91,8 @@ template <class Int, class T>
     if (block == nullptr) return;
     const Segment<T> y = y_segment(t, i);
     const std::int64_t lb = t.lb;
-    const bool rows = t.by_rows != static_cast<bool>(rule.mirrored), lower = t.lower != static_cast<bool>(rule.mirrored);
+    const bool rows = t.by_rows != static_cast<bool>(rule.mirrored),
+               lower = t.lower != static_cast<bool>(rule.mirrored);
     const std::int64_t down = rows ? lb : 1, right = rows ? 1 : lb;
     const bool conjugate = rule.conjugate_diagonal;
     for (std::int64_t s = 0; s < lb; ++s) {
@@ -99,8 +100,7 @@ template <class Int, class T>
         const Segment<T> solved = y.row(r);
         if (!rule.unit) {
             const T pivot = entry(block[r * (lb + 1)], conjugate);
-            for (std::int64_t j = 0; j < y.count; ++j)
-                solved.p[j * y.right] = divided(solved.p[j * y.right], pivot);
+            for (std::int64_t j = 0; j < y.count; ++j) solved.p[j * y.right] = divided(solved.p[j * y.right], pivot);
         }
         if (!rule.direct && !rule.mirrored) continue;
         const Segment<const T> from{solved.p, solved.down, solved.right, solved.count};

@@ -55,7 +55,8 @@ BlockTask<Int, T> task(BlockRule rule, const Int* lb, const T* val, const Int* i
     return t;
 }
 
-// Rows first .. last. Where anything but the rows themselves is written, all of y has been scaled before, and beta is 1.
+// Rows first .. last. Where anything but the rows themselves is written, all of y has been scaled before, and beta
+// is 1.
 template <class Int, class T>
 void add_products(BlockRule rule, const BlockTask<Int, T>& t, Walks<Int, T> walks, std::int64_t first,
                   std::int64_t last, T alpha)

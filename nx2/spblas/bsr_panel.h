@@ -245,9 +245,10 @@ void mirrored_blocks(const BlockTask<Int, T>& t, std::int64_t first, std::int64_
     for (std::int64_t i = first; i < last; ++i)
         for (std::int64_t k = t.first(i); k < t.last(i); ++k) {
             const std::int64_t j = t.column(k);
-            if (t.columns(i).have(j))
-                add_blocks<Int, T>({t, k, k + 1, {j, j + 1}, t.x + t.x_at(i), 0, t.y + t.y_at(j), t.alpha_mirrored,
-                                    T(1), t.conjugate_mirrored, !t.by_rows});
+            if (!t.columns(i).have(j)) continue;
+            const Columns itself{j, j + 1};
+            add_blocks<Int, T>({t, k, k + 1, itself, t.x + t.x_at(i), 0, t.y + t.y_at(j), t.alpha_mirrored, T(1),
+                                t.conjugate_mirrored, !t.by_rows});
         }
 }
 

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "spblas/bsr.h"
+#include "spblas/csr.h"
 
 namespace ork::spblas::bsr {
 
@@ -141,7 +142,7 @@ template <int lb, bool by_rows, bool whole, class Int, class T>
 [[gnu::noinline]] void direct_small(const BlockTask<Int, T>& t, std::int64_t first, std::int64_t last)
 {
     using Small = SmallBlock<lb, T>;
-    const T *val = t.val, *x = t.x - t.base * lb;
+    const T *val = t.val, *x = counted_from(t.base * lb, t.x);
     const Int* indx = t.indx;
     for (std::int64_t i = first; i < last; ++i) {
         const Columns columns = t.columns(i);

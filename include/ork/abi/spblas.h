@@ -75,7 +75,7 @@
 //   split_par        first, last, <matrix>, lval, lindx, lpntr, uval, uindx, upntr, d
 //                                                              A = L + D + U: the entries below and above the diagonal
 //                                                              as they are stored, row i from position lpntr[i] -
-//                                                              lpntr[0], in the base of the name; d holds D. With lval
+//                                                              lpntr[0], in the base of the name; d holds D. With d
 //                                                              null only lpntr[i + 1] and upntr[i + 1] are written, the
 //                                                              numbers of entries: summed up they are the pointers.
 //
