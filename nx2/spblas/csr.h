@@ -23,6 +23,22 @@ struct Rows {
     std::int64_t first, last;
 };
 
+// Ahead of entry k.
+template <class Int, class T>
+[[gnu::always_inline]] inline void fetch_entries(const Csr<Int, T>& a, std::int64_t k)
+{
+    fetch(a.val + k);
+    fetch(a.indx + k);
+}
+
+// p such that p[column] is the element of a column counted from `base`, where p[0] was that of the first. Not by
+// pointer arithmetic, which may not leave the array.
+template <class T>
+inline T* counted_from(std::int64_t base, T* p)
+{
+    return reinterpret_cast<T*>(reinterpret_cast<std::uintptr_t>(p) - static_cast<std::uintptr_t>(base) * sizeof(T));
+}
+
 template <class Int, class T>
 inline bool is_far(const Csr<Int, T>& a, Rows rows)
 {

@@ -18,14 +18,16 @@ template <Rule r, class Int, class T>
 {
     const Csr<Int, T> a{val, indx, pntrb, pntre};
     const std::int64_t base = options.base;
-    for (std::int64_t i = std::int64_t{*first} - 1; i < *last; ++i) {
+    const Rows rows{std::int64_t{*first} - 1, *last};
+    const bool far = is_far(a, rows);
+    for (std::int64_t i = rows.first; i < rows.last; ++i) {
         T s = r.unit ? x[i] : T{};
-        fetch(val + a.first(i)), fetch(indx + a.first(i));
+        if (far) fetch_entries(a, a.first(i));
         for (std::int64_t k = a.first(i), end = a.last(i); k < end; ++k) {
             const std::int64_t j = indx[k] - base;
             if (in_triangle<r>(i, j) || (!r.unit && j == i)) s = s + direct<r>(val[k]) * x[j];
         }
-        put_row(y[i], s, *alpha, *beta);
+        put_row(y[i], s, *alpha, *beta, *beta == T{});
     }
 }
 
@@ -37,9 +39,10 @@ template <Rule r, class Int, class T>
     scale(*size, *beta, y);
     const Csr<Int, T> a{val, indx, pntrb, pntre};
     const std::int64_t base = options.base, m = *size;
+    const bool far = is_far(a, Rows{0, m});
     for (std::int64_t i = 0; i < m; ++i) {
         const T t = *alpha * x[i];
-        fetch(val + a.first(i)), fetch(indx + a.first(i));
+        if (far) fetch_entries(a, a.first(i));
         for (std::int64_t k = a.first(i), end = a.last(i); k < end; ++k) {
             const std::int64_t j = indx[k] - base;
             if (in_triangle<r>(i, j) || (!r.unit && j == i)) y[j] = y[j] + direct<r>(val[k]) * t;
@@ -60,7 +63,7 @@ template <Rule r, class Int, class T>
         if constexpr (!r.unit)
             for (std::int64_t k = a.first(i), end = a.last(i); k < end; ++k)
                 if (indx[k] - base == i) d = d + direct<r>(val[k]);
-        put_row(y[i], d * x[i], *alpha, *beta);
+        put_row(y[i], d * x[i], *alpha, *beta, *beta == T{});
     }
 }
 

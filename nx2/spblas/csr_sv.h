@@ -11,27 +11,54 @@
 
 namespace ork::spblas {
 
-// By rows: a lower triangle from the first row on, an upper one from the last row up, each row from its far end towards
-// the diagonal.
+// The entries of one row inside the triangle, from its far end towards the diagonal: `count` of them from `first` on,
+// each `step` after the one before. The diagonal, where it counts, comes next.
+template <Rule r, class Int, class T>
+struct Walk {
+    static constexpr int step = r.lower ? 1 : -1;
+    std::int64_t first, count;
+
+    Walk(const Csr<Int, T>& a, std::int64_t i, std::int64_t base)
+    {
+        const std::int64_t begin = a.first(i), end = a.last(i), row = i + base;
+        first = r.lower ? begin : end - 1;
+        count = end - begin;
+        if (count <= 0) return;
+        // A matrix that holds nothing but the triangle ends on the diagonal.
+        const std::int64_t nearest = first + (count - 1) * step;
+        if (a.indx[nearest] == row) {
+            --count;
+        } else if (!in_triangle<r>(row, std::int64_t{a.indx[nearest]})) {
+            count = 0;
+            while (in_triangle<r>(row, std::int64_t{a.indx[first + count * step]})) ++count;
+        }
+    }
+};
+
+// By rows: a lower triangle from the first row on, an upper one from the last row up. The result of the row before
+// stays in a register: from memory it would come five cycles later, and every row waits for it.
 template <Rule r, class Int, class T>
 [[gnu::noinline]] void triangular_solve(const Int* size, Options options, const T* val, const Int* indx,
                                         const Int* pntrb, const Int* pntre, T* y)
 {
     const Csr<Int, T> a{val, indx, pntrb, pntre};
     const std::int64_t base = options.base, m = *size;
-    constexpr int step = r.lower ? 1 : -1;
-    for (std::int64_t count = 0; count < m; ++count) {
-        const std::int64_t i = r.lower ? count : m - 1 - count;
-        const std::int64_t begin = a.first(i), end = a.last(i), past = r.lower ? end : begin - 1;
-        std::int64_t k = r.lower ? begin : end - 1;
+    const T* const yb = counted_from(base, y);
+    T before{};
+    for (std::int64_t solved = 0; solved < m; ++solved) {
+        const std::int64_t i = r.lower ? solved : m - 1 - solved;
+        const Walk<r, Int, T> walk(a, i, base);
+        constexpr int step = walk.step;
+        const std::int64_t past = walk.first + walk.count * step;
+        std::int64_t k = walk.first;
         T s{};
-        for (; k != past; k += step) {
-            const std::int64_t j = indx[k] - base;
-            if (!in_triangle<r>(i, j)) break;
-            s = s + direct<r>(val[k]) * y[j];
+        if (walk.count > 0) {
+            for (; k != past - step; k += step) s = s + direct<r>(val[k]) * yb[indx[k]];
+            s = s + direct<r>(val[k]) * (indx[k] == i - step + base ? before : yb[indx[k]]);
         }
         const T rest = y[i] - s;
-        y[i] = r.unit ? rest : divided(rest, direct<r>(val[k]));
+        before = r.unit ? rest : divided(rest, direct<r>(val[past]));
+        y[i] = before;
     }
 }
 
@@ -42,21 +69,17 @@ template <Rule r, class Int, class T>
 {
     const Csr<Int, T> a{val, indx, pntrb, pntre};
     const std::int64_t base = options.base, m = *size;
-    constexpr int step = r.lower ? 1 : -1;
-    for (std::int64_t count = 0; count < m; ++count) {
-        const std::int64_t i = r.lower ? m - 1 - count : count;
-        const std::int64_t begin = a.first(i), end = a.last(i), past = r.lower ? end : begin - 1;
-        const std::int64_t from = r.lower ? begin : end - 1;
-        std::int64_t k = from;
-        if constexpr (!r.unit) {
-            while (k != past && in_triangle<r>(i, std::int64_t{indx[k] - base})) k += step;
-            y[i] = divided(y[i], direct<r>(val[k]));
-        }
-        const T yi = y[i];
-        for (std::int64_t l = from; l != (r.unit ? past : k); l += step) {
-            const std::int64_t j = indx[l] - base;
-            if (r.unit && !in_triangle<r>(i, j)) break;
-            y[j] = y[j] - direct<r>(val[l]) * yi;
+    T* const yb = counted_from(base, y);
+    for (std::int64_t solved = 0; solved < m; ++solved) {
+        const std::int64_t i = r.lower ? m - 1 - solved : solved;
+        const Walk<r, Int, T> walk(a, i, base);
+        constexpr int step = walk.step;
+        const std::int64_t past = walk.first + walk.count * step;
+        const T yi = r.unit ? y[i] : divided(y[i], direct<r>(val[past]));
+        y[i] = yi;
+        for (std::int64_t k = past; k != walk.first;) {
+            k -= step;
+            yb[indx[k]] = yb[indx[k]] - direct<r>(val[k]) * yi;
         }
     }
 }

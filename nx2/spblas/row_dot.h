@@ -17,20 +17,25 @@ using Partial = std::conditional_t<base == 0, FourByTwo<T>, TwoLanes<T>>;
 
 // `far`: the row comes from memory, so what lies ahead is fetched.
 template <int base, bool conjugate, bool far, class Int, class T>
-inline T row_dot(const T* val, const Int* indx, std::int64_t length, const T* x)
+[[gnu::always_inline]] inline T row_dot(const T* val, const Int* indx, std::int64_t length, const T* x)
 {
-    constexpr int group = block<base>, line = 64 / static_cast<int>(sizeof(T));
+    constexpr int line = 64 / static_cast<int>(sizeof(T));
     T s{};
     std::int64_t k = 0;
-    if (length >= group) {
+    if (length >= block<base>) {
         Partial<base, T> partial;
-        for (; k + group <= length; k += group) {
-            if constexpr (far) {
-                for (int j = 0; j < group; j += line) fetch(val + k + j);
-                fetch(indx + k);
+        if constexpr (base == 0 || far)
+            for (; k + 8 <= length; k += 8) {
+                if constexpr (far) {
+                    for (int j = 0; j < 8; j += line) fetch(val + k + j);
+                    fetch(indx + k);
+                }
+#pragma GCC unroll 4
+                for (int j = 0; j < 8; j += block<base>)
+                    partial.template add<conjugate>(val + k + j, x, indx + k + j, base);
             }
-            partial.template add<conjugate>(val + k, x, indx + k, base);
-        }
+        if constexpr (base == 1)
+            for (; k + 2 <= length; k += 2) partial.template add<conjugate>(val + k, x, indx + k, base);
         s = partial.sum();
     }
     for (; k < length; ++k) s = s + conjugate_if<conjugate>(val[k]) * x[std::int64_t{indx[k]} - base];
