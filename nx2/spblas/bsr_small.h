@@ -65,7 +65,7 @@ struct SmallBlock {
     {
         constexpr auto from = [](int i) { return by_rows ? (f + i) % lb : (f + i) / lb; };
         if constexpr (from(lanes - 1) == from(0) + lanes - 1 && from(1) == from(0) + 1) return load(x + from(0));
-        if constexpr (from(lanes - 1) == from(0)) return broadcast(x[from(0)]);
+        if constexpr (from(lanes - 1) == from(0) && from(1) == from(0)) return broadcast(x[from(0)]);
         return lanes_of<by_rows, f>(x, std::make_integer_sequence<int, lanes>());
     }
     template <bool by_rows, int f, int... i>
