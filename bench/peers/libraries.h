@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "peers/fft.h"
+#include "peers/sparse.h"
 
 namespace ork::peers {
 
@@ -23,6 +24,7 @@ struct Library {
     Kind kind;
     std::function<void*(const char* symbol)> find; // a Fortran BLAS symbol with 32-bit integers, or null
     TransformMaker transform;                      // may be empty
+    SparseMaker sparse = {};                       // may be empty
 };
 
 // libork_core as this program is linked with it.
@@ -36,6 +38,9 @@ std::vector<Library> find_peers(std::vector<std::string>& notes);
 // The same for Fourier transforms: FFTW limited to SSE2 in build/peers or the folder that ORK_PEERS names (it is made
 // by scripts/fftw-sse2), the system's FFTW, Eigen. Planning takes as long as FFTW_MEASURE does.
 std::vector<Library> find_transform_peers(std::vector<std::string>& notes);
+
+// The same for sparse matrices: librsb, in its own storage and in compressed rows, Eigen, plain loops.
+std::vector<Library> find_sparse_peers(std::vector<std::string>& notes);
 
 // Any other library with Fortran BLAS symbols or the FFTW interface, an earlier build of ork for instance. Throws
 // std::runtime_error.

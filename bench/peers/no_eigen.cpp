@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "peers/eigen.h"
+#include "peers/sparse.h"
 
 namespace ork::peers {
 
 const char* eigen_version() { return nullptr; }
 void* eigen_symbol(const char*) { return nullptr; }
 std::unique_ptr<Transform> eigen_transform(const FftCase&, void*, void*) { return nullptr; }
+std::unique_ptr<SparseOperation> eigen_sparse(const SparseOperands&) { return nullptr; }
 
 } // namespace ork::peers

@@ -27,6 +27,7 @@ std::optional<std::filesystem::path> locate(std::initializer_list<const char*> n
 // With everything that the handle has: BLAS symbols and transforms.
 Library library(std::string name, std::string detail, Kind kind, void* handle);
 
+SparseMaker ork_sparse(void* handle);        // empty when it has not the whole interface
 TransformMaker ork_transforms(void* handle); // empty when it has not the whole interface
 // Transforms through a handle's own interface: ork's, else FFTW's; empty when it has neither.
 TransformMaker transforms_of(void* handle);

@@ -93,6 +93,7 @@ std::vector<peers::Library> libraries_for(const Cases& cases, const Options& opt
     };
     add(bench::Field::dense, peers::find_peers);
     add(bench::Field::transforms, peers::find_transform_peers);
+    add(bench::Field::sparse, peers::find_sparse_peers);
     for (const std::string& file : options.also) libraries.push_back(peers::open_library(file));
     return libraries;
 }

@@ -38,6 +38,9 @@ const std::vector<Family>& families()
         {"threads", "two threads against one, eight callers at once", "GF/s", Field::dense, thread_cases},
         {"fft", "Fourier transforms; --kind for precision, real data, direction, --sizes all for every length", "GF/s",
          Field::transforms, fft_cases},
+        {"sparse",
+         "sparse products and solves; --sizes lap2d:1200,fem:60000,file.mtx; --routine dmv,smm,dsv64; --trans", "GF/s",
+         Field::sparse, sparse_cases},
     };
     return all;
 }

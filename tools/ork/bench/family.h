@@ -16,7 +16,8 @@ struct Contender {
     std::string name;
     peers::Kind kind;
     peers::Entrant run;
-    std::string fault; // not empty: the result was wrong, and there is nothing to time
+    std::string fault;     // not empty: the result was wrong, and there is nothing to time
+    std::string note = {}; // what it does differently: a storage of its own
 };
 
 // A case made ready: operands in place, every contender's result checked.
@@ -26,6 +27,9 @@ struct Contest {
     std::vector<peers::Limit> limits; // may be empty
     std::shared_ptr<void> operands;   // what the entrants refer to
     bool threaded = false;            // a contender uses several threads, so only the wall clock is fair
+    double bytes = 0;                 // of one call's operands, each counted once; 0: not counted
+    peers::Entrant two_threads = {};  // the subject on two threads, measured beside it by the wall clock; may be empty
+    peers::Entrant one_by_one = {};   // the subject, one right-hand side after the other; may be empty
 };
 
 struct Case {
@@ -55,7 +59,7 @@ struct Selection {
     bool quick = false;
 };
 
-enum class Field { dense, transforms }; // decides about the peers
+enum class Field { dense, transforms, sparse }; // decides about the peers
 
 struct Family {
     const char* name;
@@ -67,6 +71,7 @@ struct Family {
 
 const std::vector<Family>& families();
 std::vector<Case> gemm_cases(const Selection& selection);
+std::vector<Case> sparse_cases(const Selection& selection);
 std::vector<Case> level1_cases(const Selection& selection);
 std::vector<Case> level2_cases(const Selection& selection);
 std::vector<Case> level3_cases(const Selection& selection);

@@ -44,12 +44,18 @@ void write_json(const std::string& file, const Machine& machine, const std::vect
                 figure["median_seconds"] = f.seconds, figure["rate"] = f.rate;
             else
                 figure["fault"] = f.fault;
+            if (!f.note.empty()) figure["note"] = f.note;
             entry["figures"].push_back(figure);
         }
         entry["best_peer"] = r.best_peer.empty() ? json() : json(r.best_peer);
         entry["ratio"] = r.ratio > 0 ? json(r.ratio) : json();
         entry["limit"] = r.limit > 0 ? json(r.limit) : json();
         entry["of_limit"] = r.of_limit > 0 ? json(r.of_limit) : json();
+        for (const auto& [name, value] : {std::pair{"traffic_gbs", r.traffic},
+                                          {"two_threads", r.two_threads},
+                                          {"speed_up", r.speed_up},
+                                          {"over_singles", r.over_singles}})
+            if (value > 0) entry[name] = value;
         root["cases"].push_back(entry);
     }
     std::ofstream out(file);

@@ -21,6 +21,19 @@ const peers::Limit& fastest(const std::vector<peers::Limit>& limits)
     return *best;
 }
 
+// Rounds of their own, with the wall clock, which peers on one thread need not suffer from.
+void measure_two_threads(const Contest& contest, peers::Effort effort, Result& result)
+{
+    peers::Entrant subject;
+    for (const Contender& contender : contest.contenders)
+        if (contender.kind == peers::Kind::subject) subject = contender.run;
+    effort.clock = peers::Clock::wall;
+    effort.budget /= 2;
+    const peers::Samples seconds = peers::interleave({contest.two_threads, subject}, effort);
+    result.two_threads = contest.work / peers::median(seconds[0]) / 1e9;
+    result.speed_up = peers::speed_ratio(seconds[0], seconds[1]);
+}
+
 } // namespace
 
 const Figure* Result::subject() const
@@ -41,17 +54,26 @@ Result measure(const Family& family, const Case& c, const std::vector<peers::Lib
 {
     Contest contest = c.prepare(libraries);
     if (contest.threaded) effort.clock = peers::Clock::wall;
-    Result result{family.name, c.routine, c.variant, c.shape, family.unit, c.size, contest.work, 0, {}, "", 0, 0, 0};
+    Result result;
+    result.family = family.name;
+    result.routine = c.routine;
+    result.variant = c.variant;
+    result.shape = c.shape;
+    result.unit = family.unit;
+    result.size = c.size;
+    result.work = contest.work;
 
     std::vector<peers::Entrant> entrants;
     std::vector<size_t> figure_of; // entrant -> figure
     for (const Contender& contender : contest.contenders) {
-        result.figures.push_back({contender.name, contender.kind, 0, 0, contender.fault});
+        result.figures.push_back({contender.name, contender.kind, 0, 0, contender.fault, contender.note});
         if (!contender.fault.empty()) continue; // a wrong result has no speed
         entrants.push_back(contender.run);
         figure_of.push_back(result.figures.size() - 1);
     }
     if (entrants.empty()) return result;
+    const size_t singles = entrants.size();
+    if (contest.one_by_one) entrants.push_back(contest.one_by_one);
     double limit_work = 0;
     if (!contest.limits.empty()) {
         const peers::Limit& limit = fastest(contest.limits);
@@ -74,12 +96,15 @@ Result measure(const Family& family, const Case& c, const std::vector<peers::Lib
             result.best_peer = figure.name;
         }
     }
+    if (subject && contest.one_by_one) result.over_singles = peers::speed_ratio(*subject, seconds[singles]);
     if (subject && best) result.ratio = peers::speed_ratio(*subject, *best);
     if (limit_work > 0) {
         const std::vector<double>& samples = seconds.back();
         result.limit = limit_work / *std::min_element(samples.begin(), samples.end()) / 1e9;
         if (const Figure* f = result.subject()) result.of_limit = f->rate / result.limit;
     }
+    if (const Figure* f = result.subject()) result.traffic = contest.bytes / f->seconds / 1e9;
+    if (subject && contest.two_threads) measure_two_threads(contest, effort, result);
     return result;
 }
 

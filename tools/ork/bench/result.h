@@ -16,6 +16,7 @@ struct Figure {
     double seconds = 0; // median of one call
     double rate = 0;    // in the family's unit
     std::string fault;  // why there is no time
+    std::string note;   // what it does differently
 };
 
 struct Result {
@@ -27,6 +28,10 @@ struct Result {
     double ratio = 0;            // ork over the best peer, median of the rounds; 0 when there is none
     double limit = 0;            // the machine's limit during the case, in the family's unit; 0 when there is none
     double of_limit = 0;         // ork's share of it
+    double traffic = 0;          // ork's, GB/s of the operands counted once; 0: not counted
+    double two_threads = 0;      // ork's rate on two threads, by the wall clock
+    double speed_up = 0;         // two threads over one, median of the rounds
+    double over_singles = 0;     // ork's speed over its own one right-hand side after the other
 
     const Figure* subject() const;
     const Figure* find(const std::string& name) const;

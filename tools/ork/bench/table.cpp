@@ -37,7 +37,8 @@ void Table::row(const Result& result)
         else
             fmt::print("{:>8}  {:<13}", "peer", "");
         fmt::print(" {:>8} {:>8} {:>8}", "ork/peer", "limit", "of limit");
-        fmt::print("{}\n", all_ ? "" : "     wide");
+        if (result.traffic > 0) fmt::print("     GB/s  2 threads speed-up over mv");
+        fmt::print("{}\n", all_ || result.traffic > 0 ? "" : "     wide");
     }
     const Figure *subject = result.subject(), *best = result.find(result.best_peer), *wide = nullptr;
     for (const Figure& f : result.figures)
@@ -51,7 +52,12 @@ void Table::row(const Result& result)
         fmt::print("{:>8}  {:<13}", rate_of(best), result.best_peer);
     fmt::print(" {:>8} {:>8} {:>8}", result.ratio > 0 ? fmt::format("{:.3f}", result.ratio) : "-", number(result.limit),
                percent(result.of_limit));
-    fmt::print("{}\n", all_ ? "" : fmt::format(" {:>8}", rate_of(wide)));
+    if (result.traffic > 0)
+        fmt::print(" {:>8} {:>10} {:>8} {:>7}", number(result.traffic), number(result.two_threads),
+                   number(result.speed_up), number(result.over_singles));
+    fmt::print("{}\n", all_ || result.traffic > 0 ? "" : fmt::format(" {:>8}", rate_of(wide)));
+    for (const Figure& f : result.figures)
+        if (!f.note.empty() && (all_ || &f == best)) fmt::print("{:>14} {}: {}\n", "", f.name, f.note);
     for (const Figure& f : result.figures)
         if (!f.fault.empty()) fmt::print("{:>14} {} computed a wrong result: {}\n", "", f.name, f.fault);
     std::fflush(stdout);
