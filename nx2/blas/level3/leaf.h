@@ -18,32 +18,6 @@ namespace ork::level3 {
 
 using gemm::Element;
 
-// Whether the inverse of a number of this magnitude neither overflows nor loses digits. Others are not even tried,
-// which would raise flags that the quotient does not.
-template <class R>
-inline bool has_inverse(R magnitude)
-{
-    constexpr R largest = sizeof(R) == 8 ? R(0x1p+1020) : R(0x1p+124);
-    return magnitude <= largest && magnitude >= 1 / largest;
-}
-
-// 1 / d, or false where multiplying with it would not do what dividing by d does.
-template <class R>
-inline bool invert(R d, R& inverse)
-{
-    if (!has_inverse(d < 0 ? -d : d)) return false;
-    inverse = 1 / d;
-    return true;
-}
-template <class R>
-inline bool invert(Complex<R> d, Complex<R>& inverse)
-{
-    const R re = d.re < 0 ? -d.re : d.re, im = d.im < 0 ? -d.im : d.im;
-    if (!has_inverse(re < im ? im : re) || !(im == im)) return false; // a NaN in re is what has_inverse sees
-    inverse = divided(Complex<R>{1, 0}, d);
-    return true;
-}
-
 // c x.
 template <class T>
 inline Vec<T> times(Element<T> c, Vec<T> x)
