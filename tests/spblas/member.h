@@ -71,4 +71,21 @@ inline std::string name_of(spblas::Format format, spblas::Routine routine, spbla
            routines[static_cast<int>(routine)] + (is_parallel(routine, s) ? "_par" : "_seq");
 }
 
+// f(format, routine, shape) for every member of the grammar.
+template <class F>
+void for_each_member(bool complex, F&& f)
+{
+    for (const auto format : all_formats)
+        for (const auto routine : all_routines)
+            for (const char base : {'0', '1'})
+                for (const char op : {'n', 't', 'c', 's'})
+                    for (const char type : {'g', 's', 'h', 't', 'a', 'd'})
+                        for (const char uplo : {'l', 'u', '_'})
+                            for (const char diag : {'n', 'u', '_'})
+                                for (const char layout : {'c', 'f'}) {
+                                    const spblas::Shape s{base, op, type, uplo, diag, layout};
+                                    if (exists(format, routine, s, complex)) f(format, routine, s);
+                                }
+}
+
 } // namespace ork::test
