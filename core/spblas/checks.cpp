@@ -137,25 +137,28 @@ std::int64_t check_dense(const Call& call, const char* name, const char* leading
     return fine;
 }
 
-} // namespace
-
-bool reads_operands(const Call& call)
+std::int64_t check_b(const Call& call, bool reads)
 {
-    return call.m > 0 && call.n > 0 && call.nrhs > 0 && !is_zero(call.precision, call.alpha);
+    return check_dense(call, call.vectors() ? "x" : "b", "ldb", call.b, call.rows_of_b(), call.ldb, reads);
 }
 
-std::int64_t check_arguments(const Call& call)
+std::int64_t check_c(const Call& call)
 {
-    if (const auto status = check_kind(call)) return status;
-    if (const auto status = check_sizes(call)) return status;
-    if (call.alpha == nullptr) return null(call, "alpha");
-    const bool reads = reads_operands(call);
-    if (const auto status = check_matrix(call, reads)) return status;
-    const bool vectors = call.vectors();
-    if (const auto status = check_dense(call, vectors ? "x" : "b", "ldb", call.b, call.rows_of_b(), call.ldb, reads))
-        return status;
-    if (!call.solves() && call.beta == nullptr) return null(call, "beta");
-    return check_dense(call, vectors ? "y" : "c", "ldc", call.c, call.rows_of_c(), call.ldc, true);
+    return check_dense(call, call.vectors() ? "y" : "c", "ldc", call.c, call.rows_of_c(), call.ldc, true);
+}
+
+} // namespace
+
+Check check_arguments(const Call& call)
+{
+    if (const auto status = check_kind(call)) return {status, false};
+    if (const auto status = check_sizes(call)) return {status, false};
+    if (call.alpha == nullptr) return {null(call, "alpha"), false};
+    const bool reads = call.m > 0 && call.n > 0 && call.nrhs > 0 && !is_zero(call.precision, call.alpha);
+    if (const auto status = check_matrix(call, reads)) return {status, false};
+    if (const auto status = check_b(call, reads)) return {status, false};
+    if (!call.solves() && call.beta == nullptr) return {null(call, "beta"), false};
+    return {check_c(call), reads};
 }
 
 } // namespace ork::spblas

@@ -6,11 +6,13 @@
 
 namespace ork::spblas {
 
-// The arguments alone, in their order.
-std::int64_t check_arguments(const Call& call);
+struct Check {
+    std::int64_t status;
+    bool reads; // A and B; with alpha = 0 they are not read and may be null
+};
 
-// Whether A and B count: neither is read with alpha = 0, and then they may be null.
-bool reads_operands(const Call& call);
+// The arguments alone, in their order.
+Check check_arguments(const Call& call);
 
 // What the arrays hold, in checking mode; 0 otherwise. Of a solve in coo format it says nothing of the diagonal.
 std::int64_t check_structure(const Call& call);

@@ -20,31 +20,28 @@ inline const void* address(const float& scalar) { return &scalar; }
 inline const void* address(const double& scalar) { return &scalar; }
 inline const void* address(const void* scalar) { return scalar; }
 
-// Out of line, so that an entry only takes its arguments together.
-[[gnu::noinline]] std::int64_t product_with_vector(Variant v, int op, ork_spblas_kind kind, std::int64_t m,
-                                                   std::int64_t n, const void* alpha, const Matrix& a, const void* x,
-                                                   const void* beta, void* y)
+inline std::int64_t product_with_vector(Variant v, int op, ork_spblas_kind kind, std::int64_t m, std::int64_t n,
+                                        const void* alpha, const Matrix& a, const void* x, const void* beta, void* y)
 {
     return mv({Routine::mvout, v.precision, v.wide, op, 0, kind, m, n, 1, a, alpha, beta, x, 0, y, 0});
 }
 
-[[gnu::noinline]] std::int64_t product_with_matrix(Variant v, int op, ork_spblas_kind kind, int layout, std::int64_t m,
-                                                   std::int64_t n, std::int64_t nrhs, const void* alpha,
-                                                   const Matrix& a, const void* b, std::int64_t ldb, const void* beta,
-                                                   void* c, std::int64_t ldc)
+inline std::int64_t product_with_matrix(Variant v, int op, ork_spblas_kind kind, int layout, std::int64_t m,
+                                        std::int64_t n, std::int64_t nrhs, const void* alpha, const Matrix& a,
+                                        const void* b, std::int64_t ldb, const void* beta, void* c, std::int64_t ldc)
 {
     return mm({Routine::mmout, v.precision, v.wide, op, layout, kind, m, n, nrhs, a, alpha, beta, b, ldb, c, ldc});
 }
 
-[[gnu::noinline]] std::int64_t solve_vector(Variant v, int op, ork_spblas_kind kind, std::int64_t m, std::int64_t n,
-                                            const void* alpha, const Matrix& a, const void* x, void* y)
+inline std::int64_t solve_vector(Variant v, int op, ork_spblas_kind kind, std::int64_t m, std::int64_t n,
+                                 const void* alpha, const Matrix& a, const void* x, void* y)
 {
     return solve({Routine::svout, v.precision, v.wide, op, 0, kind, m, n, 1, a, alpha, nullptr, x, 0, y, 0});
 }
 
-[[gnu::noinline]] std::int64_t solve_matrix(Variant v, int op, ork_spblas_kind kind, int layout, std::int64_t m,
-                                            std::int64_t n, std::int64_t nrhs, const void* alpha, const Matrix& a,
-                                            const void* b, std::int64_t ldb, void* c, std::int64_t ldc)
+inline std::int64_t solve_matrix(Variant v, int op, ork_spblas_kind kind, int layout, std::int64_t m, std::int64_t n,
+                                 std::int64_t nrhs, const void* alpha, const Matrix& a, const void* b, std::int64_t ldb,
+                                 void* c, std::int64_t ldc)
 {
     return solve(
         {Routine::smout, v.precision, v.wide, op, layout, kind, m, n, nrhs, a, alpha, nullptr, b, ldb, c, ldc});

@@ -56,8 +56,9 @@ Call part_of(const Call& call, Range range)
 
 std::int64_t mm(const Call& call)
 {
-    if (const auto status = check_arguments(call)) return status;
-    if (!reads_operands(call)) {
+    const auto [wrong, reads] = check_arguments(call);
+    if (wrong) return wrong;
+    if (!reads) {
         scale_result(call);
         return ORK_SPBLAS_SUCCESS;
     }

@@ -76,8 +76,9 @@ bool in_copies(const Product& product, int parts)
 
 std::int64_t mv(const Call& call)
 {
-    if (const auto status = check_arguments(call)) return status;
-    if (!reads_operands(call)) {
+    const auto [wrong, reads] = check_arguments(call);
+    if (wrong) return wrong;
+    if (!reads) {
         scale_result(call);
         return ORK_SPBLAS_SUCCESS;
     }

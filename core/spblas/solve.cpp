@@ -70,9 +70,10 @@ std::int64_t solve_coo(const Call& call)
 
 std::int64_t solve(const Call& call)
 {
-    if (const auto status = check_arguments(call)) return status;
+    const auto [wrong, reads] = check_arguments(call);
+    if (wrong) return wrong;
     const bool identity = call.kind.type == ORK_SPBLAS_DIAGONAL && call.kind.diag == ORK_SPBLAS_UNIT;
-    if (!reads_operands(call) || identity) {
+    if (!reads || identity) {
         copy_right_hand_sides(call, {0, call.nrhs});
         return ORK_SPBLAS_SUCCESS;
     }

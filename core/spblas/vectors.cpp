@@ -7,20 +7,6 @@ namespace ork::spblas {
 namespace {
 
 template <class T>
-bool equals(const void* value, int parts, T real)
-{
-    const T* v = static_cast<const T*>(value);
-    return v[0] == real && (parts == 1 || v[1] == T{});
-}
-
-bool equals(Precision precision, const void* value, int real)
-{
-    const int parts = is_complex(precision) ? 2 : 1;
-    const bool narrow = precision == Precision::s || precision == Precision::c;
-    return narrow ? equals<float>(value, parts, real) : equals<double>(value, parts, real);
-}
-
-template <class T>
 void scaled_copy(std::int64_t n, const void* alpha, const void* x, void* y)
 {
     const T factor = *static_cast<const T*>(alpha);
@@ -51,9 +37,6 @@ void add(std::int64_t n, const void* x, void* y)
 }
 
 } // namespace
-
-bool is_zero(Precision precision, const void* value) { return equals(precision, value, 0); }
-bool is_one(Precision precision, const void* value) { return equals(precision, value, 1); }
 
 void scaled_copy(Precision precision, std::int64_t n, const void* alpha, const void* x, void* y)
 {

@@ -6,8 +6,22 @@
 
 namespace ork::spblas {
 
-bool is_zero(Precision precision, const void* value);
-bool is_one(Precision precision, const void* value);
+template <class T>
+bool equals(const void* value, bool complex, T real)
+{
+    const T* v = static_cast<const T*>(value);
+    return v[0] == real && (!complex || v[1] == T{});
+}
+
+inline bool equals(Precision precision, const void* value, int real)
+{
+    const bool narrow = precision == Precision::s || precision == Precision::c;
+    return narrow ? equals<float>(value, is_complex(precision), static_cast<float>(real))
+                  : equals<double>(value, is_complex(precision), real);
+}
+
+inline bool is_zero(Precision precision, const void* value) { return equals(precision, value, 0); }
+inline bool is_one(Precision precision, const void* value) { return equals(precision, value, 1); }
 
 // y <- alpha x; alpha = 0 does not read x, which may be y.
 void scaled_copy(Precision precision, std::int64_t n, const void* alpha, const void* x, void* y);
