@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "simd/complex.h"
+#include "spblas/group.h"
 
 namespace ork::spblas::bsr {
 
@@ -31,7 +32,8 @@ struct BlockTask {
     std::int64_t ldx, ldy, count;
     T alpha, alpha_mirrored, beta;
     bool conjugate, conjugate_mirrored, by_rows, dense_by_rows;
-    bool whole, lower;
+    bool whole, lower, direct;
+    bool far; // the blocks come from memory
 
     std::int64_t first(std::int64_t row) const { return std::int64_t{pntrb[row]} - pntrb[0]; }
     std::int64_t last(std::int64_t row) const { return std::int64_t{pntre[row]} - pntrb[0]; } // exclusive
@@ -47,5 +49,12 @@ struct BlockTask {
         return {whole || lower ? lowest : row + 1, !whole && lower ? row : highest};
     }
 };
+
+// What lies ahead of a block that is read now.
+template <class T>
+[[gnu::always_inline]] inline void fetch_block(const T* block, std::int64_t size)
+{
+    for (std::int64_t i = 0; i < size; i += 64 / static_cast<std::int64_t>(sizeof(T))) fetch(block + i);
+}
 
 } // namespace ork::spblas::bsr

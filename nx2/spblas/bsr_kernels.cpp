@@ -10,37 +10,6 @@
 namespace ork::spblas::bsr {
 
 template <class Int, class T>
-using Walk = void (*)(const BlockTask<Int, T>&, std::int64_t first, std::int64_t last);
-
-// Kernels for the direct and the mirrored products of rows first .. last of the storage.
-template <class Int, class T>
-struct Walks {
-    Walk<Int, T> direct = direct_blocks<Int, T>, mirrored = mirrored_blocks<Int, T>;
-};
-
-template <int lb, class Int, class T>
-Walks<Int, T> small_walks(const BlockTask<Int, T>& t)
-{
-    if (t.by_rows)
-        return {t.whole ? direct_small<lb, true, true, Int, T> : direct_small<lb, true, false, Int, T>,
-                mirrored_small<lb, true, Int, T>};
-    return {t.whole ? direct_small<lb, false, true, Int, T> : direct_small<lb, false, false, Int, T>,
-            mirrored_small<lb, false, Int, T>};
-}
-
-// One vector, whose elements are adjacent.
-template <class Int, class T>
-Walks<Int, T> vector_walks(const BlockTask<Int, T>& t)
-{
-    if constexpr (!is_complex<T>) {
-        if (t.lb == 2) return small_walks<2>(t);
-        if (t.lb == 3) return small_walks<3>(t);
-        if (t.lb == 4) return small_walks<4>(t);
-    }
-    return {};
-}
-
-template <class Int, class T>
 BlockTask<Int, T> task(BlockRule rule, const Int* lb, const T* val, const Int* indx, const Int* pntrb, const Int* pntre,
                        T alpha, T beta)
 {
@@ -51,35 +20,59 @@ BlockTask<Int, T> task(BlockRule rule, const Int* lb, const T* val, const Int* i
     t.beta = beta;
     t.conjugate = rule.conjugate_direct, t.conjugate_mirrored = rule.conjugate_mirrored;
     t.by_rows = rule.blocks_by_rows, t.dense_by_rows = rule.dense_by_rows;
-    t.whole = rule.whole, t.lower = rule.lower;
+    t.whole = rule.whole, t.lower = rule.lower, t.direct = rule.direct;
     return t;
+}
+
+template <class Int, class T>
+bool is_far(const BlockTask<Int, T>& t, std::int64_t first, std::int64_t last)
+{
+    const auto bytes = t.lb * t.lb * static_cast<std::int64_t>(sizeof(T)) + static_cast<std::int64_t>(sizeof(Int));
+    return first < last && (t.last(last - 1) - t.first(first)) * bytes > far_bytes;
+}
+
+// One vector and real blocks of a small order.
+template <int lb, bool by_rows, class Int, class T>
+void small_products(BlockRule rule, const BlockTask<Int, T>& t, std::int64_t first, std::int64_t last)
+{
+    if (!rule.whole || !rule.direct)
+        products_small<lb, by_rows>(rule, t, first, last);
+    else
+        (t.far ? direct_small<lb, by_rows, true, Int, T> : direct_small<lb, by_rows, false, Int, T>)(t, first, last);
+}
+template <int lb, class Int, class T>
+void small_products(BlockRule rule, const BlockTask<Int, T>& t, std::int64_t first, std::int64_t last)
+{
+    (t.by_rows ? small_products<lb, true, Int, T> : small_products<lb, false, Int, T>)(rule, t, first, last);
+}
+template <int lb, class Int, class T>
+void small_solve(BlockRule rule, const BlockTask<Int, T>& t, std::int64_t rows)
+{
+    (t.by_rows ? solve_small<lb, true, Int, T> : solve_small<lb, false, Int, T>)(rule, t, rows);
 }
 
 // Rows first .. last. Where anything but the rows themselves is written, all of y has been scaled before, and beta
 // is 1.
 template <class Int, class T>
-void add_products(BlockRule rule, const BlockTask<Int, T>& t, Walks<Int, T> walks, std::int64_t first,
-                  std::int64_t last, T alpha)
+void add_products(BlockRule rule, const BlockTask<Int, T>& t, std::int64_t first, std::int64_t last, T alpha)
 {
-    if (rule.whole) return (rule.direct ? walks.direct : walks.mirrored)(t, first, last);
     for (std::int64_t i = first; i < last; ++i) {
-        if (rule.direct) walks.direct(t, i, i + 1);
-        if (rule.mirrored) walks.mirrored(t, i, i + 1);
-        add_diagonal(rule, t, i, alpha);
+        if (rule.direct) add_direct(t, i);
+        if (rule.mirrored) add_mirrored(t, i);
+        if (!rule.whole) add_diagonal(rule, t, i, alpha);
     }
 }
 
 // Rows in the order in which they depend on each other. Direct: what is solved already enters the row; mirrored: the
 // row, solved, leaves the rows to come.
 template <class Int, class T>
-void solve(BlockRule rule, const BlockTask<Int, T>& t, Walks<Int, T> walks, std::int64_t rows)
+void solve(BlockRule rule, const BlockTask<Int, T>& t, std::int64_t rows)
 {
-    const bool forward = t.lower == static_cast<bool>(rule.direct);
     for (std::int64_t s = 0; s < rows; ++s) {
-        const std::int64_t i = forward ? s : rows - 1 - s;
-        if (rule.direct) walks.direct(t, i, i + 1);
+        const std::int64_t i = is_forward(rule) ? s : rows - 1 - s;
+        if (rule.direct) add_direct(t, i);
         solve_diagonal(rule, t, i);
-        if (rule.mirrored) walks.mirrored(t, i, i + 1);
+        if (rule.mirrored) add_mirrored(t, i);
     }
 }
 
@@ -98,7 +91,13 @@ void BsrCalls<Int, T>::mvout_par(const Int* first, const Int* last, BlockRule ru
         scale(*size * t.lb, *beta, y);
         t.beta = T(1);
     }
-    bsr::add_products(rule, t, bsr::vector_walks(t), *first - 1, *last, *alpha);
+    t.far = bsr::is_far(t, *first - 1, *last);
+    if constexpr (!is_complex<T>) {
+        if (t.lb == 2) return bsr::small_products<2>(rule, t, *first - 1, *last);
+        if (t.lb == 3) return bsr::small_products<3>(rule, t, *first - 1, *last);
+        if (t.lb == 4) return bsr::small_products<4>(rule, t, *first - 1, *last);
+    }
+    bsr::add_products<Int, T>(rule, t, *first - 1, *last, *alpha);
 }
 
 template <class Int, class T>
@@ -128,7 +127,8 @@ void BsrCalls<Int, T>::mmout_par(const Int* first, const Int* last, const Int* m
             for (std::int64_t j = 0; j < t.count; ++j) scale(length, *beta, t.y + j * t.ldy);
         t.beta = T(1);
     }
-    bsr::add_products(rule, t, {}, 0, rows, *alpha);
+    t.far = bsr::is_far(t, 0, rows);
+    bsr::add_products<Int, T>(rule, t, 0, rows, *alpha);
 }
 
 template <class Int, class T>
@@ -146,7 +146,13 @@ void BsrCalls<Int, T>::svout_seq(const Int* m, BlockRule rule, const Int* lb, co
 {
     auto t = bsr::task(rule, lb, val, indx, pntrb, pntre, T(-1), T(1));
     t.x = t.y = y, t.count = 1, t.dense_by_rows = false;
-    bsr::solve(rule, t, bsr::vector_walks(t), *m);
+    t.far = is_forward(rule) && bsr::is_far(t, 0, *m);
+    if constexpr (!is_complex<T>) {
+        if (t.lb == 2) return bsr::small_solve<2>(rule, t, *m);
+        if (t.lb == 3) return bsr::small_solve<3>(rule, t, *m);
+        if (t.lb == 4) return bsr::small_solve<4>(rule, t, *m);
+    }
+    bsr::solve<Int, T>(rule, t, *m);
 }
 
 template <class Int, class T>
@@ -158,7 +164,8 @@ void BsrCalls<Int, T>::smout_par(const Int* first, const Int* last, const Int* m
     const std::int64_t begin = *first - 1;
     t.ldx = t.ldy = *ldc, t.count = *last - begin;
     t.x = t.y = c + begin * (t.dense_by_rows ? 1 : t.ldy);
-    if (t.count > 0) bsr::solve(rule, t, {}, *m);
+    t.far = is_forward(rule) && bsr::is_far(t, 0, *m);
+    if (t.count > 0) bsr::solve<Int, T>(rule, t, *m);
 }
 
 template struct BsrCalls<Int, T>;

@@ -7,6 +7,7 @@
 
 #include "spblas/bsr.h"
 #include "spblas/group.h"
+#include "spblas/scale.h"
 
 namespace ork::spblas::bsr {
 
@@ -71,25 +72,31 @@ inline float lane_sum(Vec<float> a) { return fold(a); }
 inline Complex<float> lane_sum(Vec<Complex<float>> a) { return pair_sum(a); }
 inline Complex<double> lane_sum(Vec<Complex<double>> a) { return element(a); }
 
-// y = beta y + alpha (the blocks first .. last of the storage, those in `columns`) x, y one block row; x_j is at x + j
-// step.
+// y = beta y + alpha (the blocks first .. last of the storage, those in `columns`) x, y one block row and x_j at x + j
+// * step; or, scattering, y_j = beta y_j + alpha (block) x for each of them, y_j at y + j * step.
 template <class Int, class T>
 struct BlockSum {
     const BlockTask<Int, T>& task;
-    std::int64_t first, last;
+    std::int64_t first, last; // not empty
     Columns columns;
     const T* x;
-    std::int64_t step;
     T* y;
+    std::int64_t step;
+    bool scatter;
     T alpha, beta;
     bool conjugate, by_rows; // the blocks as they are used: a mirrored block changes its layout
+    bool ahead;              // fetch what comes later
 
-    template <class Add>
-    void each_block(std::int64_t at, Add&& add) const
+    // add(block from its value `at`, x) for every block; finish(y) when that is the sum.
+    template <class Add, class Finish>
+    void each_block(std::int64_t at, Add&& add, Finish&& finish) const
     {
         for (std::int64_t k = first; k < last; ++k) {
             const std::int64_t j = task.column(k);
-            if (columns.have(j)) add(task.block(k) + at, x + j * step);
+            const bool counts = columns.have(j);
+            if (ahead && at == 0) fetch_block(task.block(k), task.lb * task.lb);
+            if (counts) add(task.block(k) + at, scatter ? x : x + j * step);
+            if (scatter ? counts : k + 1 == last) finish(scatter ? y + j * step : y);
         }
     }
 
@@ -107,7 +114,7 @@ struct BlockSum {
         constexpr int lanes = std::min(rows, Vec<T>::lanes), registers = rows / lanes;
         const std::int64_t lb = task.lb, ldx = task.ldx;
         Sum<T> sum[vectors][registers];
-        each_block(r, [&](const T* block, const T* xj) {
+        const auto add = [&](const T* block, const T* xj) {
             xj += vector * ldx;
             for (std::int64_t c = 0; c < lb; ++c, block += lb) {
                 Vec<T> a[registers];
@@ -120,12 +127,16 @@ struct BlockSum {
                     for (int v = 0; v < registers; ++v) sum[n][v].add(a[v], factor);
                 }
             }
+        };
+        each_block(r, add, [&](T* to) {
+#pragma GCC unroll 4
+            for (int n = 0; n < vectors; ++n)
+#pragma GCC unroll 4
+                for (int v = 0; v < registers; ++v) {
+                    update<lanes>(to + r + (vector + n) * task.ldy + v * lanes, sum[n][v].value(conjugate, false));
+                    sum[n][v] = {};
+                }
         });
-#pragma GCC unroll 4
-        for (int n = 0; n < vectors; ++n)
-#pragma GCC unroll 4
-            for (int v = 0; v < registers; ++v)
-                update<lanes>(y + r + (vector + n) * task.ldy + v * lanes, sum[n][v].value(conjugate, false));
     }
 
     // Blocks by rows: registers along the columns, whose lanes are added up in the end.
@@ -135,9 +146,9 @@ struct BlockSum {
         constexpr int lanes = Vec<T>::lanes;
         const std::int64_t lb = task.lb, ldx = task.ldx;
         Sum<T> sum[vectors][rows];
-        each_block(r * lb, [&](const T* block, const T* xj) {
+        const auto add = [&](const T* block, const T* xj) {
             xj += vector * ldx;
-            const auto add = [&](auto&& load) {
+            const auto take = [&](auto&& load) {
                 Vec<T> a[rows];
 #pragma GCC unroll 4
                 for (int i = 0; i < rows; ++i) a[i] = load(block + i * lb);
@@ -150,17 +161,20 @@ struct BlockSum {
             };
             std::int64_t c = lb;
             for (; c >= lanes; c -= lanes, block += lanes, xj += lanes)
-                add([](const T* p) { return ork::load<Vec<T>::lanes>(p); });
-            if (c != 0) add([c](const T* p) { return load_few(p, c); });
+                take([](const T* p) { return ork::load<Vec<T>::lanes>(p); });
+            if (c != 0) take([c](const T* p) { return load_few(p, c); });
+        };
+        each_block(r * lb, add, [&](T* to) {
+#pragma GCC unroll 4
+            for (int n = 0; n < vectors; ++n)
+#pragma GCC unroll 4
+                for (int i = 0; i < rows; ++i) {
+                    T& element = to[r + i + (vector + n) * task.ldy];
+                    const T scaled = alpha * lane_sum(sum[n][i].value(conjugate, false));
+                    element = beta == T{} ? scaled : beta * element + scaled;
+                    sum[n][i] = {};
+                }
         });
-#pragma GCC unroll 4
-        for (int n = 0; n < vectors; ++n)
-#pragma GCC unroll 4
-            for (int i = 0; i < rows; ++i) {
-                T* to = y + r + i + (vector + n) * task.ldy;
-                const T scaled = alpha * lane_sum(sum[n][i].value(conjugate, false));
-                *to = beta == T{} ? scaled : beta * *to + scaled;
-            }
     }
 
     // Dense matrices by rows: registers along the vectors, from `vector`; the blocks in either layout.
@@ -170,7 +184,7 @@ struct BlockSum {
         constexpr int lanes = std::min(vectors, Vec<T>::lanes), registers = vectors / lanes;
         const std::int64_t lb = task.lb, down = by_rows ? lb : 1, right = by_rows ? 1 : lb;
         Sum<T> sum[rows][registers];
-        each_block(r * down, [&](const T* block, const T* xj) {
+        const auto add = [&](const T* block, const T* xj) {
             xj += vector;
             for (std::int64_t c = 0; c < lb; ++c, block += right, xj += task.ldx) {
                 Vec<T> b[registers];
@@ -183,12 +197,16 @@ struct BlockSum {
                     for (int v = 0; v < registers; ++v) sum[i][v].add(b[v], factor);
                 }
             }
+        };
+        each_block(r * down, add, [&](T* to) {
+#pragma GCC unroll 4
+            for (int i = 0; i < rows; ++i)
+#pragma GCC unroll 4
+                for (int v = 0; v < registers; ++v) {
+                    update<lanes>(to + (r + i) * task.ldy + vector + v * lanes, sum[i][v].value(false, conjugate));
+                    sum[i][v] = {};
+                }
         });
-#pragma GCC unroll 4
-        for (int i = 0; i < rows; ++i)
-#pragma GCC unroll 4
-            for (int v = 0; v < registers; ++v)
-                update<lanes>(y + (r + i) * task.ldy + vector + v * lanes, sum[i][v].value(false, conjugate));
     }
 };
 
@@ -231,25 +249,27 @@ template <class Int, class T>
     }
 }
 
+// y_i = beta y_i + alpha B x_j over the blocks of row i.
 template <class Int, class T>
-void direct_blocks(const BlockTask<Int, T>& t, std::int64_t first, std::int64_t last)
+void add_direct(const BlockTask<Int, T>& t, std::int64_t i)
 {
-    for (std::int64_t i = first; i < last; ++i)
-        add_blocks<Int, T>({t, t.first(i), t.last(i), t.columns(i), t.x, t.x_at(1), t.y + t.y_at(i), t.alpha, t.beta,
-                            t.conjugate, t.by_rows});
+    const std::int64_t first = t.first(i), last = t.last(i);
+    T* y = t.y + t.y_at(i);
+    if (first < last)
+        return add_blocks<Int, T>(
+            {t, first, last, t.columns(i), t.x, y, t.x_at(1), false, t.alpha, t.beta, t.conjugate, t.by_rows, t.far});
+    const std::int64_t length = t.dense_by_rows ? t.count : t.lb, parts = t.dense_by_rows ? t.lb : t.count;
+    for (std::int64_t p = 0; p < parts; ++p) scale(length, t.beta, y + p * t.ldy);
 }
 
+// y_j = y_j + alpha_mirrored B^T x_i, of the blocks of row i.
 template <class Int, class T>
-void mirrored_blocks(const BlockTask<Int, T>& t, std::int64_t first, std::int64_t last)
+void add_mirrored(const BlockTask<Int, T>& t, std::int64_t i)
 {
-    for (std::int64_t i = first; i < last; ++i)
-        for (std::int64_t k = t.first(i); k < t.last(i); ++k) {
-            const std::int64_t j = t.column(k);
-            if (!t.columns(i).have(j)) continue;
-            const Columns itself{j, j + 1};
-            add_blocks<Int, T>({t, k, k + 1, itself, t.x + t.x_at(i), 0, t.y + t.y_at(j), t.alpha_mirrored, T(1),
-                                t.conjugate_mirrored, !t.by_rows});
-        }
+    const std::int64_t first = t.first(i), last = t.last(i);
+    if (first < last)
+        add_blocks<Int, T>({t, first, last, t.columns(i), t.x + t.x_at(i), t.y, t.y_at(1), true, t.alpha_mirrored, T(1),
+                            t.conjugate_mirrored, !t.by_rows, t.far && !t.direct});
 }
 
 } // namespace ork::spblas::bsr

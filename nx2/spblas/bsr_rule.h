@@ -3,7 +3,6 @@
 // export is a jump, and members that differ in the word alone share one body.
 #pragma once
 
-#include <bit>
 #include <cstdint>
 
 #include "spblas/rule.h"
@@ -28,6 +27,9 @@ struct BlockRule {
     std::uint32_t : 17;
 };
 static_assert(sizeof(BlockRule) == 4);
+
+// Of a solve: which end of the matrix depends on nothing.
+constexpr bool is_forward(BlockRule rule) { return rule.lower == rule.direct; }
 
 constexpr BlockRule transposed_storage(BlockRule r)
 {
