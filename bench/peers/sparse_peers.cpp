@@ -103,6 +103,9 @@ void add_librsb(std::vector<Library>& found, std::vector<std::string>& notes)
         return;
     }
     const int one = 1;
+    // its own setting leaves the threads of its OpenMP library spinning
+    void (*set_threads)(int) = nullptr;
+    if (get(set_threads, handle, "omp_set_num_threads")) set_threads(1);
     if (api.init(nullptr) != 0 || api.set(executing_threads, &one) != 0) {
         notes.push_back("librsb: " + file->string() + " can't be held to one thread");
         return;

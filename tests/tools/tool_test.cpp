@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <regex>
 #include <sstream>
@@ -103,8 +104,11 @@ TEST_F(Tool, DemoPrintsSoundNumbersAndAPicture)
 TEST_F(Tool, DemoShowsNothingOfAWrongComputation)
 {
     if (sanitized) GTEST_SKIP() << "a sanitizer's run-time must be preloaded first";
-    for (const auto& [demo, result] :
-         {std::pair{"pca", "explained"}, {"system", "recognised that"}, {"ecg", "by the median of"}, {"blur", "PSNR"}})
+    for (const auto& [demo, result] : {std::pair{"pca", "explained"},
+                                       {"system", "recognised that"},
+                                       {"ecg", "by the median of"},
+                                       {"blur", "PSNR"},
+                                       {"structure", "iterations"}})
         for (const char* fault : {"nan", "small"}) {
             const ChildResult run = ork({"demo", demo, "--out", folder},
                                         {"LD_PRELOAD=" ORK_WRONG_BLAS, std::string("ORK_TEST_FAULT=") + fault});
@@ -170,6 +174,34 @@ TEST_F(Tool, DemoRestoresAPhotograph)
     EXPECT_THAT(ork({"demo", "blur", "--data", folder, "--out", folder}).err, HasSubstr("262143 pixels instead of"));
     std::ofstream(folder / "ascent.pgm") << "P2\n1 1\n1\n1\n";
     EXPECT_THAT(ork({"demo", "blur", "--data", folder, "--out", folder}).err, HasSubstr("not a binary PGM"));
+}
+
+TEST_F(Tool, DemoSolvesForAStructure)
+{
+    const ChildResult run = ork({"demo", "structure", "--out", folder, "--checks"});
+    ASSERT_TRUE(run.ok()) << run.describe();
+    const auto iterations = [&](const std::string& name) {
+        std::smatch row;
+        if (!std::regex_search(run.out, row, std::regex(name + " +([0-9]+) +([0-9.e+-]+) +([0-9.e+-]+)"))) return 0;
+        EXPECT_LT(std::stod(row[2]), 1e-9) << name;
+        EXPECT_LT(std::stod(row[3]), 1e-6) << name;
+        return std::stoi(row[1]);
+    };
+    const int none = iterations("no preconditioner"), sweeps = iterations("symmetric Gauss-Seidel"),
+              factor = iterations("incomplete Cholesky");
+    EXPECT_GT(factor, 0);
+    EXPECT_LT(factor, sweeps) << run.out;
+    EXPECT_LT(10 * sweeps, none) << run.out;
+    EXPECT_EQ(xml_fault(read(folder / "ork-demo-structure.svg")), "");
+
+    const std::pair<const char*, const char*> wrong[] = {
+        {"%%MatrixMarket matrix coordinate real general\n1 1 1\n1 1 2\n", "not symmetric"},
+        {"%%MatrixMarket matrix coordinate real symmetric\n2 2 2\n1 1 2\n2 1 1\n", "(2, 2) of the diagonal"},
+        {"%%MatrixMarket matrix coordinate real symmetric\n2 2 2\n1 1 2\n3 1 1\n", "bcsstk15.mtx:4: row 3"}};
+    for (const auto& [text, says] : wrong) {
+        std::ofstream(folder / "bcsstk15.mtx") << text;
+        EXPECT_THAT(ork({"demo", "structure", "--data", folder, "--out", folder}).err, HasSubstr(says));
+    }
 }
 
 TEST_F(Tool, DemoNamesTheLineOfABadInputFile)
@@ -278,6 +310,32 @@ TEST_F(Tool, BenchMeasuresTransforms)
     }
 }
 
+TEST_F(Tool, BenchMeasuresSparseMatrices)
+{
+    const std::string json = folder / "bench.json", file = folder / "small.mtx";
+    std::ofstream(file) << "%%MatrixMarket matrix coordinate real symmetric\n3 3 4\n1 1 4\n2 2 4\n3 3 4\n3 1 -1\n";
+    const ChildResult run = ork({"bench", "sparse", "--routine", "dmv,smv64,dmm,ssv", "--trans", "N,T,S,R8,C4,L,U",
+                                 "--sizes", "lap2d:9,pow:40:5," + file, "--quick", "--json", json});
+    ASSERT_TRUE(run.ok()) << run.describe();
+    const auto root = nlohmann::json::parse(read(json));
+    ASSERT_EQ(root["cases"].size(), 28u); // no symmetric form of pow, two precisions of it
+    const std::map<std::string, double> entries = {{"lap2d:9", 5 * 81 - 4 * 9}, {"small.mtx", 5}};
+    for (const auto& c : root["cases"]) {
+        SCOPED_TRACE(c.dump());
+        ASSERT_GE(c["figures"].size(), 2u);
+        EXPECT_EQ(c["figures"][0]["name"], "ork");
+        for (const auto& figure : c["figures"]) EXPECT_TRUE(figure["right"].get<bool>());
+        EXPECT_FALSE(c["best_peer"].is_null());
+        EXPECT_GT(c["traffic_gbs"].get<double>(), 0);
+        EXPECT_GT(c["speed_up"].get<double>(), 0);
+        EXPECT_EQ(c.contains("over_singles"), c["routine"] == "dmm");
+        if (entries.count(c["shape"]) == 0 || c["routine"] == "ssv") continue;
+        const std::string letters = c["variant"];
+        const double columns = letters == "R8" ? 8 : letters == "C4" ? 4 : 1;
+        EXPECT_EQ(c["work"].get<double>(), 2 * entries.at(c["shape"]) * columns);
+    }
+}
+
 // Counted independently: by the same rule in plain loops over the file.
 TEST_F(Tool, ExampleNamesAsManyDigitsAsPlainLoopsDo)
 {
@@ -330,6 +388,9 @@ TEST_F(Tool, BadArgumentsAreNamedAndFail)
         {{"bench", "fft", "--sizes", "100*"}, "100*"},
         {{"bench", "fft", "--kind", "cdx"}, "cdx"},
         {{"bench", "gemm", "--accuracy"}, "fft"},
+        {{"bench", "sparse", "--sizes", "lap4d:10"}, "lap4d:10"},
+        {{"bench", "sparse", "--trans", "R3"}, "R3"},
+        {{"bench", "sparse", "--routine", "dmv", "--trans", "N", "--sizes", folder / "none.mtx"}, "none.mtx"},
         {{"bench", "--threads", "0"}, "--threads"},
         {{"bench", "--also", "/nonexistent/libblas.so"}, "/nonexistent/libblas.so"},
         {{"bench", "level1", "--routine", "ddot", "--sizes", "8", "--quick", "--json", folder / "missing" / "x.json"},

@@ -1,6 +1,6 @@
 /* SPDX-License-Identifier: MIT */
-/* Preloaded in front of ork: a dgemm whose last element is NaN or off by one part in a million, and transforms of which
-   that holds for the third number. */
+/* Preloaded in front of ork: a dgemm and a sparse product whose last element is NaN or off by one part in a million, and
+   transforms of which that holds for the third number. */
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <math.h>
@@ -42,4 +42,24 @@ int64_t ork_dft_forward_out(const void* descriptor, const void* in, void* out)
 int64_t ork_dft_backward_out(const void* descriptor, const void* in, void* out)
 {
     return wrong_transform("ork_dft_backward_out", descriptor, in, out);
+}
+
+/* Enumerations and the kind are passed as what they are made of. */
+struct kind {
+    int type, uplo, diag, base;
+};
+typedef int64_t product(int, struct kind, int32_t, int32_t, double, const double*, const int32_t*, const int32_t*,
+                        const int32_t*, const double*, double, double*);
+
+int64_t ork_spblas_lp64_dcsrmv(int op, struct kind kind, int32_t m, int32_t n, double alpha, const double* val,
+                               const int32_t* indx, const int32_t* pntrb, const int32_t* pntre, const double* x,
+                               double beta, double* y)
+{
+    product* right;
+    *(void**)&right = dlsym(RTLD_NEXT, "ork_spblas_lp64_dcsrmv");
+    const int64_t status = right(op, kind, m, n, alpha, val, indx, pntrb, pntre, x, beta, y);
+    const char* fault = getenv("ORK_TEST_FAULT");
+    if (fault && *fault == 'n') y[m - 1] = NAN;
+    if (fault && *fault == 's') y[m - 1] *= 1.000001;
+    return status;
 }

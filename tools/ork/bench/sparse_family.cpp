@@ -2,6 +2,8 @@
 // Sparse matrices: products with a vector and with several, triangular solves.
 #include <filesystem>
 #include <fmt/format.h>
+#include <fstream>
+#include <stdexcept>
 
 #include "bench/family.h"
 #include "matrix_market.h"
@@ -25,9 +27,12 @@ bool is_file(const std::string& name)
     return name.find('/') != std::string::npos || std::filesystem::is_regular_file(name, error);
 }
 
-peers::CsrMatrix matrix(const std::string& name)
+peers::CsrMatrix matrix(const peers::SparseCase& what, const std::string& name)
 {
-    return is_file(name) ? read_matrix_market(name) : peers::generate(name);
+    peers::CsrMatrix a = is_file(name) ? read_matrix_market(name) : peers::generate(name);
+    if (a.rows != a.columns && (what.letter == 'S' || what.routine == peers::SparseCase::Routine::sv))
+        throw std::runtime_error(fmt::format("{}: {} rows and {} columns have no triangle", name, a.rows, a.columns));
+    return a;
 }
 
 // What the entrants refer to.
@@ -45,10 +50,8 @@ peers::Entrant entrant(peers::SparseOperation* operation)
 
 Contest prepare(const peers::SparseCase& what, const std::string& name, const std::vector<peers::Library>& libraries)
 {
-    const peers::CsrMatrix a = matrix(name);
+    const peers::CsrMatrix a = matrix(what, name);
     Contest contest;
-    if ((what.letter == 'S' && !a.symmetric) || (what.routine == peers::SparseCase::Routine::sv && a.rows != a.columns))
-        return contest;
     const auto operands = std::make_shared<Operands>(Operands{{what, a}, {}});
     peers::SparseProblem& problem = operands->problem;
     contest.work = problem.flops();
@@ -98,6 +101,8 @@ std::vector<Case> sparse_cases(const Selection& selection)
             if (!what) continue;
             for (const std::string& name : chosen(selection.sizes, quick_matrices, usual_matrices)) {
                 if (!is_file(name) && !peers::is_generated(name)) continue;
+                if (is_file(name) && !std::ifstream(name)) // rather now than among the results
+                    throw std::runtime_error(name + ": can't be read");
                 if (what->letter == 'S' && name.starts_with("pow:")) continue; // not symmetric
                 const std::string shape = is_file(name) ? std::filesystem::path(name).filename().string() : name;
                 cases.push_back({routine, letters, shape, 0, [what = *what, name](const auto& libraries) {

@@ -50,6 +50,6 @@ struct Demo {
 };
 
 const std::vector<Demo>& demos();
-extern const Demo pca, linear_system, ecg, blur;
+extern const Demo pca, linear_system, ecg, blur, structure;
 
 } // namespace ork::tool
