@@ -112,7 +112,7 @@ struct Matrix {
     }
 };
 
-// Letters that Dense understands, for what the public interface takes.
+// Letters that Model understands, for what the public interface takes.
 inline Shape letters_of(int op, ork_spblas_kind kind, char layout)
 {
     const bool triangle = kind.type != ORK_SPBLAS_GENERAL && kind.type != ORK_SPBLAS_DIAGONAL;
