@@ -2,8 +2,7 @@
 // Every member of the grammar by its name, against what its letters mean: values that must not be read are NaN, arrays
 // end at inaccessible pages, and inputs are read-only.
 #include <csignal>
-#include <cstdio>
-#include <cstdlib>
+#include <cstring>
 #include <unistd.h>
 
 #include "spblas/kernel.h"
@@ -21,7 +20,7 @@ using spblas::scatters;
 char running[64];
 extern "C" void name_the_member(int signal)
 {
-    static_cast<void>(!write(STDERR_FILENO, running, sizeof running));
+    static_cast<void>(!write(STDERR_FILENO, running, std::strlen(running)));
     std::signal(signal, SIG_DFL);
     std::raise(signal);
 }
@@ -50,6 +49,7 @@ const std::vector<Setting<T>>& settings()
         {1, beta, alpha, 8, 2, false},
         {26, is_complex<T> ? scalar<T>(0, 2) : T(2), alpha, 3, 17, false},
         {0, alpha, beta, 2, 3, false},
+        {1100, alpha, beta, 5, 2, false},
         {0, alpha, T(0), 3, 2, false},
     };
     return list;
@@ -106,13 +106,15 @@ private:
 
     void expect_product(std::int64_t rows, const auto& x, const auto& y, const auto& got, T beta, double more)
     {
-        std::vector<Expected<Dense::R>> want;
+        std::vector<Expected<Model::R>> want;
         std::vector<T> values;
+        double most = 0;
         for (std::int64_t i = 0; i < rows; ++i) {
             want.push_back(model_.product(i, setting_.alpha, x, beta, y(i)));
             values.push_back(got(i));
+            most = std::max(most, model_.terms(i));
         }
-        expect_near<T>(values, want, static_cast<double>(model_.columns()) + 8 + more);
+        expect_near<T>(values, want, most + more);
     }
 
     // What a solve found, multiplied again.
@@ -122,8 +124,8 @@ private:
         for (std::int64_t i = 0; i < model_.rows(); ++i) {
             const T wanted = b[static_cast<std::size_t>(i)];
             auto sum = model_.product(i, one, got, one, -wanted);
-            const auto bound = static_cast<Dense::R>(std::numeric_limits<Real<T>>::epsilon()) * sum.scale *
-                               static_cast<Dense::R>(model_.columns() + 8);
+            const auto bound = static_cast<Model::R>(std::numeric_limits<Real<T>>::epsilon()) * sum.scale *
+                               static_cast<Model::R>(model_.terms(i));
             if (!(magnitude(sum.value) <= bound))
                 ADD_FAILURE() << "row " << i << " of the solution " << show(got(i)) << " is wrong by "
                               << static_cast<double>(magnitude(sum.value));
@@ -308,7 +310,7 @@ private:
     const Setting<T>& setting_;
     const Sparse<T>& a_;
     const Kernel<T>& kernel_;
-    Dense model_;
+    Model model_;
     Guard side_;
     Random& random_;
 };
@@ -317,13 +319,15 @@ template <class Int, class T>
 void check_member(Format format, Routine routine, Shape s)
 {
     const std::string name = symbol_prefix<Int, T>() + name_of(format, routine, s) + "\n";
-    name.copy(running, sizeof running);
+    running[name.copy(running, sizeof running - 1)] = 0;
     std::uint64_t seed = 0;
     for (const char letter : name) seed = seed * 31 + static_cast<unsigned char>(letter);
     Random random(seed);
     const bool blocked = format == Format::bsr || format == Format::bsc;
     const int before = failures_so_far();
     for (const Setting<T>& setting : settings<T>()) {
+        // Which blocks of rows a large matrix is taken in has nothing to do with the integer.
+        if (setting.rows > 100 && (sizeof(Int) == 4) != (sizeof(T) == 8)) continue;
         const std::int64_t lb = blocked ? setting.lb : 1, rows = (setting.rows + lb - 1) / lb;
         const std::int64_t columns = s.type == 'g' ? std::max<std::int64_t>(0, rows + random.integer(-6, 6)) : rows;
         const bool solve = routine == Routine::svout || routine == Routine::smout;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A sparse matrix as a list of square blocks, random ones for every member, and what op(A) is in full: the one place
+// A sparse matrix as a list of square blocks, random ones for every member, and the elements of op(A): the one place
 // where the tests turn letters into numbers.
 #pragma once
 
@@ -66,23 +66,44 @@ struct Structure {
     bool finite_unused; // values that don't count are numbers like the others instead of NaN
 };
 
+// The block columns in which a row may have something, ascending. Small matrices: all. Large ones: a few diagonals,
+// near ones and distant ones.
+inline std::vector<std::int64_t> candidates(const Structure& a, std::int64_t row, std::uint64_t choice)
+{
+    std::vector<std::int64_t> result;
+    if (a.rows <= 64) {
+        result.resize(static_cast<std::size_t>(a.columns));
+        std::iota(result.begin(), result.end(), 0);
+        return result;
+    }
+    Random random(choice);
+    for (const std::int64_t distance : {0, 1, 2, 15, 16, 17, 40, 120, 257, 512})
+        for (const std::int64_t column : {row - distance, row + distance})
+            if (random.integer(0, 2) != 0 && 0 <= column && column < a.columns) result.push_back(column);
+    if (row < a.columns) result.push_back(row);
+    std::ranges::sort(result);
+    result.erase(std::ranges::unique(result).begin(), result.end());
+    return result;
+}
+
 // Rows of random length, some of them empty and some full; unsorted and with places that are stored twice unless it is
 // to be solved with.
 template <class T>
 Sparse<T> random_sparse(const Structure& a, Random& random)
 {
     Sparse<T> matrix{a.rows, a.columns, a.lb, {}};
-    const bool upper = a.shape.uplo == 'u';
-    const double beside = a.solve ? 1.0 / static_cast<double>(a.lb * a.columns) : 1.0;
+    const auto beside = static_cast<Real<T>>(a.solve ? 1.0 / static_cast<double>(a.lb * std::min(a.columns, 20L)) : 1);
+    const std::uint64_t choice = random.bits();
     const auto append = [&](std::int64_t row, std::int64_t column) {
         Block<T> block{row, column, {}};
+        block.value.reserve(static_cast<std::size_t>(a.lb * a.lb));
         for (std::int64_t i = row * a.lb; i < (row + 1) * a.lb; ++i)
             for (std::int64_t j = column * a.lb; j < (column + 1) * a.lb; ++j) {
                 T value = random.uniform<T>();
                 if (!counts(a.shape, i, j) && !a.finite_unused)
                     value = not_a_number<T>();
                 else if (i != j)
-                    value *= static_cast<Real<T>>(beside);
+                    value *= beside;
                 else if (a.solve)
                     value += scalar<T>(std::real(value) < 0 ? -1 : 1, 0);
                 block.value.push_back(value);
@@ -90,16 +111,19 @@ Sparse<T> random_sparse(const Structure& a, Random& random)
         matrix.blocks.push_back(std::move(block));
     };
     for (std::int64_t row = 0; row < a.rows; ++row) {
-        const std::int64_t fill = random.integer(-3, 10); // tenths; at random a row is empty, at random full
-        std::int64_t first = row - random.integer(-1, row);
-        for (std::int64_t column = 0; column < a.columns; ++column) {
-            const bool diagonal = row == column;
-            bool stored = a.profile ? first <= column && column <= row : random.integer(0, 9) < fill;
-            if (diagonal && a.solve && a.shape.diag != 'u') stored = true;
-            if (!stored) continue;
-            const bool swap = a.profile && upper;
-            append(swap ? column : row, swap ? row : column);
-            if (!a.solve && !a.profile && random.integer(0, 7) == 0) append(row, column);
+        if (a.profile) {
+            std::int64_t first = row - random.integer(-1, std::min<std::int64_t>(row, 40));
+            if (a.solve && a.shape.diag != 'u') first = std::min(first, row);
+            for (std::int64_t other = first; other <= row; ++other)
+                a.shape.uplo == 'u' ? append(other, row) : append(row, other);
+            continue;
+        }
+        const std::int64_t fill = random.integer(-3, 10); // tenths
+        for (const std::int64_t column : candidates(a, row, choice)) {
+            const bool needed = row == column && a.solve && a.shape.diag != 'u';
+            if (!needed && random.integer(0, 9) >= fill) continue;
+            append(row, column);
+            if (!a.solve && random.integer(0, 7) == 0) append(row, column);
         }
     }
     if (!a.solve)
@@ -109,26 +133,25 @@ Sparse<T> random_sparse(const Structure& a, Random& random)
     return matrix;
 }
 
-// op(A) in full, as the letters mean it. The scale of an element is the sum of the magnitudes of what was stored there.
-class Dense {
+// op(A) as the letters mean it.
+class Model {
 public:
     using R = long double;
 
     template <class T>
-    Dense(const Sparse<T>& a, Shape s)
+    Model(const Sparse<T>& a, Shape s)
     {
         const std::int64_t m = a.rows * a.lb, n = a.columns * a.lb;
         // A Hermitian matrix transposed is its conjugate, also where its diagonal has imaginary parts.
         const bool transpose = spblas::transposes(s.op) && s.type != 'h';
         const bool conjugate = s.type == 'h' ? s.op == 't' || s.op == 's' : spblas::conjugates(s.op);
-        rows_ = transpose ? n : m;
         columns_ = transpose ? m : n;
-        elements_.resize(static_cast<std::size_t>(m * n));
+        rows_.resize(static_cast<std::size_t>(transpose ? n : m));
         const auto add = [&](std::int64_t i, std::int64_t j, Wide<R> value, bool used) {
-            Expected<R>& element = at(transpose ? j : i, transpose ? i : j);
-            if (used) element.value += conjugate ? conj(value) : value;
             const R size = magnitude(value);
-            if (size == size) element.scale += size;
+            if (!used && !(size == size)) return;
+            const Wide<R> element = !used ? Wide<R>() : conjugate ? conj(value) : value;
+            rows_[static_cast<std::size_t>(transpose ? j : i)].push_back({transpose ? i : j, element, size});
         };
         for (const Block<T>& block : a.blocks)
             for (std::int64_t k = 0; k < a.lb * a.lb; ++k) {
@@ -143,12 +166,8 @@ public:
             for (std::int64_t i = 0; i < m; ++i) add(i, i, Wide<R>(R(1)), true);
     }
 
-    std::int64_t rows() const { return rows_; }
+    std::int64_t rows() const { return static_cast<std::int64_t>(rows_.size()); }
     std::int64_t columns() const { return columns_; }
-    const Expected<R>& operator()(std::int64_t i, std::int64_t j) const
-    {
-        return elements_[static_cast<std::size_t>(i * columns_ + j)];
-    }
 
     // Row i of alpha op(A) x + beta y; y is not looked at for beta = 0.
     template <class T, class X>
@@ -156,22 +175,26 @@ public:
     {
         Expected<R> sum;
         const Wide<R> a(alpha);
-        for (std::int64_t j = 0; j < columns_; ++j) {
-            const Expected<R>& element = (*this)(i, j);
-            if (element.scale == 0) continue;
-            const Wide<R> factor = multiply<T>(a, Wide<R>(x(j)));
+        for (const Element& element : rows_[static_cast<std::size_t>(i)]) {
+            const Wide<R> factor = multiply<T>(a, Wide<R>(x(element.column)));
             sum.value += multiply<T>(element.value, factor);
             sum.scale += element.scale * magnitude(factor);
         }
         if (beta != T{}) sum.add(multiply<T>(Wide<R>(beta), Wide<R>(y)));
         return sum;
     }
+    // Of the terms of row i, with a few more for the scalars: a sum of them in any order is so many roundings off.
+    double terms(std::int64_t i) const { return static_cast<double>(rows_[static_cast<std::size_t>(i)].size()) + 8; }
 
 private:
-    Expected<R>& at(std::int64_t i, std::int64_t j) { return elements_[static_cast<std::size_t>(i * columns_ + j)]; }
-
-    std::int64_t rows_ = 0, columns_ = 0;
-    std::vector<Expected<R>> elements_;
+    // What a member may read and take off again has no value but a size, to which its rounding errors are proportional.
+    struct Element {
+        std::int64_t column;
+        Wide<R> value;
+        R scale;
+    };
+    std::int64_t columns_ = 0;
+    std::vector<std::vector<Element>> rows_;
 };
 
 } // namespace ork::test

@@ -107,17 +107,16 @@ template <class T>
 Arrays<T> profile(const Sparse<T>& a, const Arrangement& how)
 {
     Arrays<T> result;
-    for (std::int64_t line = 0; line < a.rows; ++line) {
+    std::vector<std::vector<T>> profiles(static_cast<std::size_t>(a.rows)); // from the diagonal away
+    for (const Block<T>& block : a.blocks) {
+        auto& values = profiles[static_cast<std::size_t>(std::max(block.row, block.column))];
+        const auto distance = static_cast<std::size_t>(std::abs(block.row - block.column));
+        values.resize(std::max(values.size(), distance + 1));
+        values[distance] = block.value[0];
+    }
+    for (const auto& values : profiles) {
         result.begin.push_back(static_cast<std::int64_t>(result.val.size()) + how.start);
-        std::vector<T> values(static_cast<std::size_t>(line) + 1);
-        std::size_t length = 0;
-        for (const Block<T>& block : a.blocks) {
-            if (std::max(block.row, block.column) != line) continue;
-            const auto back = static_cast<std::size_t>(line - std::min(block.row, block.column));
-            values[values.size() - 1 - back] = block.value[0];
-            length = std::max(length, back + 1);
-        }
-        result.val.insert(result.val.end(), values.end() - static_cast<std::ptrdiff_t>(length), values.end());
+        result.val.insert(result.val.end(), values.rbegin(), values.rend());
     }
     result.begin.push_back(static_cast<std::int64_t>(result.val.size()) + how.start);
     return result;
