@@ -133,13 +133,13 @@ Sparse<T> random_sparse(const Structure& a, Random& random)
     return matrix;
 }
 
-// op(A) as the letters mean it.
-class Model {
+// op(A) in full, as the letters mean it, kept by its elements that are not zero.
+class Dense {
 public:
     using R = long double;
 
     template <class T>
-    Model(const Sparse<T>& a, Shape s)
+    Dense(const Sparse<T>& a, Shape s)
     {
         const std::int64_t m = a.rows * a.lb, n = a.columns * a.lb;
         // A Hermitian matrix transposed is its conjugate, also where its diagonal has imaginary parts.
