@@ -106,7 +106,7 @@ private:
 
     void expect_product(std::int64_t rows, const auto& x, const auto& y, const auto& got, T beta, double more)
     {
-        std::vector<Expected<Dense::R>> want;
+        std::vector<Expected<Model::R>> want;
         std::vector<T> values;
         double most = 0;
         for (std::int64_t i = 0; i < rows; ++i) {
@@ -124,8 +124,8 @@ private:
         for (std::int64_t i = 0; i < model_.rows(); ++i) {
             const T wanted = b[static_cast<std::size_t>(i)];
             auto sum = model_.product(i, one, got, one, -wanted);
-            const auto bound = static_cast<Dense::R>(std::numeric_limits<Real<T>>::epsilon()) * sum.scale *
-                               static_cast<Dense::R>(model_.terms(i));
+            const auto bound = static_cast<Model::R>(std::numeric_limits<Real<T>>::epsilon()) * sum.scale *
+                               static_cast<Model::R>(model_.terms(i));
             if (!(magnitude(sum.value) <= bound))
                 ADD_FAILURE() << "row " << i << " of the solution " << show(got(i)) << " is wrong by "
                               << static_cast<double>(magnitude(sum.value));
@@ -310,7 +310,7 @@ private:
     const Setting<T>& setting_;
     const Sparse<T>& a_;
     const Kernel<T>& kernel_;
-    Dense model_;
+    Model model_;
     Guard side_;
     Random& random_;
 };

@@ -134,12 +134,12 @@ Sparse<T> random_sparse(const Structure& a, Random& random)
 }
 
 // op(A) in full, as the letters mean it, kept by its elements that are not zero.
-class Dense {
+class Model {
 public:
     using R = long double;
 
     template <class T>
-    Dense(const Sparse<T>& a, Shape s)
+    Model(const Sparse<T>& a, Shape s)
     {
         const std::int64_t m = a.rows * a.lb, n = a.columns * a.lb;
         // A Hermitian matrix transposed is its conjugate, also where its diagonal has imaginary parts.
