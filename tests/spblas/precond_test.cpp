@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What preconditioners are made of: sweeps, inverted diagonals, sorted rows, split matrices.
 #include <algorithm>
+#include <array>
 #include <numeric>
 
 #include "spblas/kernel.h"
@@ -43,8 +44,8 @@ public:
                 row.push_back({i, scalar<T>(3.0 * static_cast<double>(diagonal), random.integer(-2, 2))});
             for (std::int64_t k = random.integer(0, 6); k-- > 0;)
                 row.push_back({static_cast<Int>(random.integer(0, n - 1)), random.template uniform<T>()});
-            for (auto& [column, value] : row)
-                std::swap(row[0], row[static_cast<std::size_t>(random.integer(0, std::ssize(row) - 1))]);
+            for (auto& entry : row)
+                std::swap(entry, row[static_cast<std::size_t>(random.integer(0, std::ssize(row) - 1))]);
         }
         return {rows, base};
     }
