@@ -18,6 +18,11 @@ enum class Precision : std::uint8_t { s, d, c, z };
 constexpr bool is_complex(Precision p) { return p >= Precision::c; }
 constexpr std::int64_t element_size(Precision p) { return p == Precision::s ? 4 : p == Precision::z ? 16 : 8; }
 
+struct Variant {
+    Precision precision;
+    bool wide; // 64-bit integers
+};
+
 // An index array of either width.
 class Integers {
 public:
@@ -56,6 +61,11 @@ inline Matrix csr(const void* val, const void* indx, const void* pntrb, const vo
 {
     return {Format::csr, {val, indx, pntrb, pntre}, {}};
 }
+template <class Int>
+inline Matrix csr(const void* val, const void* indx, const Int* ia)
+{
+    return csr(val, indx, ia, ia ? ia + 1 : nullptr);
+}
 inline Matrix coo(const void* val, const void* rowind, const void* colind, std::int64_t nnz)
 {
     return {Format::coo, {val, rowind, colind}, {nnz}};
@@ -71,6 +81,12 @@ inline Matrix dia(const void* val, std::int64_t lval, const void* idiag, std::in
 }
 inline Matrix sky(const void* val, const void* pntr) { return {Format::sky, {val, pntr}, {}}; }
 
+// How a function is called that has not the arguments of its routine.
+struct Names {
+    const char *routine, *arguments; // "csrmultd", "op base m n ..."
+    const char *val, *indx, *pntr;   // of its matrix; no pntr: it has pntrb and pntre
+};
+
 // A vector is a column-major matrix of one column.
 struct Call {
     Routine routine;
@@ -85,6 +101,7 @@ struct Call {
     std::int64_t ldb;
     void* c; // or y
     std::int64_t ldc;
+    const Names* names = nullptr;
 
     bool vectors() const { return routine == Routine::mvout || routine == Routine::svout; }
     bool solves() const { return routine == Routine::svout || routine == Routine::smout; }

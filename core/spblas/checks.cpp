@@ -80,9 +80,10 @@ std::int64_t check_compressed(const Call& call, bool reads)
     if (!reads) return fine;
     const bool pointers = array[2] != nullptr && array[3] != nullptr;
     const bool entries = (array[0] != nullptr && array[1] != nullptr) || (pointers && any_entry(call));
-    if (array[0] == nullptr && entries) return null(call, "val");
-    if (array[1] == nullptr && entries) return null(call, "indx");
-    if (array[2] == nullptr) return null(call, "pntrb");
+    const Names* names = call.names;
+    if (array[0] == nullptr && entries) return null(call, names ? names->val : "val");
+    if (array[1] == nullptr && entries) return null(call, names ? names->indx : "indx");
+    if (array[2] == nullptr) return null(call, names && names->pntr ? names->pntr : "pntrb");
     if (array[3] == nullptr) return null(call, "pntre");
     return fine;
 }
@@ -148,6 +149,19 @@ std::int64_t check_c(const Call& call)
 }
 
 } // namespace
+
+std::int64_t check_rows(const Call& call, int base)
+{
+    if (!between(base, ORK_SPBLAS_BASE_0, ORK_SPBLAS_BASE_1)) return wrong(call, "base", base, "bases are 0 and 1");
+    if (const auto status = check_sizes(call)) return status;
+    if (const auto status = check_compressed(call, call.m > 0)) return status;
+    return check_structure(call);
+}
+
+std::int64_t check_array(const Call& call, const char* name, const void* array)
+{
+    return array == nullptr && call.m > 0 ? null(call, name) : fine;
+}
 
 Check check_arguments(const Call& call)
 {

@@ -14,6 +14,11 @@ struct Check {
 // The arguments alone, in their order.
 Check check_arguments(const Call& call);
 
+// The same for a function of compressed rows that has names of its own, and in checking mode the structure.
+std::int64_t check_rows(const Call& call, int base);
+// An array with a number for each row or column.
+std::int64_t check_array(const Call& call, const char* name, const void* array);
+
 // What the arrays hold, in checking mode; 0 otherwise. Of a solve in coo format it says nothing of the diagonal.
 std::int64_t check_structure(const Call& call);
 

@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: MIT
 // The public functions: what they are given, in the shape of a Call.
 #include "export.h"
+#include "spblas/csr_tools.h"
 #include "spblas/drivers.h"
 
 namespace ork::spblas {
 namespace {
 
-struct Variant {
-    Precision precision;
-    bool wide;
-};
 template <class Int>
 constexpr Variant variant(Precision precision)
 {
@@ -107,3 +104,14 @@ using namespace ork::spblas;
 #define ORK_SCALAR const void*
 #define ORK_PRECISION Precision::z
 #include "spblas/entries.inc"
+
+ORK_EXPORT int64_t ork_spblas_lp64_dcsrsymmvs(ork_spblas_uplo uplo, int32_t m, const double* val, const int32_t* indx,
+                                              const int32_t* ia, const double* x, double* y)
+{
+    return symmetric_in_three_arrays({Precision::d, false}, uplo, m, csr(val, indx, ia), x, y);
+}
+ORK_EXPORT int64_t ork_spblas_dcsrsymmvs(ork_spblas_uplo uplo, int64_t m, const double* val, const int64_t* indx,
+                                         const int64_t* ia, const double* x, double* y)
+{
+    return symmetric_in_three_arrays({Precision::d, true}, uplo, m, csr(val, indx, ia), x, y);
+}

@@ -81,8 +81,9 @@ Name name_of(const Call& call)
 {
     Name name;
     std::snprintf(name.text, sizeof name.text, "ork_spblas_%s%c%s%s", call.wide ? "" : "lp64_",
-                  "sdcz"[static_cast<int>(call.precision)], formats[static_cast<int>(call.a.format)],
-                  routines[static_cast<int>(call.routine)]);
+                  "sdcz"[static_cast<int>(call.precision)],
+                  call.names ? call.names->routine : formats[static_cast<int>(call.a.format)],
+                  call.names ? "" : routines[static_cast<int>(call.routine)]);
     return name;
 }
 
@@ -94,6 +95,10 @@ Arguments arguments_of(const Call& call)
     static constexpr const char* behind[] = {"x beta y", "b ldb beta c ldc", "x y", "b ldb c ldc"};
     const bool vectors = call.vectors();
     Arguments arguments;
+    if (call.names) {
+        std::snprintf(arguments.text, sizeof arguments.text, "%s", call.names->arguments);
+        return arguments;
+    }
     std::snprintf(arguments.text, sizeof arguments.text, "op kind%s m n%s alpha %s %s", vectors ? "" : " layout",
                   vectors ? "" : " nrhs", matrix[static_cast<int>(call.a.format)],
                   behind[static_cast<int>(call.routine)]);

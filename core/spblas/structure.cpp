@@ -35,25 +35,27 @@ std::int64_t check_compressed(const Call& call)
 {
     const bool by_columns = call.a.format == Format::bsc;
     const char* const line = by_columns ? "column" : "row";
+    const bool three = call.names && call.names->pntr;
+    const char *const indices = call.names ? call.names->indx : "indx",
+                      *const begins = three ? call.names->pntr : "pntrb", *const ends = three ? begins : "pntre";
     const Integers indx = call.integers(1), pntrb = call.integers(2), pntre = call.integers(3);
     const std::int64_t base = call.kind.base, others = by_columns ? call.m : call.n, lb = call.a.block();
     for (std::int64_t i = 0; i < slices(call); ++i) {
         const std::int64_t begin = pntrb[i] - pntrb[0], end = pntre[i] - pntrb[0];
-        if (begin < 0)
-            return wrong(call, {"pntrb", i, pntrb[i], line, i + base}, "less than pntrb[0] = %lld", pntrb[0]);
+        if (begin < 0) return wrong(call, {begins, i, pntrb[i], line, i + base}, "less than the first, %lld", pntrb[0]);
         if (end < begin)
-            return wrong(call, {"pntre", i, pntre[i], line, i + base}, "less than pntrb[%lld] = %lld", i, pntrb[i]);
+            return wrong(call, {ends, three ? i + 1 : i, pntre[i], line, i + base}, "less than its begin, %lld",
+                         pntrb[i]);
         std::int64_t last = -1, diagonal = -1;
         for (std::int64_t k = begin; k < end; ++k) {
             const std::int64_t j = indx[k] - base;
-            const Place place = {"indx", k, indx[k], line, i + base};
+            const Place place = {indices, k, indx[k], line, i + base};
             if (j < 0 || j >= others)
                 return wrong(call, place, by_columns ? "rows run from %lld to %lld" : "columns run from %lld to %lld",
                              base, others - 1 + base);
-            if (call.solves() && j < last)
-                return wrong(call, place, "not sorted, less than indx[%lld] = %lld", k - 1, indx[k - 1]);
+            if (call.solves() && j < last) return wrong(call, place, "not sorted, %lld stands before it", indx[k - 1]);
             if (divides(call) && j == i) {
-                if (diagonal >= 0) return wrong(call, place, "the diagonal again, after indx[%lld]", diagonal);
+                if (diagonal >= 0) return wrong(call, place, "the diagonal again, after position %lld", diagonal);
                 diagonal = k;
             }
             last = j;

@@ -175,6 +175,12 @@ int ork_spblas_set_checking(int mode);
 #define ORK_SCALAR const void*
 #include "ork/spblas_routines.h"
 
+/* y <- A x of a symmetric matrix in three arrays with base 1, of which one triangle is read. */
+int64_t ork_spblas_lp64_dcsrsymmvs(ork_spblas_uplo uplo, int32_t m, const double* val, const int32_t* indx,
+                                   const int32_t* ia, const double* x, double* y);
+int64_t ork_spblas_dcsrsymmvs(ork_spblas_uplo uplo, int64_t m, const double* val, const int64_t* indx,
+                              const int64_t* ia, const double* x, double* y);
+
 ORK_END_DECLS
 
 #endif

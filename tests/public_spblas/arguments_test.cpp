@@ -177,9 +177,9 @@ TEST(SparseStructure, IsCheckedInCheckingModeWithRowAndPosition)
         {"csr", "mv", general, [](Attempt& a) { a.kind.base = ORK_SPBLAS_BASE_1; }, 7, 1, 0, 0,
          "indx[0] = 0 in row 1: columns run from 1 to 3"},
         {"csr", "mv", general, [](Attempt& a) { a.first[2] = -1; }, 8, 2, 2, -1,
-         "pntrb[2] = -1 in row 2: less than pntrb[0] = 0"},
+         "pntrb[2] = -1 in row 2: less than the first, 0"},
         {"csr", "mv", general, [](Attempt& a) { a.last[1] = 0; }, 9, 1, 1, 0,
-         "pntre[1] = 0 in row 1: less than pntrb[1] = 1"},
+         "pntre[1] = 0 in row 1: less than its begin, 1"},
         {"csr", "sv", lower,
          [](Attempt& a) {
              a.first = {0, 1, 1}, a.last = {1, 1, 3}, a.indices = {0, 2, 1};
@@ -189,12 +189,12 @@ TEST(SparseStructure, IsCheckedInCheckingModeWithRowAndPosition)
          [](Attempt& a) {
              a.m = a.n = 2, a.last[1] = 3, a.indices = {0, 1, 0};
          },
-         7, 1, 2, 0, "indx[2] = 0 in row 1: not sorted, less than indx[1] = 1"},
+         7, 1, 2, 0, "indx[2] = 0 in row 1: not sorted, 1 stands before it"},
         {"csr", "sv", lower,
          [](Attempt& a) {
              a.m = a.n = 2, a.last[1] = 3, a.indices = {0, 1, 1};
          },
-         7, 1, 2, 1, "indx[2] = 1 in row 1: the diagonal again, after indx[1]"},
+         7, 1, 2, 1, "indx[2] = 1 in row 1: the diagonal again, after position 1"},
         {"csr", "sm", lower, [](Attempt& a) { a.values[1] = 0; }, 8, 1, 1, 0,
          "val[1] = 0 in row 1: a zero on the diag"},
         {"csr", "sv", diagonal, [](Attempt& a) { a.values[2] = -0.0; }, 6, 2, 2, 0, "val[2] = 0 in row 2: a zero"},
