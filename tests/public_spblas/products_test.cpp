@@ -71,7 +71,7 @@ TYPED_TEST(PublicSpblas, ProductsAreThoseOfTheDenseMatrix)
             const Shape s = letters_of(op, kind, (vectors ? kind.base == 0 : layout == layouts[0]) ? 'c' : 'f');
             SCOPED_TRACE(name_of(format) + " " + std::string(&s.base, 6));
             const Sparse<T> a = matrix_for<T>(format, s, 11, 7, false, random);
-            const Dense model(a, s);
+            const Model model(a, s);
             const Matrix<Int, T> matrix(format, a, {s, format == Format::coo ? 0 : 5, format == Format::csr, 2});
             const std::int64_t nrhs = vectors ? 1 : 5, ld = std::max(model.rows(), model.columns()) + 2;
             std::vector<T> b = uniform_values<T>(ld * ld, random.bits()), c = uniform_values<T>(ld * ld, random.bits());
@@ -82,7 +82,7 @@ TYPED_TEST(PublicSpblas, ProductsAreThoseOfTheDenseMatrix)
             ASSERT_EQ(status, ORK_SPBLAS_SUCCESS) << ork_spblas_last_error()->text;
             std::vector<T> rest = before;
             for (std::int64_t j = 0; j < nrhs; ++j) {
-                std::vector<Expected<Dense::R>> want;
+                std::vector<Expected<Model::R>> want;
                 std::vector<T> got;
                 for (std::int64_t i = 0; i < model.rows(); ++i) {
                     T& old = at(rest, layout, ld, i, j);
@@ -111,7 +111,7 @@ TYPED_TEST(PublicSpblas, SolutionsMultipliedAgainAreTheRightHandSides)
                 const Shape s = letters_of(op, kind, (vectors ? kind.base == 0 : layout == layouts[0]) ? 'c' : 'f');
                 SCOPED_TRACE(name_of(format) + " " + std::string(&s.base, 6) + (in_place ? " in place" : ""));
                 const Sparse<T> a = matrix_for<T>(format, s, 9, 9, true, random);
-                const Dense model(a, s);
+                const Model model(a, s);
                 const Matrix<Int, T> matrix(format, a, {s, format == Format::coo ? 0 : 5});
                 const std::int64_t nrhs = vectors ? 1 : 5, ldb = model.rows() + 3, ldc = ldb + (in_place ? 0 : 1);
                 std::vector<T> b = uniform_values<T>(ldb * ldb, random.bits()),
@@ -126,10 +126,10 @@ TYPED_TEST(PublicSpblas, SolutionsMultipliedAgainAreTheRightHandSides)
                         at(rest, layout, ldc, i, j) = at(c, layout, ldc, i, j);
                         auto sum = model.product(
                             i, T(1), [&](std::int64_t k) { return at(c, layout, ldc, k, j); }, T(0), T(0));
-                        sum.value += Wide<Dense::R>() -
-                                     multiply<T>(Wide<Dense::R>(alpha), Wide<Dense::R>(at(b, layout, ldb, i, j)));
+                        sum.value += Wide<Model::R>() -
+                                     multiply<T>(Wide<Model::R>(alpha), Wide<Model::R>(at(b, layout, ldb, i, j)));
                         const auto bound = std::numeric_limits<Real<T>>::epsilon() * (sum.scale + 4) *
-                                           static_cast<Dense::R>(model.rows() + 8);
+                                           static_cast<Model::R>(model.rows() + 8);
                         EXPECT_TRUE(magnitude(sum.value) <= bound)
                             << "row " << i << " of " << j << " by " << static_cast<double>(magnitude(sum.value));
                     }
@@ -169,8 +169,8 @@ TYPED_TEST(PublicSpblas, ZeroFactorsReadNothing)
             matrix.mm(ORK_SPBLAS_NO_TRANS, kind, ORK_SPBLAS_COL_MAJOR, 1, T(0), nullptr, rows, beta, y.data(), rows),
             0);
         for (std::size_t i = 0; i < count; ++i) {
-            const Wide<Dense::R> want = multiply<T>(Wide<Dense::R>(beta), Wide<Dense::R>(x[i]));
-            expect_near<T>(y[i], Expected<Dense::R>{want, 4}, 2);
+            const Wide<Model::R> want = multiply<T>(Wide<Model::R>(beta), Wide<Model::R>(x[i]));
+            expect_near<T>(y[i], Expected<Model::R>{want, 4}, 2);
         }
         matrix.m = matrix.n = 0;
         EXPECT_EQ(matrix.mv(ORK_SPBLAS_NO_TRANS, kind, T(1), nullptr, T(0), nullptr), 0);
