@@ -50,6 +50,8 @@ if(pkg_config)
   set(examples ${prefix}/share/ork/examples)
   run(${CC} ${flags} ${examples}/nearest_mean.c -o ${WORK}/nearest_mean ${options})
   run(env LD_LIBRARY_PATH=${prefix}/${LIBDIR} ${WORK}/nearest_mean ${examples}/data/digits.csv)
+  run(${CC} ${flags} ${examples}/plate.c -o ${WORK}/plate ${options} -lm)
+  run(env LD_LIBRARY_PATH=${prefix}/${LIBDIR} ${WORK}/plate)
 endif()
 
 if(TOOLS)

@@ -361,9 +361,16 @@ TEST_F(Tool, ExampleNamesAsManyDigitsAsPlainLoopsDo)
         }
         right += named == rows[i][64];
     }
-    const ChildResult run = run_program({ORK_EXAMPLE, ORK_SOURCE_DIR "/examples/data/digits.csv"});
+    const ChildResult run = run_program({ORK_EXAMPLE_NEAREST_MEAN, ORK_SOURCE_DIR "/examples/data/digits.csv"});
     EXPECT_TRUE(run.ok()) << run.describe();
     EXPECT_THAT(run.out, testing::StartsWith(std::to_string(right) + " of " + std::to_string(rows.size() - half)));
+}
+
+TEST_F(Tool, ExampleFindsTheTemperatureOfAPlate)
+{
+    const ChildResult run = run_program({ORK_EXAMPLE_PLATE});
+    EXPECT_TRUE(run.ok()) << run.describe();
+    EXPECT_THAT(run.out, ContainsRegex("^10000 unknowns, [1-9][0-9]+ iterations, largest error [0-9.]+e-1[0-9]"));
 }
 
 TEST_F(Tool, BadArgumentsAreNamedAndFail)

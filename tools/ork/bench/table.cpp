@@ -69,7 +69,7 @@ void Table::summary(const std::vector<Result>& results) const
     double limit = 0;
     for (const Result& r : results) {
         if (r.ratio > 0) compared.push_back(&r);
-        if (r.unit == "GF/s") limit = std::max(limit, r.limit);
+        if (r.unit == "GF/s" && r.traffic == 0) limit = std::max(limit, r.limit);
     }
     fmt::print("\n{} cases measured", results.size());
     if (!compared.empty()) {
