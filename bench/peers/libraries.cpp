@@ -178,8 +178,9 @@ std::optional<fs::path> locate(std::initializer_list<const char*> names)
 
 Library library(std::string name, std::string detail, Kind kind, void* handle)
 {
-    return {std::move(name), std::move(detail), kind, [handle](const char* symbol) { return dlsym(handle, symbol); },
-            transforms_of(handle), ork_sparse(handle)};
+    return {
+        std::move(name),       std::move(detail), kind, [handle](const char* symbol) { return dlsym(handle, symbol); },
+        transforms_of(handle), ork_sparse(handle)};
 }
 
 Library core_library()

@@ -78,9 +78,9 @@ public:
         const std::string all = text;
         const auto has = [&](const char* what) { return all.find(what) != std::string::npos; };
         std::string result = has("coo:1") && has("csr:1") ? "CSR and COO" : has("coo:1") ? "COO" : "CSR";
-        if (has("hw:1")) result += " with 16-bit indices";
-        if (const size_t at = all.find("subm: "); at != std::string::npos)
-            result += " in " + all.substr(at + 6, all.find(',', at) - at - 6) + " blocks";
+        if (has("hw:1")) result += ", 16-bit indices";
+        if (const size_t at = all.find("subm: "); at != std::string::npos && all.compare(at, 8, "subm: 1,") != 0)
+            result += ", blocks: " + all.substr(at + 6, all.find(',', at) - at - 6);
         return result;
     }
 

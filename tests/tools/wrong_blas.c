@@ -1,6 +1,6 @@
 /* SPDX-License-Identifier: MIT */
-/* Preloaded in front of ork: a dgemm and a sparse product whose last element is NaN or off by one part in a million, and
-   transforms of which that holds for the third number. */
+/* Preloaded in front of ork: a dgemm and a sparse product whose last element is NaN or off by one part in a million,
+   and transforms of which that holds for the third number. */
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <math.h>
