@@ -16,8 +16,6 @@
 namespace ork::spblas {
 namespace {
 
-constexpr double entries_per_thread = 20'000;
-
 enum Tool { gemvout, multd, multd_t, symmvs, gauss, invdiag, sortrow, split };
 
 // By tool, precision, width and base.
@@ -57,7 +55,7 @@ Call general(Variant v, const Names& names, int base, std::int64_t m, std::int64
 template <class Body>
 void for_slices(const Call& call, double entries, Body body)
 {
-    const int parts = threads_for(entries, entries_per_thread);
+    const int parts = threads_for(entries);
     const auto run_slice = [&](Range range) {
         const std::int64_t first = range.first + 1, last = range.end();
         if (range.count > 0) body(&first, &last);

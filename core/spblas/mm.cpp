@@ -12,8 +12,6 @@
 namespace ork::spblas {
 namespace {
 
-constexpr double products_per_thread = 20'000; // of an entry and an element of B
-
 void run(const Call& call, void* kernel, Range columns)
 {
     const std::int64_t first = columns.first + 1, last = columns.end();
@@ -73,7 +71,7 @@ std::int64_t mm(const Call& call)
         return ORK_SPBLAS_SUCCESS;
     }
     const Range all = {0, call.nrhs};
-    const int parts = threads_for(stored_entries(call) * static_cast<double>(call.nrhs), products_per_thread);
+    const int parts = threads_for(stored_entries(call) * static_cast<double>(call.nrhs));
     if (parts == 1)
         run(call, kernel, all);
     else if (divides_by_rows(call, shape))

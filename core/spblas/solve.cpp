@@ -13,8 +13,6 @@
 namespace ork::spblas {
 namespace {
 
-constexpr double products_per_thread = 20'000; // of an entry and an element of B
-
 void copy_right_hand_sides(const Call& call, Range columns)
 {
     scaled_copy(call, call.alpha, call.b, call.ldb, columns.first, columns.count);
@@ -30,7 +28,7 @@ void solve_many(const Call& call, void* kernel)
 {
     const double work = stored_entries(call) * static_cast<double>(call.nrhs);
     const std::int64_t unit = columns_together(call);
-    const int parts = call.nrhs <= unit ? 1 : threads_for(work, products_per_thread);
+    const int parts = call.nrhs <= unit ? 1 : threads_for(work);
     const auto body = [&](int part) {
         const Range columns = strip(call.nrhs, unit, parts, part);
         if (columns.count == 0) return;

@@ -77,10 +77,10 @@ Range strip(std::int64_t count, std::int64_t unit, int parts, int part)
     return {std::min(first, count), std::min(length, count - std::min(first, count))};
 }
 
-int threads_for(double work, double work_per_thread)
+int threads_for(double products)
 {
-    if (!(work >= 2 * work_per_thread)) return 1;
-    return static_cast<int>(std::min<double>(work / work_per_thread, threads::limit()));
+    if (!(products >= 2 * products_per_thread)) return 1;
+    return static_cast<int>(std::min<double>(products / products_per_thread, threads::limit()));
 }
 
 std::int64_t columns_together(const Call& call)

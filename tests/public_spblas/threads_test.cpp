@@ -78,7 +78,7 @@ TYPED_TEST(SparseThreads, ResultsDontDependOnThemBeyondTheOrderOfSums)
     const ork_spblas_kind triangular = {ORK_SPBLAS_TRIANGULAR, ORK_SPBLAS_LOWER, ORK_SPBLAS_NON_UNIT,
                                         ORK_SPBLAS_BASE_0};
     for (const Format format : all_formats) {
-        const std::int64_t lb = format == Format::bsr || format == Format::bsc ? 2 : 1, rows = 3000 / lb;
+        const std::int64_t lb = format == Format::bsr || format == Format::bsc ? 2 : 1, rows = 7000 / lb;
         const bool dia = format == Format::dia, sky = format == Format::sky;
         Sparse<T> a = large<T>(rows, false, lb, random), l = large<T>(rows, true, lb, random);
         if (dia || sky) { // bands
@@ -91,7 +91,7 @@ TYPED_TEST(SparseThreads, ResultsDontDependOnThemBeyondTheOrderOfSums)
         const Arrangement how = {letters_of(ORK_SPBLAS_NO_TRANS, general, 'c'), format == Format::coo ? 0 : 3};
         const Matrix<Int, T> matrix(format, a, how), triangle(format, l, how);
         const std::int64_t size = rows * lb;
-        const std::vector<T> x = uniform_values<T>(size * 20, 8);
+        const std::vector<T> x = uniform_values<T>(size * 18, 8);
         for (const ork_spblas_kind kind : {general, symmetric, triangular})
             for (const int op : {ORK_SPBLAS_NO_TRANS, ORK_SPBLAS_CONJ_TRANS}) {
                 if (sky && kind.type == ORK_SPBLAS_GENERAL) continue;
@@ -99,14 +99,15 @@ TYPED_TEST(SparseThreads, ResultsDontDependOnThemBeyondTheOrderOfSums)
                 const bool same = !spblas::scatters(format, letters_of(op, kind, 'c'));
                 const Matrix<Int, T>& used = kind.type == ORK_SPBLAS_TRIANGULAR ? triangle : matrix;
                 expect_alike<T>(size, same, 4000, [&](T* y) { return used.mv(op, kind, alpha, x.data(), beta, y); });
+                if (op != ORK_SPBLAS_NO_TRANS && kind.type == ORK_SPBLAS_SYMMETRIC) continue;
                 for (const bool by_rows : {true, false}) {
                     const int layout = by_rows ? ORK_SPBLAS_ROW_MAJOR : ORK_SPBLAS_COL_MAJOR;
-                    const Int ld = by_rows ? 20 : Int(size), nrhs = by_rows ? 19 : 9;
-                    expect_alike<T>(size * 20, true, 0, [&](T* c) {
+                    const Int ld = by_rows ? 18 : Int(size), nrhs = by_rows ? 17 : 9;
+                    expect_alike<T>(size * 18, true, 0, [&](T* c) {
                         return used.mm(op, kind, layout, nrhs, alpha, x.data(), ld, beta, c, ld);
                     });
                     if (kind.type == ORK_SPBLAS_TRIANGULAR)
-                        expect_alike<T>(size * 20, true, 0, [&](T* c) {
+                        expect_alike<T>(size * 18, true, 0, [&](T* c) {
                             return used.sm(op, kind, layout, nrhs, alpha, x.data(), ld, c, ld);
                         });
                 }
