@@ -14,15 +14,15 @@ using Call = Calls<Format::coo, Int, T>;
                                          const T* alpha, const T* val, const Int* rowind, const Int* colind,
                                          const Int* nnz, const T* x, T* y, const T* beta)
 {
-    coo_product<Int, T>(Terms(letters), Index{*first} - 1, *last, *size, *alpha, {val, rowind, colind, *nnz}, x, y,
-                        *beta);
+    coo_product<Int, T>(Terms(letters).of_vectors(), Index{*first} - 1, *last, *size, *alpha,
+                        {val, rowind, colind, *nnz}, x, y, *beta);
 }
 
 [[gnu::noipa]] static void coo_mvout_seq(const Int* size, const void* letters, const T* alpha, const T* val,
                                          const Int* rowind, const Int* colind, const Int* nnz, const T* x, T* y,
                                          const T* beta)
 {
-    coo_product<Int, T>(Terms(letters), 0, *nnz, *size, *alpha, {val, rowind, colind, *nnz}, x, y, *beta);
+    coo_product<Int, T>(Terms(letters).of_vectors(), 0, *nnz, *size, *alpha, {val, rowind, colind, *nnz}, x, y, *beta);
 }
 
 [[gnu::noipa]] static void coo_mmout_par(const Int* first, const Int* last, const Int* m, const Int* n,
@@ -47,7 +47,7 @@ using Call = Calls<Format::coo, Int, T>;
 [[gnu::noipa]] static void coo_svout_seq(const Int* m, const void* letters, const T* val, const Int* rowind,
                                          const Int* colind, const Int* nnz, T* y)
 {
-    coo_solve<Columns<T, 1>, Int, T>(Terms(letters), *m, {val, rowind, colind, *nnz}, {nullptr, y});
+    coo_solve<ColumnGroup<T, 1>, Int, T>(Terms(letters).of_vectors(), *m, {val, rowind, colind, *nnz}, {nullptr, y});
 }
 
 [[gnu::noipa]] static void coo_smout_par(const Int* first, const Int* last, const Int* m, const void* letters,

@@ -3,7 +3,7 @@
 // registers, which makes a matrix sorted by rows as fast as compressed rows.
 #pragma once
 
-#include "spblas/right_sides.h"
+#include "spblas/streams.h"
 #include "spblas/terms.h"
 
 namespace ork::spblas {
@@ -13,7 +13,20 @@ struct Coo {
     const T* val;
     const Int *row, *column; // numbers count from the base
     Index nnz;
+
+    Index bytes(Index first, Index last) const
+    {
+        return (last - first) * static_cast<Index>(sizeof(T) + 2 * sizeof(Int));
+    }
 };
+
+template <class Int, class T>
+[[gnu::always_inline]] inline void fetch(Ahead ahead, const Coo<Int, T>& a, Index k)
+{
+    ahead.fetch(a.val + k);
+    ahead.fetch(a.row + k);
+    ahead.fetch(a.column + k);
+}
 
 // C += alpha op(A) B over entries first .. last (exclusive): direct, C(row) += alpha a B(column); mirrored, the other
 // way round. `terms` is constant where this is inlined with constants. The operands are shifted by the base.
@@ -21,10 +34,10 @@ template <class Group, class Int, class T>
 [[gnu::always_inline]] inline void coo_add(Terms terms, bool direct, bool mirrored, bool filtered, Index first,
                                            Index last, T alpha, const Coo<Int, T>& a, const Operands<T>& o)
 {
-    if (first >= last) return;
     const Conjugation<T> conjugated(terms.conjugate()), mirrored_conjugated(terms.mirrored_conjugate());
     const T mirrored_alpha = terms.mirrored_minus() ? T{} - alpha : alpha;
     const bool lower = terms.lower(), diagonal = terms.diagonal();
+    const Ahead ahead(true, a.bytes(first, last));
     const auto b = [&](Index i) { return Group::load(o.b + Group::at(i, o.b_row), o.b_side); };
     const auto add_to_row = [&](Index i, T factor, const Group& x) {
         T* c = o.c + Group::at(i, o.c_row);
@@ -33,41 +46,34 @@ template <class Group, class Int, class T>
         sum.store(c, o.c_side);
     };
 
-    Int row = a.row[first];
-    Group sum{}, x{}; // of this row: entries times B; alpha times B
-    const auto begin = [&] {
-        sum = Group{};
-        if (!mirrored) return;
-        x = Group{};
-        x.add(mirrored_alpha, b(row));
-    };
-    begin();
-    for (Index k = first; k < last; ++k) {
-        const Int column = a.column[k];
-        if (a.row[k] != row) {
-            if (direct || filtered) add_to_row(row, alpha, sum);
-            row = a.row[k];
-            begin();
-        }
-        const T value = a.val[k];
-        if (filtered) {
-            if (column == row) {
-                if (diagonal) sum.add(conjugated(value), b(column));
-                continue;
+    for (Index k = first; k < last;) {
+        const Int row = a.row[k];
+        Group sum{}, x{}; // of this run: entries times B; alpha times B
+        if (mirrored) x.add(mirrored_alpha, b(row));
+        const Index begin = k;
+        do {
+            const Int column = a.column[k];
+            const T value = a.val[k];
+            if (filtered) {
+                if (column == row) {
+                    if (diagonal) sum.add(conjugated(value), b(column));
+                    continue;
+                }
+                if ((column < row) != lower) continue;
             }
-            if ((column < row) != lower) continue;
-        }
-        if (direct) sum.add(conjugated(value), b(column));
-        if (mirrored) add_to_row(column, mirrored_conjugated(value), x);
+            if (direct) sum.add(conjugated(value), b(column));
+            if (mirrored) add_to_row(column, mirrored_conjugated(value), x);
+        } while (++k < last && a.row[k] == row);
+        if (direct || filtered) add_to_row(row, alpha, sum);
+        for (Index fetched = begin; fetched < k; fetched += 8) fetch(ahead, a, fetched);
     }
-    if (direct || filtered) add_to_row(row, alpha, sum);
 }
 
 template <bool direct, bool mirrored, bool filtered, class Int, class T>
 [[gnu::noinline]] void coo_add_vector(Terms terms, Index first, Index last, T alpha, const Coo<Int, T>& a,
                                       const Operands<T>& o)
 {
-    coo_add<Columns<T, 1>>(terms, direct, mirrored, filtered, first, last, alpha, a, o);
+    coo_add<ColumnGroup<T, 1>>(terms, direct, mirrored, filtered, first, last, alpha, a, o);
 }
 
 template <class Group, class Int, class T>

@@ -16,28 +16,34 @@ template <class Group, class Int, class T>
     const bool lower = terms.lower(), direct = terms.direct(), off_diagonal = direct || terms.mirrored();
     const bool forward = terms.forward() || !off_diagonal;
     const Index step = forward ? 1 : -1, end = forward ? a.nnz : -1;
-    const auto c = [&](Int i) { return o.c + Group::at(static_cast<Index>(i) - terms.base(), o.c_row); };
+    T* const first = o.c - terms.base() * o.c_row;
+    const auto c = [&](Index i) { return first + Group::at(i, o.c_row); };
+    const Ahead ahead(forward, a.bytes(0, a.nnz));
 
-    Index k = forward ? 0 : a.nnz - 1;
-    for (Index i = 0; i < size; ++i) {
-        const Int row = static_cast<Int>((forward ? i : size - 1 - i) + terms.base());
+    Index k = forward ? 0 : a.nnz - 1, row = terms.base() + (forward ? 0 : size - 1), row_before = row - step;
+    Group before{}; // its result, at hand sooner than from memory
+    for (Index left = size; left > 0; --left, row += step) {
         Group x = Group::load(c(row), o.c_side);
+        const Index begin = k;
         for (; k != end && a.row[k] == row; k += step) {
-            const Int column = a.column[k];
+            const Index column = a.column[k];
+            const T value = conjugated(a.val[k]);
             if (column == row) {
-                if (!terms.unit()) x.divide(conjugated(a.val[k]));
+                if (!terms.unit()) x.divide(value);
             } else if (off_diagonal && (column < row) == lower) {
-                const T minus = T{} - conjugated(a.val[k]);
-                Group other = Group::load(c(column), o.c_side);
                 if (direct) {
-                    x.add(minus, other);
+                    x.subtract(value, column == row_before ? before : Group::load(c(column), o.c_side));
                 } else {
-                    other.add(minus, x);
+                    Group other = Group::load(c(column), o.c_side);
+                    other.subtract(value, x);
                     other.store(c(column), o.c_side);
                 }
             }
         }
+        for (Index fetched = begin; (k - fetched) * step > 0; fetched += 8 * step) fetch(ahead, a, fetched);
         x.store(c(row), o.c_side);
+        before = x;
+        row_before = row;
     }
 }
 

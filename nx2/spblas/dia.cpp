@@ -14,15 +14,16 @@ using Call = Calls<Format::dia, Int, T>;
                                          const Int* n, const T* alpha, const T* val, const Int* lval, const Int* idiag,
                                          const Int* ndiag, const T* x, T* y, const T* beta)
 {
-    dia_product<Int, T>(Terms(letters), {Index{*first} - 1, *last}, *m, *n, *alpha, {val, *lval, idiag, *ndiag}, {x, y},
-                        *beta);
+    dia_product<Int, T>(Terms(letters).of_vectors(), {Index{*first} - 1, *last}, *m, *n, *alpha,
+                        {val, *lval, idiag, *ndiag}, {x, y}, *beta);
 }
 
 [[gnu::noipa]] static void dia_mvout_seq(const Int* size, const void* letters, const T* alpha, const T* val,
                                          const Int* lval, const Int* idiag, const Int* ndiag, const T* x, T* y,
                                          const T* beta)
 {
-    dia_product<Int, T>(Terms(letters), {0, *size}, *size, *size, *alpha, {val, *lval, idiag, *ndiag}, {x, y}, *beta);
+    dia_product<Int, T>(Terms(letters).of_vectors(), {0, *size}, *size, *size, *alpha, {val, *lval, idiag, *ndiag},
+                        {x, y}, *beta);
 }
 
 [[gnu::noipa]] static void dia_mmout_par(const Int* first, const Int* last, const Int* m, const Int* n,
@@ -47,7 +48,7 @@ using Call = Calls<Format::dia, Int, T>;
 [[gnu::noipa]] static void dia_svout_seq(const Int* m, const void* letters, const T* val, const Int* lval,
                                          const Int* idiag, const Int* ndiag, T* y)
 {
-    dia_solve<Int, T>(Terms(letters), *m, {val, *lval, idiag, *ndiag}, {y, y});
+    dia_solve<Int, T>(Terms(letters).of_vectors(), *m, {val, *lval, idiag, *ndiag}, {y, y});
 }
 
 [[gnu::noipa]] static void dia_smout_par(const Int* first, const Int* last, const Int* m, const void* letters,

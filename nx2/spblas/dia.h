@@ -10,16 +10,18 @@
 
 namespace ork::spblas {
 
+struct Range { // last exclusive
+    Index first, last;
+};
+
 template <class Int, class T>
 struct Dia {
     const T* val; // A(i, i + idiag[k]) is val[i + k * lval]
     Index lval;
     const Int* idiag;
     Index ndiag;
-};
 
-struct Range { // last exclusive
-    Index first, last;
+    Index bytes(Range rows) const { return ndiag * (rows.last - rows.first) * static_cast<Index>(sizeof(T)); }
 };
 
 template <class T>
@@ -27,6 +29,8 @@ struct Stroke {
     const T* val;
     Index offset;
     Range rows;
+
+    Index distance() const { return offset < 0 ? -offset : offset; }
 };
 
 inline constexpr int strokes_at_once = 4;
@@ -49,13 +53,21 @@ inline Stroke<T> stroke(Terms terms, bool mirror, const Dia<Int, T>& a, Index k,
     return {val - shift, mirror ? -d : d, {std::max(first + shift, block.first), std::min(last + shift, block.last)}};
 }
 
+template <class T>
+struct StrokeTask {
+    bool row_major;
+    T alpha;
+    Conjugation<T> conjugated;
+    Ahead ahead;
+};
+
 // C += alpha val B over `rows` and strokes that all cover them: `count` at once down a column,
 template <int count, class T>
-[[gnu::noinline]] void add_strokes(const Stroke<T>* strokes, Range rows, T alpha, Conjugation<T> conjugated, const T* b,
-                                   T* c)
+[[gnu::noinline]] void add_strokes(const StrokeTask<T>& task, const Stroke<T>* strokes, Range rows, const T* b, T* c)
 {
-    constexpr int lanes = Vec<T>::lanes, block = is_complex<T> ? 1 : 2;
-    const Factor<T> factor(alpha);
+    const Factor<T> factor(task.alpha);
+    const Conjugation<T> conjugated = task.conjugated;
+    const Ahead ahead = task.ahead;
     const T *val[count], *x[count];
 #pragma GCC unroll 4
     for (int q = 0; q < count; ++q) {
@@ -63,64 +75,60 @@ template <int count, class T>
         x[q] = b + rows.first + strokes[q].offset;
     }
     T* y = c + rows.first;
-    const Index n = rows.last - rows.first;
-    Index i = 0;
-    for (; i + block * lanes <= n; i += block * lanes) {
-        Products<T> sum[block]{};
+    for_strips<T>(
+        rows.last - rows.first, [&]<int vectors, int width>(Index i) __attribute__((always_inline)) {
+            Products<T> sum[vectors]{};
 #pragma GCC unroll 4
-        for (int q = 0; q < count; ++q)
-#pragma GCC unroll 2
-            for (int j = 0; j < block; ++j) sum[j].template add<lanes>(val[q] + i + j * lanes, x[q] + i + j * lanes);
-#pragma GCC unroll 2
-        for (int j = 0; j < block; ++j) add_to<lanes>(y + i + j * lanes, factor * sum[j].value(conjugated));
-    }
-    for (; i < n; ++i) {
-        Products<T> sum{};
+            for (int q = 0; q < count; ++q) {
+                ahead.fetch(val[q] + i);
 #pragma GCC unroll 4
-        for (int q = 0; q < count; ++q) sum.template add<1>(val[q] + i, x[q] + i);
-        add_to<1>(y + i, factor * sum.value(conjugated));
-    }
+                for (int j = 0; j < vectors; ++j)
+                    sum[j].template add<width>(val[q] + i + j * width, x[q] + i + j * width);
+            }
+#pragma GCC unroll 4
+            for (int j = 0; j < vectors; ++j) add_to<width>(y + i + j * width, factor * sum[j].value(conjugated));
+        });
 }
 
 // or row by row across right-hand sides.
 template <class Group, class T>
-[[gnu::noinline]] void add_strokes(const Stroke<T>* strokes, int count, Range rows, T alpha, Conjugation<T> conjugated,
+[[gnu::noinline]] void add_strokes(const StrokeTask<T>& task, const Stroke<T>* strokes, int count, Range rows,
                                    const Operands<T>& o)
 {
     for (Index i = rows.first; i < rows.last; ++i) {
         Group sum{};
-        for (int q = 0; q < count; ++q)
-            sum.add(conjugated(strokes[q].val[i]), Group::load(o.b + (i + strokes[q].offset) * o.b_row, o.b_side));
+        for (int q = 0; q < count; ++q) {
+            const T* val = strokes[q].val + i;
+            task.ahead.fetch(val);
+            sum.add(task.conjugated(*val), Group::load(o.b + (i + strokes[q].offset) * o.b_row, o.b_side));
+        }
         T* c = o.c + i * o.c_row;
         Group total = Group::load(c, o.c_side);
-        total.add(alpha, sum);
+        total.add(task.alpha, sum);
         total.store(c, o.c_side);
     }
 }
 
 template <class T>
-[[gnu::noinline]] void add_strokes(bool row_major, const Stroke<T>* strokes, int count, Range rows, T alpha,
-                                   Conjugation<T> conjugated, const Operands<T>& o)
+[[gnu::noinline]] void add_strokes(const StrokeTask<T>& task, const Stroke<T>* strokes, int count, Range rows,
+                                   const Operands<T>& o)
 {
     if (rows.last <= rows.first) return;
-    if (row_major)
+    if (task.row_major)
         return for_lanes(o, [&]<class Group>(Group, const Operands<T>& part) {
-            add_strokes<Group>(strokes, count, rows, alpha, conjugated, part);
+            add_strokes<Group>(task, strokes, count, rows, part);
         });
-    constexpr void (*add[])(const Stroke<T>*, Range, T, Conjugation<T>, const T*,
+    constexpr void (*add[])(const StrokeTask<T>&, const Stroke<T>*, Range, const T*,
                             T*) = {add_strokes<1, T>, add_strokes<2, T>, add_strokes<3, T>, add_strokes<4, T>};
-    for (Index j = 0; j < o.sides; ++j)
-        add[count - 1](strokes, rows, alpha, conjugated, o.b + j * o.b_side, o.c + j * o.c_side);
+    for (Index j = 0; j < o.sides; ++j) add[count - 1](task, strokes, rows, o.b + j * o.b_side, o.c + j * o.c_side);
 }
 
 // A few strokes on their way: rows that all of them cover are done together, the others one by one.
 template <class T>
 class StrokeGroup {
 public:
-    StrokeGroup(bool row_major, T alpha, Conjugation<T> conjugated, const Operands<T>& o)
-        : row_major_(row_major), alpha_(alpha), conjugated_(conjugated), o_(o)
-    {
-    }
+    StrokeGroup(const StrokeTask<T>& task, const Operands<T>& o) : task_(task), o_(o) {}
+
     void take(const Stroke<T>& stroke)
     {
         if (stroke.rows.last <= stroke.rows.first) return;
@@ -134,24 +142,17 @@ public:
         for (int q = 1; q < count_; ++q)
             common = {std::max(common.first, strokes_[q].rows.first), std::min(common.last, strokes_[q].rows.last)};
         common.last = std::max(common.first, common.last);
-        add(strokes_, count_, common);
+        add_strokes(task_, strokes_, count_, common, o_);
         for (int q = 0; q < count_; ++q) {
             const Range rows = strokes_[q].rows;
-            add(strokes_ + q, 1, {rows.first, std::min(rows.last, common.first)});
-            add(strokes_ + q, 1, {std::max(rows.first, common.last), rows.last});
+            add_strokes(task_, strokes_ + q, 1, {rows.first, std::min(rows.last, common.first)}, o_);
+            add_strokes(task_, strokes_ + q, 1, {std::max(rows.first, common.last), rows.last}, o_);
         }
         count_ = 0;
     }
 
 private:
-    void add(const Stroke<T>* strokes, int count, Range rows)
-    {
-        add_strokes(row_major_, strokes, count, rows, alpha_, conjugated_, o_);
-    }
-
-    bool row_major_;
-    T alpha_;
-    Conjugation<T> conjugated_;
+    const StrokeTask<T>& task_;
     const Operands<T>& o_;
     Stroke<T> strokes_[strokes_at_once];
     int count_ = 0;
@@ -166,15 +167,17 @@ template <class Int, class T>
     const Index block_rows = terms.row_major() ? 128 : 512; // of C: half the first cache, beside B and the values
     const Range all = terms.mirrored() ? Range{0, terms.direct() ? m : n} : rows;
     alpha = terms.signed_alpha(alpha);
-    const T mirrored_alpha = terms.mirrored_minus() ? T{} - alpha : alpha;
+    const Ahead ahead(true, a.bytes(rows));
+    const StrokeTask<T> direct_task{terms.row_major(), alpha, Conjugation<T>(terms.conjugate()), ahead};
+    const StrokeTask<T> mirrored_task{terms.row_major(), terms.mirrored_minus() ? T{} - alpha : alpha,
+                                      Conjugation<T>(terms.mirrored_conjugate()), ahead};
     for (Index i = all.first; i < all.last; i += block_rows) {
         const Range block{i, std::min(i + block_rows, all.last)};
         scale_rows(terms.row_major(), block.first, block.last, beta, o);
         if (terms.unit())
             add_identity(terms.row_major(), std::max(block.first, rows.first), std::min({block.last, rows.last, m, n}),
                          alpha, o);
-        StrokeGroup<T> direct(terms.row_major(), alpha, Conjugation<T>(terms.conjugate()), o);
-        StrokeGroup<T> mirrored(terms.row_major(), mirrored_alpha, Conjugation<T>(terms.mirrored_conjugate()), o);
+        StrokeGroup<T> direct(direct_task, o), mirrored(mirrored_task, o);
         for (Index k = 0; k < a.ndiag; ++k) {
             direct.take(stroke(terms, false, a, k, m, n, rows, block));
             mirrored.take(stroke(terms, true, a, k, m, n, rows, block));

@@ -8,8 +8,7 @@
 
 namespace ork::spblas {
 
-inline constexpr Index near_distance = 16; // less than this is near: a block has at least so many rows
-inline constexpr int most_near = 16;       // more are only there if diagonals are repeated
+inline constexpr int most_near = 16;
 inline constexpr Index most_block_rows = 256;
 
 // The near diagonals of a solve, the nearest last: its product is what the next row waits for.
@@ -17,33 +16,62 @@ template <class T>
 struct NearStrokes {
     Stroke<T> strokes[most_near];
     int count = 0;
+    Index limit; // of their distance
 
     void insert(const Stroke<T>& s)
     {
-        const auto distance = [](Index offset) { return offset < 0 ? -offset : offset; };
         int q = count++;
-        for (; q > 0 && distance(strokes[q - 1].offset) < distance(s.offset); --q) strokes[q] = strokes[q - 1];
+        for (; q > 0 && strokes[q - 1].distance() < s.distance(); --q) strokes[q] = strokes[q - 1];
         strokes[q] = s;
     }
 };
 
-// What is left of the rows of a block, first to last or last to first. `diagonal` is null where ones are taken.
+// What is left of the rows of a block, first to last or last to first; all of them, or none but the first and last few
+// of the matrix, meet every near diagonal. `diagonal` is null where ones are taken.
 template <class Group, class T>
 [[gnu::noinline]] void dia_solve_rows(const NearStrokes<T>& near, const T* diagonal, Range rows, bool forward,
-                                      Conjugation<T> conjugated, const Operands<T>& o)
+                                      const StrokeTask<T>& task, const Operands<T>& o)
 {
     const Index step = forward ? 1 : -1;
-    Index i = forward ? rows.first : rows.last - 1;
-    for (Index left = rows.last - rows.first; left > 0; --left, i += step) {
-        T* c = o.c + Group::at(i, o.c_row);
-        Group x = Group::load(c, o.c_side);
+    const auto c = [&](Index i) { return o.c + Group::at(i, o.c_row); };
+    const auto finish = [&](Group& x, Index i) {
+        if (diagonal != nullptr) {
+            task.ahead.fetch(diagonal + i);
+            x.divide(task.conjugated(diagonal[i]));
+        }
+        x.store(c(i), o.c_side);
+    };
+    const auto take_out = [&](Group& x, const Stroke<T>& s, Index i) {
+        task.ahead.fetch(s.val + i);
+        x.subtract(task.conjugated(s.val[i]), Group::load(c(i + s.offset), o.c_side));
+    };
+    Index i = forward ? rows.first : rows.last - 1, left = rows.last - rows.first;
+    const auto all_meet = [&] {
+        return near.count == 0 || (i >= near.strokes[0].rows.first && i < near.strokes[0].rows.last);
+    };
+    for (; left > 0 && !all_meet(); --left, i += step) {
+        Group x = Group::load(c(i), o.c_side);
         for (int q = 0; q < near.count; ++q) {
             const Stroke<T>& s = near.strokes[q];
-            if (i < s.rows.first || i >= s.rows.last) continue;
-            x.add(T{} - conjugated(s.val[i]), Group::load(o.c + Group::at(i + s.offset, o.c_row), o.c_side));
+            if (i >= s.rows.first && i < s.rows.last) take_out(x, s, i);
         }
-        if (diagonal != nullptr) x.divide(conjugated(diagonal[i]));
-        x.store(c, o.c_side);
+        finish(x, i);
+    }
+    if (left == 0) return;
+
+    // The row before stays in registers.
+    const bool adjacent = near.count > 0 && near.strokes[near.count - 1].offset == -step;
+    const int others = near.count - adjacent;
+    const T* val = adjacent ? near.strokes[others].val : nullptr;
+    Group before{};
+    if (adjacent) before = Group::load(c(i - step), o.c_side);
+    for (; left > 0; --left, i += step) {
+        Group x = Group::load(c(i), o.c_side);
+        for (int q = 0; q < others; ++q) take_out(x, near.strokes[q], i);
+        task.ahead.fetch(val + i);
+        if (adjacent) x.subtract(task.conjugated(val[i]), before);
+        finish(x, i);
+        before = x;
     }
 }
 
@@ -51,38 +79,46 @@ template <class Int, class T>
 [[gnu::noinline]] void dia_solve(Terms terms, Index m, const Dia<Int, T>& a, const Operands<T>& o)
 {
     const bool mirror = terms.mirrored(), row_major = terms.row_major(), forward = terms.forward();
-    const Conjugation<T> conjugated(terms.conjugate());
     const Range all{0, m};
-    const auto is_near = [&](const Stroke<T>& s) { return -near_distance < s.offset && s.offset < near_distance; };
+    const StrokeTask<T> task{row_major, T{} - T{1}, Conjugation<T>(terms.conjugate()), Ahead(forward, a.bytes(all))};
+    const auto used = [&](Index k, Range block) { return stroke(terms, mirror, a, k, m, m, all, block); };
 
     const T* diagonal = nullptr;
     NearStrokes<T> near;
     Index block_rows = most_block_rows;
-    for (Index k = 0; k < a.ndiag; ++k) {
-        if (a.idiag[k] == 0 && terms.diagonal()) diagonal = a.val + k * a.lval;
-        const Stroke<T> s = stroke(terms, mirror, a, k, m, m, all, all);
-        if (s.rows.last <= s.rows.first || s.offset == 0) continue;
-        if (!is_near(s))
-            block_rows = std::min(block_rows, s.offset < 0 ? -s.offset : s.offset);
-        else if (near.count < most_near)
-            near.insert(s);
-        else
-            block_rows = 1;
+    // Less than the limit is near. The last one makes all diagonals far ones, a block being as short as the nearest
+    // allows: so many near ones are only there if diagonals are repeated, or the matrix is nearly full.
+    for (const Index limit : {most_block_rows, Index{most_near}, Index{1}}) {
+        near.count = 0;
+        near.limit = limit;
+        block_rows = most_block_rows;
+        bool fits = true;
+        for (Index k = 0; k < a.ndiag; ++k) {
+            if (a.idiag[k] == 0 && terms.diagonal()) diagonal = a.val + k * a.lval;
+            const Stroke<T> s = used(k, all);
+            if (s.rows.last <= s.rows.first || s.offset == 0) continue;
+            if (s.distance() >= limit)
+                block_rows = std::min(block_rows, s.distance());
+            else if (near.count < most_near)
+                near.insert(s);
+            else
+                fits = false;
+        }
+        if (fits) break;
     }
-    if (block_rows == 1) near.count = 0; // then every diagonal is far enough
 
     for (Index done = 0; done < m; done += block_rows) {
         const Index next = std::min(done + block_rows, m);
         const Range block = forward ? Range{done, next} : Range{m - next, m - done};
-        StrokeGroup<T> far(row_major, T{} - T{1}, conjugated, o);
+        StrokeGroup<T> far(task, o);
         for (Index k = 0; k < a.ndiag; ++k) {
-            const Stroke<T> s = stroke(terms, mirror, a, k, m, m, all, block);
-            if (s.offset != 0 && (block_rows == 1 || !is_near(s))) far.take(s);
+            const Stroke<T> s = used(k, block);
+            if (s.distance() >= near.limit) far.take(s);
         }
         far.finish();
         if (near.count != 0 || diagonal != nullptr)
             for_groups(row_major, o, [&]<class Group>(Group, const Operands<T>& part) {
-                dia_solve_rows<Group>(near, diagonal, block, forward, conjugated, part);
+                dia_solve_rows<Group>(near, diagonal, block, forward, task, part);
             });
     }
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A few right-hand sides of one row at once: `Columns` of column-major operands, `Lanes` of row-major ones.
+// A few right-hand sides of one row at once: `ColumnGroup` of column-major operands, `LaneGroup` of row-major ones.
 #pragma once
 
 #include <cstddef>
@@ -44,15 +44,24 @@ struct Operands {
     }
 };
 
+// x / d, by multiplying with the inverse of d where that has one: the next row of a solve waits for the result, but not
+// for the inverse.
+template <class T>
+inline T quotient(T x, T d)
+{
+    T inverse;
+    return invert(d, inverse) ? inverse * x : divided(x, d);
+}
+
 template <class T, int count>
-struct Columns {
+struct ColumnGroup {
     static constexpr int sides = count;
     T v[count];
 
     static Index at(Index row, Index) { return row; }
-    static Columns load(const T* p, Index side)
+    static ColumnGroup load(const T* p, Index side)
     {
-        Columns a;
+        ColumnGroup a;
 #pragma GCC unroll 4
         for (int j = 0; j < count; ++j) a.v[j] = p[j * side];
         return a;
@@ -62,27 +71,32 @@ struct Columns {
 #pragma GCC unroll 4
         for (int j = 0; j < count; ++j) p[j * side] = v[j];
     }
-    void add(T a, const Columns& x)
+    void add(T a, const ColumnGroup& x)
     {
 #pragma GCC unroll 4
         for (int j = 0; j < count; ++j) v[j] = v[j] + a * x.v[j];
     }
+    void subtract(T a, const ColumnGroup& x)
+    {
+#pragma GCC unroll 4
+        for (int j = 0; j < count; ++j) v[j] = v[j] - a * x.v[j];
+    }
     void divide(T d)
     {
 #pragma GCC unroll 4
-        for (int j = 0; j < count; ++j) v[j] = divided(v[j], d);
+        for (int j = 0; j < count; ++j) v[j] = quotient(v[j], d);
     }
 };
 
 template <class T, int vectors, int width>
-struct Lanes {
+struct LaneGroup {
     static constexpr int sides = vectors * width;
     Vec<T> v[vectors];
 
     static Index at(Index row, Index stride) { return row * stride; }
-    static Lanes load(const T* p, Index)
+    static LaneGroup load(const T* p, Index)
     {
-        Lanes a;
+        LaneGroup a;
 #pragma GCC unroll 4
         for (int j = 0; j < vectors; ++j) a.v[j] = ork::load<width>(p + j * width);
         return a;
@@ -92,14 +106,27 @@ struct Lanes {
 #pragma GCC unroll 4
         for (int j = 0; j < vectors; ++j) ork::store<width>(p + j * width, v[j]);
     }
-    void add(T a, const Lanes& x)
+    void add(T a, const LaneGroup& x)
     {
         const Factor<T> factor(a);
 #pragma GCC unroll 4
         for (int j = 0; j < vectors; ++j) v[j] = sum(factor * x.v[j], v[j]);
     }
+    void subtract(T a, const LaneGroup& x)
+    {
+        const Factor<T> factor(a);
+#pragma GCC unroll 4
+        for (int j = 0; j < vectors; ++j) v[j] = v[j] - factor * x.v[j];
+    }
     void divide(T d)
     {
+        T inverse;
+        if (invert(d, inverse)) {
+            const Factor<T> factor(inverse);
+#pragma GCC unroll 4
+            for (int j = 0; j < vectors; ++j) v[j] = factor * v[j];
+            return;
+        }
         T elements[sides];
         store(elements, 0);
         for (int j = 0; j < sides; ++j) elements[j] = divided(elements[j], d);
@@ -121,16 +148,16 @@ template <class T, class F>
 inline void for_lanes(Operands<T> o, F f)
 {
     constexpr int lanes = Vec<T>::lanes;
-    while_groups<Lanes<T, 4, lanes>>(o, f);
-    while_groups<Lanes<T, 1, lanes>>(o, f);
-    if constexpr (lanes > 1) while_groups<Lanes<T, 1, 1>>(o, f);
+    while_groups<LaneGroup<T, 4, lanes>>(o, f);
+    while_groups<LaneGroup<T, 1, lanes>>(o, f);
+    if constexpr (lanes > 1) while_groups<LaneGroup<T, 1, 1>>(o, f);
 }
 
 template <class T, class F>
 inline void for_columns(Operands<T> o, F f)
 {
-    while_groups<Columns<T, 4>>(o, f);
-    while_groups<Columns<T, 1>>(o, f);
+    while_groups<ColumnGroup<T, 4>>(o, f);
+    while_groups<ColumnGroup<T, 1>>(o, f);
 }
 
 template <class T, class F>

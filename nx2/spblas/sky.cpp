@@ -13,13 +13,14 @@ using Call = Calls<Format::sky, Int, T>;
 [[gnu::noipa]] static void sky_mvout_par(const Int* first, const Int* last, const void* letters, const Int* size,
                                          const T* alpha, const T* val, const Int* pntr, const T* x, T* y, const T* beta)
 {
-    sky_product<Int, T>(Terms(letters), Index{*first} - 1, *last, *size, *alpha, {val, pntr}, {x, y}, *beta);
+    sky_product<Int, T>(Terms(letters).of_vectors(), Index{*first} - 1, *last, *size, *alpha, {val, pntr}, {x, y},
+                        *beta);
 }
 
 [[gnu::noipa]] static void sky_mvout_seq(const Int* size, const void* letters, const T* alpha, const T* val,
                                          const Int* pntr, const T* x, T* y, const T* beta)
 {
-    sky_product<Int, T>(Terms(letters), 0, *size, *size, *alpha, {val, pntr}, {x, y}, *beta);
+    sky_product<Int, T>(Terms(letters).of_vectors(), 0, *size, *size, *alpha, {val, pntr}, {x, y}, *beta);
 }
 
 [[gnu::noipa]] static void sky_mmout_par(const Int* first, const Int* last, const Int* m, const Int*,
@@ -41,7 +42,7 @@ using Call = Calls<Format::sky, Int, T>;
 
 [[gnu::noipa]] static void sky_svout_seq(const Int* m, const void* letters, const T* val, const Int* pntr, T* y)
 {
-    sky_solve<Int, T>(Terms(letters), *m, {val, pntr}, {y, y});
+    sky_solve<Int, T>(Terms(letters).of_vectors(), *m, {val, pntr}, {y, y});
 }
 
 [[gnu::noipa]] static void sky_smout_par(const Int* first, const Int* last, const Int* m, const void* letters,

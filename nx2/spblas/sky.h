@@ -16,6 +16,8 @@ struct Profile {
     const T* val; // rows or columns first .. last of A, without the diagonal
     Index first, last;
     const T* diagonal; // null where the profile is empty
+
+    Index length() const { return last - first; }
 };
 
 template <class Int, class T>
@@ -29,6 +31,10 @@ struct Sky {
         if (length <= 0) return {val, i, i, nullptr};
         return {val + begin, i + 1 - length, i, val + begin + length - 1};
     }
+    Index bytes(Index first, Index last) const
+    {
+        return (Index{pntr[last]} - pntr[first]) * static_cast<Index>(sizeof(T));
+    }
 };
 
 // How a profile takes part: its sum goes to row i, its multiples go beside, with these values.
@@ -36,14 +42,15 @@ template <class T>
 struct ProfileUse {
     bool sums, multiples;
     Conjugation<T> in_sum, in_multiple, in_diagonal;
-    T sum_factor, multiple_factor, diagonal_factor;
+    T sum_factor, multiple_factor; // the first the diagonal's too: a skew matrix, where they differ, has none
+    Ahead ahead;
 
-    ProfileUse(Terms terms, T alpha)
+    ProfileUse(Terms terms, T alpha, Ahead ahead)
         : sums(terms.lower() ? terms.direct() : terms.mirrored()),
           multiples(terms.lower() ? terms.mirrored() : terms.direct()),
           in_sum(terms.lower() ? terms.conjugate() : terms.mirrored_conjugate()),
           in_multiple(terms.lower() ? terms.mirrored_conjugate() : terms.conjugate()), in_diagonal(terms.conjugate()),
-          sum_factor(alpha), multiple_factor(alpha), diagonal_factor(alpha)
+          sum_factor(alpha), multiple_factor(alpha), ahead(ahead)
     {
         if (terms.mirrored_minus()) (terms.lower() ? multiple_factor : sum_factor) = T{} - alpha;
     }
@@ -53,19 +60,19 @@ struct ProfileUse {
 template <class T>
 inline void sky_add(const ProfileUse<T>& use, const Profile<T>& p, Index i, const Operands<T>& o)
 {
-    const Index length = p.last - p.first;
     for (Index j = 0; j < o.sides; ++j) {
         const T *b = o.b + j * o.b_side, *x = b + p.first;
         T *c = o.c + j * o.c_side, *y = c + p.first;
         T sum{};
+        const bool with_diagonal = use.sums && !use.multiples && p.diagonal != nullptr;
         if (use.sums && use.multiples)
-            sum = dot_axpy(use.multiple_factor * b[i], p.val, x, y, length, use.in_sum, use.in_multiple);
+            sum = dot_axpy(use.multiple_factor * b[i], p.val, x, y, p.length(), use.in_sum, use.in_multiple, use.ahead);
         else if (use.sums)
-            sum = dot(p.val, x, length, use.in_sum);
+            sum = dot(p.val, x, p.length() + with_diagonal, use.in_sum, use.ahead);
         else if (use.multiples)
-            axpy(use.multiple_factor * b[i], p.val, y, length, use.in_multiple);
-        if (use.sums) c[i] = c[i] + use.sum_factor * sum;
-        if (p.diagonal != nullptr) c[i] = c[i] + use.diagonal_factor * (use.in_diagonal(*p.diagonal) * b[i]);
+            axpy(use.multiple_factor * b[i], p.val, y, p.length(), use.in_multiple, use.ahead);
+        if (p.diagonal != nullptr && !with_diagonal) sum = sum + use.in_diagonal(*p.diagonal) * b[i];
+        if (use.sums || p.diagonal != nullptr) c[i] = c[i] + use.sum_factor * sum;
     }
 }
 
@@ -85,10 +92,11 @@ template <class Group, class T>
             total.store(c, o.c_side);
         }
     }
+    if (p.diagonal != nullptr) sum.add(use.in_diagonal(*p.diagonal), own);
+    if (!use.sums && p.diagonal == nullptr) return;
     T* c = o.c + i * o.c_row;
     Group total = Group::load(c, o.c_side);
-    if (use.sums) total.add(use.sum_factor, sum);
-    if (p.diagonal != nullptr) total.add(use.diagonal_factor * use.in_diagonal(*p.diagonal), own);
+    total.add(use.sum_factor, sum);
     total.store(c, o.c_side);
 }
 
@@ -99,13 +107,14 @@ template <class Int, class T>
                                    const Operands<T>& o, T beta)
 {
     constexpr Index block_rows = 512; // of C, scaled while they are near
-    const ProfileUse<T> use(terms, terms.signed_alpha(alpha));
+    alpha = terms.signed_alpha(alpha);
+    const ProfileUse<T> use(terms, alpha, Ahead(true, last > first ? a.bytes(first, last) : 0));
     const bool row_major = terms.row_major(), everywhere = terms.mirrored() || use.multiples;
     if (everywhere) scale_rows(row_major, 0, size, beta, o);
     for (Index i = first; i < last; i += block_rows) {
         const Index end = std::min(i + block_rows, last);
         if (!everywhere) scale_rows(row_major, i, end, beta, o);
-        if (terms.unit()) add_identity(row_major, i, end, use.diagonal_factor, o);
+        if (terms.unit()) add_identity(row_major, i, end, alpha, o);
         for (Index row = i; row < end; ++row) {
             Profile<T> p = a.profile(row);
             if (!terms.diagonal()) p.diagonal = nullptr;

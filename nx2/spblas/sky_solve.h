@@ -19,13 +19,13 @@ template <class Group, class T>
     };
     if (!sums) divide();
     for (Index k = p.first; k < p.last; ++k) {
-        const T minus = T{} - conjugated(p.val[k - p.first]);
+        const T value = conjugated(p.val[k - p.first]);
         T* c = o.c + k * o.c_row;
         Group other = Group::load(c, o.c_side);
         if (sums) {
-            x.add(minus, other);
+            x.subtract(value, other);
         } else {
-            other.add(minus, x);
+            other.subtract(value, x);
             other.store(c, o.c_side);
         }
     }
@@ -34,14 +34,19 @@ template <class Group, class T>
 }
 
 template <class T>
-inline void sky_solve_columns(bool sums, Conjugation<T> conjugated, const Profile<T>& p, Index i, const Operands<T>& o)
+inline void sky_solve_columns(bool sums, Conjugation<T> conjugated, Ahead ahead, const Profile<T>& p, Index i,
+                              const Operands<T>& o)
 {
-    const Index length = p.last - p.first;
+    const Index length = p.length();
     for (Index j = 0; j < o.sides; ++j) {
         T *c = o.c + j * o.c_side, x = c[i];
-        if (sums) x = x - dot(p.val, c + p.first, length, conjugated);
-        if (p.diagonal != nullptr) x = divided(x, conjugated(*p.diagonal));
-        if (!sums) axpy(T{} - x, p.val, c + p.first, length, conjugated);
+        if (sums && length > 0) {
+            // The last unknown is just being stored, and apart it need not wait for the memory.
+            x = x - dot(p.val, c + p.first, length - 1, conjugated, ahead);
+            x = x - conjugated(p.val[length - 1]) * c[i - 1];
+        }
+        if (p.diagonal != nullptr) x = quotient(x, conjugated(*p.diagonal));
+        if (!sums) axpy(T{} - x, p.val, c + p.first, length, conjugated, ahead);
         c[i] = x;
     }
 }
@@ -51,13 +56,14 @@ template <class Int, class T>
 {
     const bool diagonal_only = !terms.direct() && !terms.mirrored(), sums = terms.lower() == terms.direct();
     const Conjugation<T> conjugated(terms.conjugate());
+    const Ahead ahead(sums, m > 0 ? a.bytes(0, m) : 0);
     for (Index done = 0; done < m; ++done) {
         const Index i = sums ? done : m - 1 - done;
         Profile<T> p = a.profile(i);
         if (!terms.diagonal()) p.diagonal = nullptr;
         if (diagonal_only) p.first = p.last;
         if (!terms.row_major())
-            sky_solve_columns(sums, conjugated, p, i, o);
+            sky_solve_columns(sums, conjugated, ahead, p, i, o);
         else
             for_lanes(o, [&]<class Group>(Group, const Operands<T>& part) {
                 sky_solve_row<Group>(sums, conjugated, p, i, part);

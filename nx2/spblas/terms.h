@@ -47,6 +47,12 @@ public:
     bool mirrored_minus() const { return has(mirrored_minus_bit); }
 
     bool row_major() const { return has(row_major_bit); }
+    Terms of_vectors() const // whose members bear a letter of layout too, which follows the base
+    {
+        Terms t = *this;
+        t.bits_ &= ~(std::uint32_t{1} << row_major_bit);
+        return t;
+    }
     int base() const { return has(base_bit); }
 
     // A triangular matrix whose last rows depend on the first: solved forward.
