@@ -20,12 +20,14 @@ struct Columns {
 // y_i = beta y_i + alpha B x_j over the blocks of a row, or y_j = y_j + alpha_mirrored B^T x_i. A product of dense
 // matrices has `count` vectors x and y: element r of vector j is x[r + j * ldx], or x[r * ldx + j] where dense matrices
 // lie by rows.
-template <class Int, class T>
+// Both widths of integers share the bodies: a decision a block is little beside the block.
+template <class T>
 struct BlockTask {
     std::int64_t lb;
     const T* val;
-    const Int* indx;
-    const Int *pntrb, *pntre; // positions count from pntrb[0]
+    const void* indx;
+    const void *pntrb, *pntre; // positions count from pntrb[0]
+    bool wide;                 // indx, pntrb and pntre are of 64 bits, or of 32
     std::int64_t base;
     const T* x;
     T* y;
@@ -35,9 +37,13 @@ struct BlockTask {
     bool whole, lower, direct;
     bool far; // the blocks come from memory
 
-    std::int64_t first(std::int64_t row) const { return std::int64_t{pntrb[row]} - pntrb[0]; }
-    std::int64_t last(std::int64_t row) const { return std::int64_t{pntre[row]} - pntrb[0]; } // exclusive
-    std::int64_t column(std::int64_t k) const { return indx[k] - base; }
+    std::int64_t number(const void* array, std::int64_t i) const
+    {
+        return wide ? static_cast<const std::int64_t*>(array)[i] : static_cast<const std::int32_t*>(array)[i];
+    }
+    std::int64_t first(std::int64_t row) const { return number(pntrb, row) - number(pntrb, 0); }
+    std::int64_t last(std::int64_t row) const { return number(pntre, row) - number(pntrb, 0); } // exclusive
+    std::int64_t column(std::int64_t k) const { return number(indx, k) - base; }
     const T* block(std::int64_t k) const { return val + k * lb * lb; }
     std::int64_t x_at(std::int64_t row) const { return row * lb * (dense_by_rows ? ldx : 1); }
     std::int64_t y_at(std::int64_t row) const { return row * lb * (dense_by_rows ? ldy : 1); }
@@ -50,11 +56,19 @@ struct BlockTask {
     }
 };
 
-// What lies ahead of a block that is read now.
+// What lies ahead of block k of the storage, which is read now. The numbers of columns come in by the hardware.
 template <class T>
 [[gnu::always_inline]] inline void fetch_block(const T* block, std::int64_t size)
 {
     for (std::int64_t i = 0; i < size; i += 64 / static_cast<std::int64_t>(sizeof(T))) fetch(block + i);
+}
+
+// A stored value as a rule uses it.
+template <class T>
+inline T entry(T value, bool conjugate)
+{
+    if constexpr (is_complex<T>) return conjugate ? conj(value) : value;
+    return value;
 }
 
 } // namespace ork::spblas::bsr

@@ -30,36 +30,29 @@ inline void add_row(T a, Segment<const T> x, Segment<T> y)
     for (; j < y.count; ++j) to[j * y.right] = to[j * y.right] + a * from[j * x.right];
 }
 
-template <class T>
-inline T entry(T value, bool conjugate)
-{
-    if constexpr (is_complex<T>) return conjugate ? conj(value) : value;
-    return value;
-}
-
 // The stored diagonal block of a row, the last one if there are several; null if there is none.
-template <class Int, class T>
-inline const T* diagonal_block(const BlockTask<Int, T>& t, std::int64_t row)
+template <class T>
+inline const T* diagonal_block(const BlockTask<T>& t, std::int64_t row)
 {
     for (std::int64_t k = t.last(row); k-- > t.first(row);)
         if (t.column(k) == row) return t.block(k);
     return nullptr;
 }
 
-template <class Int, class T>
-inline Segment<const T> x_segment(const BlockTask<Int, T>& t, std::int64_t row)
+template <class T>
+inline Segment<const T> x_segment(const BlockTask<T>& t, std::int64_t row)
 {
     return {t.x + t.x_at(row), t.dense_by_rows ? t.ldx : 1, t.dense_by_rows ? 1 : t.ldx, t.count};
 }
-template <class Int, class T>
-inline Segment<T> y_segment(const BlockTask<Int, T>& t, std::int64_t row)
+template <class T>
+inline Segment<T> y_segment(const BlockTask<T>& t, std::int64_t row)
 {
     return {t.y + t.y_at(row), t.dense_by_rows ? t.ldy : 1, t.dense_by_rows ? 1 : t.ldy, t.count};
 }
 
 // y_i = y_i + alpha (what counts of the diagonal blocks) x_i. alpha is that of the member, of no product's sign.
-template <class Int, class T>
-[[gnu::noinline]] void add_diagonal(BlockRule rule, const BlockTask<Int, T>& t, std::int64_t i, T alpha)
+template <class T>
+[[gnu::noinline]] void add_diagonal(BlockRule rule, const BlockTask<T>& t, std::int64_t i, T alpha)
 {
     const Segment<const T> x = x_segment(t, i);
     const Segment<T> y = y_segment(t, i);
@@ -84,8 +77,8 @@ template <class Int, class T>
 }
 
 // y_i = (the triangle of the diagonal block, mirrored as the rule says)^-1 y_i
-template <class Int, class T>
-[[gnu::noinline]] void solve_diagonal(BlockRule rule, const BlockTask<Int, T>& t, std::int64_t i)
+template <class T>
+[[gnu::noinline]] void solve_diagonal(BlockRule rule, const BlockTask<T>& t, std::int64_t i)
 {
     const T* block = diagonal_block(t, i);
     if (block == nullptr) return;

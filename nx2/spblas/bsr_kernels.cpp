@@ -3,18 +3,19 @@
 #include "spblas/bsr_calls.h"
 #include "spblas/bsr_diagonal.h"
 #include "spblas/bsr_panel.h"
-#include "spblas/bsr_small.h"
+#include "spblas/bsr_rows.h"
 #include "spblas/members.h"
 #include "spblas/scale.h"
 
 namespace ork::spblas::bsr {
 
 template <class Int, class T>
-BlockTask<Int, T> task(BlockRule rule, const Int* lb, const T* val, const Int* indx, const Int* pntrb, const Int* pntre,
-                       T alpha, T beta)
+BlockTask<T> task(BlockRule rule, const Int* lb, const T* val, const Int* indx, const Int* pntrb, const Int* pntre,
+                  T alpha, T beta)
 {
-    BlockTask<Int, T> t{};
+    BlockTask<T> t{};
     t.lb = *lb, t.val = val, t.indx = indx, t.pntrb = pntrb, t.pntre = pntre, t.base = rule.base;
+    t.wide = sizeof(Int) == 8;
     t.alpha = rule.negate_direct ? T(-1) * alpha : alpha;
     t.alpha_mirrored = rule.negate_mirrored ? T(-1) * alpha : alpha;
     t.beta = beta;
@@ -24,37 +25,36 @@ BlockTask<Int, T> task(BlockRule rule, const Int* lb, const T* val, const Int* i
     return t;
 }
 
-template <class Int, class T>
-bool is_far(const BlockTask<Int, T>& t, std::int64_t first, std::int64_t last)
+template <class T>
+bool is_far(const BlockTask<T>& t, std::int64_t first, std::int64_t last)
 {
-    const auto bytes = t.lb * t.lb * static_cast<std::int64_t>(sizeof(T)) + static_cast<std::int64_t>(sizeof(Int));
+    const std::int64_t bytes = t.lb * t.lb * static_cast<std::int64_t>(sizeof(T)) + (t.wide ? 8 : 4);
     return first < last && (t.last(last - 1) - t.first(first)) * bytes > far_bytes;
 }
 
-// One vector and real blocks of a small order.
-template <int lb, bool by_rows, class Int, class T>
-void small_products(BlockRule rule, const BlockTask<Int, T>& t, std::int64_t first, std::int64_t last)
+// Orders from 2 that have code of their own for one vector.
+template <class T>
+inline constexpr int largest_order = is_complex<T> ? 4 : 8;
+
+// Calls f<order, by_rows>() and returns true for such an order, which is at least lb.
+template <class T, int lb = 2, class F>
+bool of_known_order(const BlockTask<T>& t, F&& f)
 {
-    if (!rule.whole || !rule.direct)
-        products_small<lb, by_rows>(rule, t, first, last);
+    if (t.lb == lb) {
+        t.by_rows ? f.template operator()<lb, true>() : f.template operator()<lb, false>();
+        return true;
+    }
+    if constexpr (lb < largest_order<T>)
+        return of_known_order<T, lb + 1>(t, f);
     else
-        (t.far ? direct_small<lb, by_rows, true, Int, T> : direct_small<lb, by_rows, false, Int, T>)(t, first, last);
-}
-template <int lb, class Int, class T>
-void small_products(BlockRule rule, const BlockTask<Int, T>& t, std::int64_t first, std::int64_t last)
-{
-    (t.by_rows ? small_products<lb, true, Int, T> : small_products<lb, false, Int, T>)(rule, t, first, last);
-}
-template <int lb, class Int, class T>
-void small_solve(BlockRule rule, const BlockTask<Int, T>& t, std::int64_t rows)
-{
-    (t.by_rows ? solve_small<lb, true, Int, T> : solve_small<lb, false, Int, T>)(rule, t, rows);
+        return false;
 }
 
 // Rows first .. last. Where anything but the rows themselves is written, all of y has been scaled before, and beta
 // is 1.
-template <class Int, class T>
-void add_products(BlockRule rule, const BlockTask<Int, T>& t, std::int64_t first, std::int64_t last, T alpha)
+template <class T>
+[[gnu::noinline]] void add_products(BlockRule rule, const BlockTask<T>& t, std::int64_t first, std::int64_t last,
+                                    T alpha)
 {
     for (std::int64_t i = first; i < last; ++i) {
         if (rule.direct) add_direct(t, i);
@@ -65,8 +65,8 @@ void add_products(BlockRule rule, const BlockTask<Int, T>& t, std::int64_t first
 
 // Rows in the order in which they depend on each other. Direct: what is solved already enters the row; mirrored: the
 // row, solved, leaves the rows to come.
-template <class Int, class T>
-void solve(BlockRule rule, const BlockTask<Int, T>& t, std::int64_t rows)
+template <class T>
+[[gnu::noinline]] void solve(BlockRule rule, const BlockTask<T>& t, std::int64_t rows)
 {
     for (std::int64_t s = 0; s < rows; ++s) {
         const std::int64_t i = is_forward(rule) ? s : rows - 1 - s;
@@ -92,12 +92,16 @@ void BsrCalls<Int, T>::mvout_par(const Int* first, const Int* last, BlockRule ru
         t.beta = T(1);
     }
     t.far = bsr::is_far(t, *first - 1, *last);
-    if constexpr (!is_complex<T>) {
-        if (t.lb == 2) return bsr::small_products<2>(rule, t, *first - 1, *last);
-        if (t.lb == 3) return bsr::small_products<3>(rule, t, *first - 1, *last);
-        if (t.lb == 4) return bsr::small_products<4>(rule, t, *first - 1, *last);
-    }
-    bsr::add_products<Int, T>(rule, t, *first - 1, *last, *alpha);
+    const std::int64_t begin = *first - 1, end = *last;
+    const auto rows = [&]<int order, bool by_rows>() {
+        constexpr bool fetching = bsr::unrolled<order, T> != 0;
+        if (!rule.whole || !rule.direct)
+            bsr::product_rows<order, by_rows, T>(rule, t, begin, end);
+        else
+            (t.far ? bsr::direct_rows<order, by_rows, fetching, Int, T>
+                   : bsr::direct_rows<order, by_rows, false, Int, T>)(t, begin, end);
+    };
+    if (!bsr::of_known_order(t, rows)) bsr::add_products(rule, t, begin, end, *alpha);
 }
 
 template <class Int, class T>
@@ -128,7 +132,7 @@ void BsrCalls<Int, T>::mmout_par(const Int* first, const Int* last, const Int* m
         t.beta = T(1);
     }
     t.far = bsr::is_far(t, 0, rows);
-    bsr::add_products<Int, T>(rule, t, 0, rows, *alpha);
+    bsr::add_products(rule, t, 0, rows, *alpha);
 }
 
 template <class Int, class T>
@@ -147,12 +151,8 @@ void BsrCalls<Int, T>::svout_seq(const Int* m, BlockRule rule, const Int* lb, co
     auto t = bsr::task(rule, lb, val, indx, pntrb, pntre, T(-1), T(1));
     t.x = t.y = y, t.count = 1, t.dense_by_rows = false;
     t.far = is_forward(rule) && bsr::is_far(t, 0, *m);
-    if constexpr (!is_complex<T>) {
-        if (t.lb == 2) return bsr::small_solve<2>(rule, t, *m);
-        if (t.lb == 3) return bsr::small_solve<3>(rule, t, *m);
-        if (t.lb == 4) return bsr::small_solve<4>(rule, t, *m);
-    }
-    bsr::solve<Int, T>(rule, t, *m);
+    const auto rows = [&]<int order, bool by_rows>() { bsr::solve_rows<order, by_rows, T>(rule, t, *m); };
+    if (!bsr::of_known_order(t, rows)) bsr::solve(rule, t, *m);
 }
 
 template <class Int, class T>
@@ -165,7 +165,7 @@ void BsrCalls<Int, T>::smout_par(const Int* first, const Int* last, const Int* m
     t.ldx = t.ldy = *ldc, t.count = *last - begin;
     t.x = t.y = c + begin * (t.dense_by_rows ? 1 : t.ldy);
     t.far = is_forward(rule) && bsr::is_far(t, 0, *m);
-    if (t.count > 0) bsr::solve<Int, T>(rule, t, *m);
+    if (t.count > 0) bsr::solve(rule, t, *m);
 }
 
 template struct BsrCalls<Int, T>;

@@ -6,77 +6,16 @@
 #include <algorithm>
 
 #include "spblas/bsr.h"
-#include "spblas/group.h"
+#include "spblas/bsr_sum.h"
 #include "spblas/scale.h"
 
 namespace ork::spblas::bsr {
 
-// A factor for every lane of a register, of complex numbers its parts apart.
-template <class T>
-struct Spread {
-    Vec<T> v;
-    explicit Spread(T x) : v(broadcast(x)) {}
-    explicit Spread(Vec<T> x) : v(x) {}
-};
-template <class R>
-struct Spread<Complex<R>> {
-    Vec<R> re, im;
-    explicit Spread(Complex<R> x) : re(broadcast(x.re)), im(broadcast(x.im)) {}
-    explicit Spread(Vec<Complex<R>> x) : re(even(x.v)), im(odd(x.v)) {}
-
-private:
-    static Vec<double> even(Vec<double> a) { return {_mm_unpacklo_pd(a.v, a.v)}; }
-    static Vec<double> odd(Vec<double> a) { return {_mm_unpackhi_pd(a.v, a.v)}; }
-    static Vec<float> even(Vec<float> a) { return {_mm_moveldup_ps(a.v)}; }
-    static Vec<float> odd(Vec<float> a) { return {_mm_movehdup_ps(a.v)}; }
-};
-
-// Sum of a * factor, lane by lane. Complex numbers: a * re and a * im apart, so that one loop serves conjugates, too.
-template <class T>
-struct Sum {
-    Vec<T> v{};
-    void add(Vec<T> a, Spread<T> factor) { v = v + a * factor.v; }
-    Vec<T> value(bool, bool) const { return v; }
-};
-template <class R>
-struct Sum<Complex<R>> {
-    Vec<R> re{}, im{};
-    void add(Vec<Complex<R>> a, Spread<Complex<R>> factor)
-    {
-        re = re + a.v * factor.re;
-        im = im + a.v * factor.im;
-    }
-    // With all a, or all factors, replaced by their conjugates.
-    Vec<Complex<R>> value(bool conjugate_a, bool conjugate_factors) const
-    {
-        const Vec<Complex<R>> direct{re}, crossed{exchanged(im)};
-        if (conjugate_a) return conj(direct) + crossed;
-        if (conjugate_factors) return direct + conj(crossed);
-        return {alternating_sum(direct.v, crossed.v)};
-    }
-};
-
-// The first `count` < lanes elements, then zeros.
-inline Vec<double> load_few(const double* p, std::int64_t) { return {_mm_load_sd(p)}; }
-inline Vec<float> load_few(const float* p, std::int64_t count)
-{
-    if (count == 1) return {_mm_load_ss(p)};
-    const Vec<float> low = load_low(p);
-    return count == 2 ? low : Vec<float>{_mm_movelh_ps(low.v, _mm_load_ss(p + 2))};
-}
-inline Vec<Complex<float>> load_few(const Complex<float>* p, std::int64_t) { return {load_low(reals(p))}; }
-inline Vec<Complex<double>> load_few(const Complex<double>* p, std::int64_t) { return load<1>(p); }
-
-inline double lane_sum(Vec<double> a) { return fold(a); }
-inline float lane_sum(Vec<float> a) { return fold(a); }
-inline Complex<float> lane_sum(Vec<Complex<float>> a) { return pair_sum(a); }
-inline Complex<double> lane_sum(Vec<Complex<double>> a) { return element(a); }
-
 // y = beta y + alpha (the blocks first .. last of the storage, those in `columns`) x, y one block row and x_j at x + j
 // * step; or, scattering, y_j = beta y_j + alpha (block) x for each of them, y_j at y + j * step.
-template <class Int, class T>
+template <class T>
 struct BlockSum {
-    const BlockTask<Int, T>& task;
+    const BlockTask<T>& task;
     std::int64_t first, last; // not empty
     Columns columns;
     const T* x;
@@ -211,20 +150,20 @@ struct BlockSum {
 };
 
 // All rows of the block row: panels of `rows` as long as they fit, then of half as many.
-template <int rows, int vectors, class Int, class T>
-inline void all_columns(const BlockSum<Int, T>& s, std::int64_t vector, std::int64_t r = 0)
+template <int rows, int vectors, class T>
+inline void all_columns(const BlockSum<T>& s, std::int64_t vector, std::int64_t r = 0)
 {
     for (; r + rows <= s.task.lb; r += rows) s.template panel_of_columns<rows, vectors>(r, vector);
     if constexpr (rows > 1) all_columns<rows / 2, vectors>(s, vector, r);
 }
-template <int rows, int vectors, class Int, class T>
-inline void all_rows(const BlockSum<Int, T>& s, std::int64_t vector, std::int64_t r = 0)
+template <int rows, int vectors, class T>
+inline void all_rows(const BlockSum<T>& s, std::int64_t vector, std::int64_t r = 0)
 {
     for (; r + rows <= s.task.lb; r += rows) s.template panel_of_rows<rows, vectors>(r, vector);
     if constexpr (rows > 1) all_rows<rows / 2, vectors>(s, vector, r);
 }
-template <int vectors, class Int, class T>
-inline void all_vectors(const BlockSum<Int, T>& s, std::int64_t vector = 0)
+template <int vectors, class T>
+inline void all_vectors(const BlockSum<T>& s, std::int64_t vector = 0)
 {
     for (; vector + vectors <= s.task.count; vector += vectors) {
         std::int64_t r = 0;
@@ -234,8 +173,8 @@ inline void all_vectors(const BlockSum<Int, T>& s, std::int64_t vector = 0)
     if constexpr (vectors > 1) all_vectors<vectors / 2>(s, vector);
 }
 
-template <class Int, class T>
-[[gnu::noinline]] void add_blocks(const BlockSum<Int, T>& s)
+template <class T>
+[[gnu::noinline]] void add_blocks(const BlockSum<T>& s)
 {
     constexpr int lanes = Vec<T>::lanes;
     if (s.task.dense_by_rows) return all_vectors<(is_complex<T> ? 2 : 4) * lanes>(s);
@@ -250,26 +189,26 @@ template <class Int, class T>
 }
 
 // y_i = beta y_i + alpha B x_j over the blocks of row i.
-template <class Int, class T>
-void add_direct(const BlockTask<Int, T>& t, std::int64_t i)
+template <class T>
+void add_direct(const BlockTask<T>& t, std::int64_t i)
 {
     const std::int64_t first = t.first(i), last = t.last(i);
     T* y = t.y + t.y_at(i);
     if (first < last)
-        return add_blocks<Int, T>(
+        return add_blocks<T>(
             {t, first, last, t.columns(i), t.x, y, t.x_at(1), false, t.alpha, t.beta, t.conjugate, t.by_rows, t.far});
     const std::int64_t length = t.dense_by_rows ? t.count : t.lb, parts = t.dense_by_rows ? t.lb : t.count;
     for (std::int64_t p = 0; p < parts; ++p) scale(length, t.beta, y + p * t.ldy);
 }
 
 // y_j = y_j + alpha_mirrored B^T x_i, of the blocks of row i.
-template <class Int, class T>
-void add_mirrored(const BlockTask<Int, T>& t, std::int64_t i)
+template <class T>
+void add_mirrored(const BlockTask<T>& t, std::int64_t i)
 {
     const std::int64_t first = t.first(i), last = t.last(i);
     if (first < last)
-        add_blocks<Int, T>({t, first, last, t.columns(i), t.x + t.x_at(i), t.y, t.y_at(1), true, t.alpha_mirrored, T(1),
-                            t.conjugate_mirrored, !t.by_rows, t.far && !t.direct});
+        add_blocks<T>({t, first, last, t.columns(i), t.x + t.x_at(i), t.y, t.y_at(1), true, t.alpha_mirrored, T(1),
+                       t.conjugate_mirrored, !t.by_rows, t.far && !t.direct});
 }
 
 } // namespace ork::spblas::bsr
