@@ -15,8 +15,11 @@ struct Panel {
     T* at;
     std::int64_t ld;
 
+    // Rows count from `base`. Not by pointer arithmetic, which may not leave the array.
     Panel(T* at, std::int64_t ld, std::int64_t right_hand_side, std::int64_t base = 0)
-        : at(row_major ? at + right_hand_side - base * ld : at + right_hand_side * ld - base), ld(ld)
+        : at(reinterpret_cast<T*>(reinterpret_cast<std::uintptr_t>(at + (row_major ? 1 : ld) * right_hand_side) -
+                                  static_cast<std::uintptr_t>((row_major ? ld : 1) * base) * sizeof(T))),
+          ld(ld)
     {
     }
     T* row(std::int64_t r) const { return row_major ? at + r * ld : at + r; }
@@ -70,50 +73,27 @@ inline void store_apart(Complex<R>* p, std::int64_t ld, Vec<Complex<R>> a)
         store_apart<2>(reinterpret_cast<double*>(p), ld, {_mm_castps_pd(a.v.v)});
 }
 
-// `count` right-hand sides of a row.
-template <int count, class T>
-struct PanelRow {
-    static constexpr int lanes = count < Vec<T>::lanes ? count : Vec<T>::lanes, registers = count / lanes;
-    Vec<T> v[registers];
+// A few registers that go through arithmetic together. Self is what is made of them.
+template <int count, class T, class Self>
+struct Registers {
+    static constexpr int registers = count;
+    Vec<T> v[count];
 
-    template <bool row_major, class Element>
-    static PanelRow load(Panel<row_major, Element> panel, std::int64_t r)
-    {
-        const Element* p = panel.row(r);
-        return each([&](int i) {
-            if constexpr (row_major)
-                return ork::load<lanes>(p + i * lanes);
-            else
-                return load_apart<lanes>(p + i * lanes * panel.ld, panel.ld);
-        });
-    }
-    template <bool row_major>
-    void store(Panel<row_major, T> panel, std::int64_t r) const
-    {
-        T* p = panel.row(r);
-#pragma GCC unroll 8
-        for (int i = 0; i < registers; ++i) {
-            if constexpr (row_major)
-                ork::store<lanes>(p + i * lanes, v[i]);
-            else
-                store_apart<lanes>(p + i * lanes * panel.ld, panel.ld, v[i]);
-        }
-    }
-    friend PanelRow operator+(const PanelRow& a, const PanelRow& b)
+    friend Self operator+(const Self& a, const Self& b)
     {
         return each([&](int i) { return with(reals(a.v[i]) + reals(b.v[i])); });
     }
-    friend PanelRow operator-(const PanelRow& a, const PanelRow& b)
+    friend Self operator-(const Self& a, const Self& b)
     {
         return each([&](int i) { return with(reals(a.v[i]) - reals(b.v[i])); });
     }
     // f of the number of a register.
     template <class F>
-    static PanelRow each(F&& f)
+    static Self each(F&& f)
     {
-        PanelRow result;
+        Self result;
 #pragma GCC unroll 8
-        for (int i = 0; i < registers; ++i) result.v[i] = f(i);
+        for (int i = 0; i < count; ++i) result.v[i] = f(i);
         return result;
     }
 
@@ -124,6 +104,62 @@ private:
             return {a};
         else
             return a;
+    }
+};
+
+template <int count, class T>
+inline constexpr int panel_lanes = count < Vec<T>::lanes ? count : Vec<T>::lanes;
+
+// `count` right-hand sides of a row: they stand in the lanes.
+template <int count, class T>
+struct PanelRow : Registers<count / panel_lanes<count, T>, T, PanelRow<count, T>> {
+    static constexpr int lanes = panel_lanes<count, T>;
+
+    template <bool row_major, class Element>
+    static PanelRow load(Panel<row_major, Element> panel, std::int64_t r)
+    {
+        return PanelRow::each([&, p = panel.row(r)](int i) { return load(panel, p, i); });
+    }
+    template <bool row_major, class Element>
+    static Vec<T> load(Panel<row_major, Element> panel, const T* p, int i)
+    {
+        if constexpr (row_major)
+            return ork::load<lanes>(p + i * lanes);
+        else
+            return load_apart<lanes>(p + i * lanes * panel.ld, panel.ld);
+    }
+    template <bool row_major>
+    void store(Panel<row_major, T> panel, std::int64_t r) const
+    {
+        T* p = panel.row(r);
+#pragma GCC unroll 8
+        for (int i = 0; i < PanelRow::registers; ++i) {
+            if constexpr (row_major)
+                ork::store<lanes>(p + i * lanes, this->v[i]);
+            else
+                store_apart<lanes>(p + i * lanes * panel.ld, panel.ld, this->v[i]);
+        }
+    }
+};
+
+// `count` right-hand sides of a register of adjacent rows, column-major: the rows stand in the lanes.
+template <int count, class T>
+struct PanelRows : Registers<count, T, PanelRows<count, T>> {
+    template <class Element>
+    static PanelRows load(Panel<false, Element> panel, std::int64_t r)
+    {
+        return PanelRows::each([&, p = panel.row(r)](int i) { return load(panel, p, i); });
+    }
+    template <class Element>
+    static Vec<T> load(Panel<false, Element> panel, const T* p, int i)
+    {
+        return ork::load<Vec<T>::lanes>((i < 4 ? p : p + 4 * panel.ld) + i % 4 * panel.ld);
+    }
+    void store(Panel<false, T> panel, std::int64_t r) const
+    {
+        T* p = panel.row(r);
+#pragma GCC unroll 8
+        for (int i = 0; i < count; ++i) ork::store<Vec<T>::lanes>(p + i * panel.ld, this->v[i]);
     }
 };
 
@@ -149,11 +185,13 @@ struct Signs<Complex<R>> {
     }
 };
 
-// One value that multiplies registers. A complex product is the plain (ac - bd, ad + bc).
+// A value that multiplies registers, or a register of values that multiplies lane by lane. A complex product is the
+// plain (ac - bd, ad + bc).
 template <class T>
 struct Spread {
     Vec<T> v;
     Spread(const T* p, Signs<T>) : v(broadcast(*p)) {}
+    Spread(Vec<T> a, Signs<T>) : v(a) {}
     Vec<T> times(Vec<T> x) const { return v * x; }
 };
 template <class R>
@@ -162,16 +200,36 @@ struct Spread<Complex<R>> {
     Spread(const Complex<R>* p, Signs<Complex<R>> signs) : re(broadcast(p->re)), im(turned(broadcast(p->im), signs.v))
     {
     }
+    Spread(Vec<Complex<R>> a, Signs<Complex<R>> signs) : re(evens(a.v)), im(turned(odds(a.v), signs.v)) {}
     Vec<Complex<R>> times(Vec<Complex<R>> x) const { return {x.v * re + exchanged(x.v) * im}; }
 
 private:
+    static Vec<double> evens(Vec<double> a) { return {_mm_unpacklo_pd(a.v, a.v)}; }
+    static Vec<double> odds(Vec<double> a) { return {_mm_unpackhi_pd(a.v, a.v)}; }
+    static Vec<float> evens(Vec<float> a) { return {_mm_moveldup_ps(a.v)}; }
+    static Vec<float> odds(Vec<float> a) { return {_mm_movehdup_ps(a.v)}; }
     static Vec<double> turned(Vec<double> a, Vec<double> signs) { return {_mm_xor_pd(a.v, signs.v)}; }
     static Vec<float> turned(Vec<float> a, Vec<float> signs) { return {_mm_xor_ps(a.v, signs.v)}; }
 };
-template <int count, class T>
-inline PanelRow<count, T> operator*(const Spread<T>& a, const PanelRow<count, T>& x)
+template <int count, class T, class Self>
+inline Self operator*(const Spread<T>& a, const Registers<count, T, Self>& x)
 {
-    return PanelRow<count, T>::each([&](int i) { return a.times(x.v[i]); });
+    return Self::each([&](int i) { return a.times(x.v[i]); });
+}
+
+// sum + a x with row r of the panel for x. One register after the other: with all of x loaded first, sums are spilled.
+template <class Group, class T, bool row_major, class Element>
+inline void add_product(Group& sum, const Spread<T>& a, Panel<row_major, Element> x, std::int64_t r)
+{
+    const T* p = x.row(r);
+#pragma GCC unroll 8
+    for (int i = 0; i < Group::registers; ++i) {
+        const Vec<Real<T>> term = reals(a.times(Group::load(x, p, i))), old = reals(sum.v[i]);
+        if constexpr (is_complex<T>)
+            sum.v[i].v = old + term;
+        else
+            sum.v[i] = old + term;
+    }
 }
 
 // f<count>(j) for right-hand sides j .. j + count, as wide as can be.
