@@ -20,28 +20,32 @@
                  sm  C = alpha op(A)^-1 B             B and C may be the same array
 
    A is m x n. Real scalars are values, complex ones addresses. With beta = 0 the output is not read; with alpha = 0
-   neither A nor x is. op(A) is A, its transpose, its conjugate transpose or its conjugate; the last two are for complex
-   numbers alone.
+   neither A nor x is. op(A) is A, its transpose, its conjugate transpose or its conjugate; real numbers are their own
+   conjugates. A product with an empty A is beta y.
 
    FORMATS. Indices and pointers are of the width of the name. Row and column numbers count from 0 or from 1 as the
    kind's base says; positions in the arrays are written as C has them.
 
-       csr  val, indx, pntrb, pntre      Row i holds val[k] in column indx[k] for pntrb[i] - pntrb[0] <= k < pntre[i] -
-                                         pntrb[0]. Pointers may start at any number; rows may have gaps between them.
-                                         Of the form with one pointer array, ia of m + 1 numbers, pass ia and ia + 1.
+       csr  val, indx, pntrb, pntre      Row i holds val[k] in column indx[k] for
+                                         pntrb[i] - pntrb[0] <= k < pntre[i] - pntrb[0]. Pointers may start at any
+                                         number; rows may have gaps between them. Of the form with one pointer
+                                         array, ia of m + 1 numbers, pass ia and ia + 1.
        coo  val, rowind, colind, nnz     val[k] in row rowind[k] and column colind[k], k = 0 .. nnz - 1, in any order.
-       bsr  lb, val, indx, pntrb, pntre  csr of square blocks of order lb: m, n, indx, pntrb and pntre count blocks, and
-   a block is lb * lb adjacent numbers. A has m * lb rows and n * lb columns. bsc  lb, val, indx, pntrb, pntre  The same
-   by columns: pntrb and pntre have n numbers, indx holds block rows. dia  val, lval, idiag, ndiag      Diagonal k,
-   idiag[k] above the main one: A(i, i + idiag[k]) = val[i + k * lval] with i from 0. lval is m or more. What lies
-   outside A is not read. sky  val, pntr                    One triangle, m + 1 pointers. Lower: val[pntr[i] - pntr[0]
-   .. pntr[i + 1] - pntr[0]) is row i from its first entry to the diagonal; upper: column i so.
+       bsr  lb, val, indx, pntrb, pntre  csr of square blocks of order lb: m, n, indx, pntrb and pntre count blocks,
+                                         and a block is lb * lb adjacent numbers. A has m * lb rows and n * lb columns.
+       bsc  lb, val, indx, pntrb, pntre  The same by columns: pntrb and pntre have n numbers, indx holds block rows.
+       dia  val, lval, idiag, ndiag      Diagonal k, idiag[k] above the main one: A(i, i + idiag[k]) = val[i + k * lval]
+                                         with i from 0. lval is m or more. What lies outside A is not read.
+       sky  val, pntr                    One triangle, m + 1 pointers. Lower: val[pntr[i] - pntr[0]] to
+                                         val[pntr[i + 1] - pntr[0] - 1] is row i from its first entry to the diagonal;
+                                         upper: column i in the same way.
 
    Entries of the same place add up in products.
 
    KINDS. What the arrays stand for: a general matrix; a symmetric, Hermitian or skew one (A' = -A) of which one
    triangle is read; a triangular one, of which that triangle is all; a diagonal one, of which the diagonal is read.
-   Entries outside of the triangle are ignored. With a unit diagonal ones stand for what is stored. All but general ones
+   Entries outside of the triangle are ignored (csrmv: must be finite if the matrix is symmetric or Hermitian and its
+   diagonal unit). With a unit diagonal ones stand for what is stored. All but general ones
    must be square; a Hermitian one is complex; skyline holds no general one. A skew matrix has no diagonal, so diag is
    ignored. Solves are for triangular and diagonal matrices. They want the rows of csr and bsr sorted by column and the
    columns of bsc by row, with each diagonal entry once unless ones are taken for it; entries of coo may have any order,
@@ -55,9 +59,10 @@
    Arguments are always checked, the contents of arrays in checking mode alone: a wrong index is otherwise undefined
    behaviour.
 
-   THREADS. Several threads may call at once. Results don't change from call to call with the same number of threads;
-   those of products of general matrices don't depend on it either unless threads add to the same elements, which they
-   do for op(A) other than A and its conjugate (bsc: for those two; coo: always). */
+   THREADS. Several threads may call at once. The same call with the same number of threads gives the same bits. With
+   another number it gives other roundings where threads add to the same elements of y: in mv of coo matrices, of
+   symmetric, Hermitian and skew ones, of csr and bsr transposed, of bsc not transposed, of dia transposed and of an
+   upper skyline not transposed. Everything else has the bits of one thread. */
 #ifndef ORK_SPBLAS_H
 #define ORK_SPBLAS_H
 
@@ -121,9 +126,10 @@ typedef struct ork_spblas_error {
 /* The last failure of the calling thread, until its next one. Never null. */
 const ork_spblas_error* ork_spblas_last_error(void);
 
-/* Checking mode, 1 or 0, for all threads; a negative value goes back to ORK_SPARSE_CHECK of the environment, 0 when it
-   is not set. Returns the former mode. With 1, each call first looks for indices out of range and pointers that run
-   backwards, a solve also for rows that are not sorted and for diagonal entries that are missing, double or zero. */
+/* Checking mode, 1 or 0, for all threads; ORK_SPARSE_CHECK of the environment sets it at the start, and a negative
+   value goes back to the default, 0. Returns the former mode. With 1, each call first looks for indices out of range
+   and pointers that run backwards, a solve also for rows that are not sorted and for diagonal entries that are missing,
+   double or zero. */
 int ork_spblas_set_checking(int mode);
 
 /* The functions, for each width and precision; the list ends the definitions. */

@@ -5,6 +5,7 @@
 #include <ork/blas.h>
 #include <ork/cblas.h>
 #include <ork/ork.h>
+#include <ork/spblas.h>
 
 int main()
 {
