@@ -47,7 +47,7 @@ using Call = Calls<Format::coo, Int, T>;
 [[gnu::noipa]] static void coo_svout_seq(const Int* m, const void* letters, const T* val, const Int* rowind,
                                          const Int* colind, const Int* nnz, T* y)
 {
-    coo_solve<ColumnGroup<T, 1>, Int, T>(Terms(letters).of_vectors(), *m, {val, rowind, colind, *nnz}, {nullptr, y});
+    coo_solve<Int, T>(Terms(letters).of_vectors(), *m, {val, rowind, colind, *nnz}, y);
 }
 
 [[gnu::noipa]] static void coo_smout_par(const Int* first, const Int* last, const Int* m, const void* letters,

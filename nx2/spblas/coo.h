@@ -65,7 +65,8 @@ template <class Group, class Int, class T>
             if (mirrored) add_to_row(column, mirrored_conjugated(value), x);
         } while (++k < last && a.row[k] == row);
         if (direct || filtered) add_to_row(row, alpha, sum);
-        for (Index fetched = begin; fetched < k; fetched += 8) fetch(ahead, a, fetched);
+        if (ahead.bytes != 0)
+            for (Index fetched = begin; fetched < k; fetched += 8) fetch(ahead, a, fetched);
     }
 }
 

@@ -9,11 +9,13 @@ namespace ork::spblas {
 // Row by row, `step` 1 from the first or -1 from the last. Not transposed, a row's unknowns are known but its own, and
 // the diagonal comes last; transposed, the diagonal comes first, and the row's entries take its unknown out of the rows
 // that follow. Rows may have no entry but the diagonal, or none at all where that is taken as one.
+// Constants where this is inlined with constants.
 template <class Group, class Int, class T>
-[[gnu::noinline]] void coo_solve(Terms terms, Index size, const Coo<Int, T>& a, const Operands<T>& o)
+[[gnu::always_inline]] inline void coo_solve(Terms terms, bool lower, bool direct, Index size, const Coo<Int, T>& a,
+                                             const Operands<T>& o)
 {
     const Conjugation<T> conjugated(terms.conjugate());
-    const bool lower = terms.lower(), direct = terms.direct(), off_diagonal = direct || terms.mirrored();
+    const bool off_diagonal = direct || terms.mirrored();
     const bool forward = terms.forward() || !off_diagonal;
     const Index step = forward ? 1 : -1, end = forward ? a.nnz : -1;
     T* const first = o.c - terms.base() * o.c_row;
@@ -40,18 +42,41 @@ template <class Group, class Int, class T>
                 }
             }
         }
-        for (Index fetched = begin; (k - fetched) * step > 0; fetched += 8 * step) fetch(ahead, a, fetched);
+        if (ahead.bytes != 0)
+            for (Index fetched = begin; (k - fetched) * step > 0; fetched += 8 * step) fetch(ahead, a, fetched);
         x.store(c(row), o.c_side);
         before = x;
         row_before = row;
     }
 }
 
+template <bool lower, bool direct, class Int, class T>
+[[gnu::noinline]] void coo_solve_vector(Terms terms, Index size, const Coo<Int, T>& a, const Operands<T>& o)
+{
+    coo_solve<ColumnGroup<T, 1>>(terms, lower, direct, size, a, o);
+}
+
+template <class Group, class Int, class T>
+[[gnu::noinline]] void coo_solve_group(Terms terms, Index size, const Coo<Int, T>& a, const Operands<T>& o)
+{
+    coo_solve<Group>(terms, terms.lower(), terms.direct(), size, a, o);
+}
+
 template <class Int, class T>
-[[gnu::noinline]] void coo_solve(Terms terms, Index size, const Coo<Int, T>& a, Operands<T> o)
+[[gnu::noinline]] void coo_solve(Terms terms, Index size, const Coo<Int, T>& a, T* y)
+{
+    const auto solve =
+        terms.lower()    ? terms.direct() ? coo_solve_vector<true, true, Int, T> : coo_solve_vector<true, false, Int, T>
+           : terms.direct() ? coo_solve_vector<false, true, Int, T>
+                         : coo_solve_vector<false, false, Int, T>;
+    solve(terms, size, a, {nullptr, y});
+}
+
+template <class Int, class T>
+[[gnu::noinline]] void coo_solve(Terms terms, Index size, const Coo<Int, T>& a, const Operands<T>& o)
 {
     for_groups(terms.row_major(), o,
-               [&]<class Group>(Group, const Operands<T>& part) { coo_solve<Group>(terms, size, a, part); });
+               [&]<class Group>(Group, const Operands<T>& part) { coo_solve_group<Group>(terms, size, a, part); });
 }
 
 } // namespace ork::spblas

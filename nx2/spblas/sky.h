@@ -40,39 +40,54 @@ struct Sky {
 // How a profile takes part: its sum goes to row i, its multiples go beside, with these values.
 template <class T>
 struct ProfileUse {
-    bool sums, multiples;
+    bool sums, multiples, diagonal;
     Conjugation<T> in_sum, in_multiple, in_diagonal;
     T sum_factor, multiple_factor; // the first the diagonal's too: a skew matrix, where they differ, has none
     Ahead ahead;
 
     ProfileUse(Terms terms, T alpha, Ahead ahead)
         : sums(terms.lower() ? terms.direct() : terms.mirrored()),
-          multiples(terms.lower() ? terms.mirrored() : terms.direct()),
+          multiples(terms.lower() ? terms.mirrored() : terms.direct()), diagonal(terms.diagonal()),
           in_sum(terms.lower() ? terms.conjugate() : terms.mirrored_conjugate()),
           in_multiple(terms.lower() ? terms.mirrored_conjugate() : terms.conjugate()), in_diagonal(terms.conjugate()),
           sum_factor(alpha), multiple_factor(alpha), ahead(ahead)
     {
         if (terms.mirrored_minus()) (terms.lower() ? multiple_factor : sum_factor) = T{} - alpha;
     }
+
+    Profile<T> part(Profile<T> p) const
+    {
+        if (!diagonal) p.diagonal = nullptr;
+        if (!sums && !multiples) p.first = p.last;
+        return p;
+    }
 };
 
-// Right-hand side by right-hand side along the profile,
-template <class T>
-inline void sky_add(const ProfileUse<T>& use, const Profile<T>& p, Index i, const Operands<T>& o)
+// Profiles first .. last (exclusive), right-hand side by right-hand side along each,
+template <bool sums, bool multiples, class Int, class T>
+[[gnu::noinline]] void sky_add_columns(const ProfileUse<T>& shared, const Sky<Int, T>& a, Index first, Index last,
+                                       const Operands<T>& o)
 {
-    for (Index j = 0; j < o.sides; ++j) {
-        const T *b = o.b + j * o.b_side, *x = b + p.first;
-        T *c = o.c + j * o.c_side, *y = c + p.first;
-        T sum{};
-        const bool with_diagonal = use.sums && !use.multiples && p.diagonal != nullptr;
-        if (use.sums && use.multiples)
-            sum = dot_axpy(use.multiple_factor * b[i], p.val, x, y, p.length(), use.in_sum, use.in_multiple, use.ahead);
-        else if (use.sums)
-            sum = dot(p.val, x, p.length() + with_diagonal, use.in_sum, use.ahead);
-        else if (use.multiples)
-            axpy(use.multiple_factor * b[i], p.val, y, p.length(), use.in_multiple, use.ahead);
-        if (p.diagonal != nullptr && !with_diagonal) sum = sum + use.in_diagonal(*p.diagonal) * b[i];
-        if (use.sums || p.diagonal != nullptr) c[i] = c[i] + use.sum_factor * sum;
+    const ProfileUse<T> use = shared; // what is stored to C cannot be part of a copy
+    for (Index i = first; i < last; ++i) {
+        const Profile<T> p = use.part(a.profile(i));
+        const Index with_diagonal = p.diagonal != nullptr;
+        for (Index j = 0; j < o.sides; ++j) {
+            const T *b = o.b + j * o.b_side, *x = b + p.first;
+            T *c = o.c + j * o.c_side, *y = c + p.first;
+            if (sums && !multiples) {
+                c[i] = c[i] + use.sum_factor * dot(p.val, x, p.length() + with_diagonal, use.in_sum, use.ahead);
+                continue;
+            }
+            T sum{};
+            if (sums)
+                sum = dot_axpy(use.multiple_factor * b[i], p.val, x, y, p.length(), use.in_sum, use.in_multiple,
+                               use.ahead);
+            else if (multiples)
+                axpy(use.multiple_factor * b[i], p.val, y, p.length(), use.in_multiple, use.ahead);
+            if (with_diagonal) sum = sum + use.in_diagonal(*p.diagonal) * b[i];
+            if (sums || with_diagonal) c[i] = c[i] + use.sum_factor * sum;
+        }
     }
 }
 
@@ -110,21 +125,22 @@ template <class Int, class T>
     alpha = terms.signed_alpha(alpha);
     const ProfileUse<T> use(terms, alpha, Ahead(true, last > first ? a.bytes(first, last) : 0));
     const bool row_major = terms.row_major(), everywhere = terms.mirrored() || use.multiples;
+    const auto add_columns =
+        use.sums        ? use.multiples ? sky_add_columns<true, true, Int, T> : sky_add_columns<true, false, Int, T>
+               : use.multiples ? sky_add_columns<false, true, Int, T>
+                        : sky_add_columns<false, false, Int, T>;
     if (everywhere) scale_rows(row_major, 0, size, beta, o);
     for (Index i = first; i < last; i += block_rows) {
         const Index end = std::min(i + block_rows, last);
         if (!everywhere) scale_rows(row_major, i, end, beta, o);
         if (terms.unit()) add_identity(row_major, i, end, alpha, o);
-        for (Index row = i; row < end; ++row) {
-            Profile<T> p = a.profile(row);
-            if (!terms.diagonal()) p.diagonal = nullptr;
-            if (!use.sums && !use.multiples) p.first = p.last;
-            if (!row_major)
-                sky_add(use, p, row, o);
-            else
-                for_groups(true, o,
-                           [&]<class Group>(Group, const Operands<T>& part) { sky_add<Group>(use, p, row, part); });
-        }
+        if (row_major)
+            for (Index row = i; row < end; ++row)
+                for_lanes(o, [&]<class Group>(Group, const Operands<T>& part) {
+                    sky_add<Group>(use, use.part(a.profile(row)), row, part);
+                });
+        else
+            add_columns(use, a, i, end, o);
     }
 }
 

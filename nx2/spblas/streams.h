@@ -125,7 +125,7 @@ inline void add_to(T* y, Vec<T> a)
 
 // The sum of val[i] x[i], i < n.
 template <class T>
-[[gnu::noinline]] T dot(const T* val, const T* x, Index n, Conjugation<T> conjugated, Ahead ahead)
+inline T dot(const T* val, const T* x, Index n, Conjugation<T> conjugated, Ahead ahead)
 {
     Products<T> part[4]{};
     for_strips<T>(
@@ -139,7 +139,7 @@ template <class T>
 
 // y[i] += t val[i], i < n.
 template <class T>
-[[gnu::noinline]] void axpy(T t, const T* val, T* y, Index n, Conjugation<T> conjugated, Ahead ahead)
+inline void axpy(T t, const T* val, T* y, Index n, Conjugation<T> conjugated, Ahead ahead)
 {
     const Multiple<T> multiple(t, conjugated);
     for_strips<T>(
@@ -153,8 +153,8 @@ template <class T>
 
 // Both in one pass over val.
 template <class T>
-[[gnu::noinline]] T dot_axpy(T t, const T* val, const T* x, T* y, Index n, Conjugation<T> in_dot,
-                             Conjugation<T> in_axpy, Ahead ahead)
+inline T dot_axpy(T t, const T* val, const T* x, T* y, Index n, Conjugation<T> in_dot, Conjugation<T> in_axpy,
+                  Ahead ahead)
 {
     const Multiple<T> multiple(t, in_axpy);
     Products<T> part[4]{};
