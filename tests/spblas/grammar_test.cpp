@@ -49,7 +49,7 @@ const std::vector<Setting<T>>& settings()
         {1, beta, alpha, 8, 2, false},
         {26, is_complex<T> ? scalar<T>(0, 2) : T(2), alpha, 3, 17, false},
         {0, alpha, beta, 2, 3, false},
-        {1100, alpha, beta, 5, 2, false},
+        {700, alpha, beta, 5, 2, false},
         {0, alpha, T(0), 3, 2, false},
     };
     return list;
