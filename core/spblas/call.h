@@ -57,29 +57,50 @@ struct Matrix {
     std::int64_t block() const { return blocked() ? number[0] : 1; }
 };
 
+// What a format has no use for is left as it is: the entries are many, and short.
 inline Matrix csr(const void* val, const void* indx, const void* pntrb, const void* pntre)
 {
-    return {Format::csr, {val, indx, pntrb, pntre}, {}};
+    Matrix a;
+    a.format = Format::csr;
+    a.array[0] = val, a.array[1] = indx, a.array[2] = pntrb, a.array[3] = pntre;
+    return a;
 }
 template <class Int>
 inline Matrix csr(const void* val, const void* indx, const Int* ia)
 {
     return csr(val, indx, ia, ia ? ia + 1 : nullptr);
 }
-inline Matrix coo(const void* val, const void* rowind, const void* colind, std::int64_t nnz)
-{
-    return {Format::coo, {val, rowind, colind}, {nnz}};
-}
 inline Matrix blocks(Format format, std::int64_t lb, const void* val, const void* indx, const void* pntrb,
                      const void* pntre)
 {
-    return {format, {val, indx, pntrb, pntre}, {lb}};
+    Matrix a = csr(val, indx, pntrb, pntre);
+    a.format = format;
+    a.number[0] = lb;
+    return a;
+}
+inline Matrix coo(const void* val, const void* rowind, const void* colind, std::int64_t nnz)
+{
+    Matrix a;
+    a.format = Format::coo;
+    a.array[0] = val, a.array[1] = rowind, a.array[2] = colind;
+    a.number[0] = nnz;
+    return a;
 }
 inline Matrix dia(const void* val, std::int64_t lval, const void* idiag, std::int64_t ndiag)
 {
-    return {Format::dia, {val, idiag}, {lval, ndiag}};
+    Matrix a;
+    a.format = Format::dia;
+    a.array[0] = val, a.array[1] = idiag;
+    a.number[0] = lval, a.number[1] = ndiag;
+    return a;
 }
-inline Matrix sky(const void* val, const void* pntr) { return {Format::sky, {val, pntr}, {}}; }
+inline Matrix sky(const void* val, const void* pntr)
+{
+    Matrix a;
+    a.format = Format::sky;
+    a.array[0] = val, a.array[1] = pntr;
+    return a;
+}
 
 // How a function is called that has not the arguments of its routine.
 struct Names {
@@ -95,7 +116,7 @@ struct Call {
     int op, layout;          // ork_spblas_operation, ork_spblas_layout; no layout: 0
     ork_spblas_kind kind;    // of what the arrays hold
     std::int64_t m, n, nrhs; // of A, in blocks where there are some
-    Matrix a;
+    const Matrix* a;
     const void *alpha, *beta; // no beta: null
     const void* b;            // or x
     std::int64_t ldb;
@@ -110,10 +131,10 @@ struct Call {
     std::int64_t element() const { return element_size(precision); }
 
     // Rows of C and of B.
-    std::int64_t rows_of_c() const { return (transposes() ? n : m) * a.block(); }
-    std::int64_t rows_of_b() const { return (transposes() ? m : n) * a.block(); }
+    std::int64_t rows_of_c() const { return (transposes() ? n : m) * a->block(); }
+    std::int64_t rows_of_b() const { return (transposes() ? m : n) * a->block(); }
 
-    Integers integers(int array) const { return {a.array[array], wide}; }
+    Integers integers(int array) const { return {a->array[array], wide}; }
 };
 
 // Rows, of bsc and of an upper skyline columns, of A that have entries of their own together; of coo entries.

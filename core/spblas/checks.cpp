@@ -31,7 +31,7 @@ std::int64_t check_kind(const Call& call)
         return wrong(call, "kind.type", k.type, "types are 0 to 5");
     if (k.type == ORK_SPBLAS_HERMITIAN && !is_complex(call.precision))
         return wrong(call, "kind.type", k.type, "a real matrix is symmetric, not Hermitian");
-    if (k.type == ORK_SPBLAS_GENERAL && call.a.format == Format::sky)
+    if (k.type == ORK_SPBLAS_GENERAL && call.a->format == Format::sky)
         return wrong(call, "kind.type", k.type, "a skyline holds one triangle, so it can't be general");
     if (call.solves() && k.type != ORK_SPBLAS_TRIANGULAR && k.type != ORK_SPBLAS_DIAGONAL)
         return wrong(call, "kind.type", k.type, "solves are for triangular and diagonal matrices");
@@ -69,9 +69,9 @@ bool any_entry(const Call& call)
 // Four arrays; values and indices are needed only if there are entries.
 std::int64_t check_compressed(const Call& call, bool reads)
 {
-    const void* const* array = call.a.array;
-    if (call.a.blocked()) {
-        const std::int64_t lb = call.a.block(), larger = call.m < call.n ? call.n : call.m;
+    const void* const* array = call.a->array;
+    if (call.a->blocked()) {
+        const std::int64_t lb = call.a->block(), larger = call.m < call.n ? call.n : call.m;
         if (lb < 1) return wrong(call, "lb", lb, "the order of a block is at least 1");
         std::int64_t rows;
         if (__builtin_mul_overflow(larger, lb, &rows) || rows > (call.wide ? INT64_MAX : INT32_MAX))
@@ -90,33 +90,33 @@ std::int64_t check_compressed(const Call& call, bool reads)
 
 std::int64_t check_coo(const Call& call, bool reads)
 {
-    const bool needed = reads && call.a.number[0] > 0;
+    const bool needed = reads && call.a->number[0] > 0;
     static constexpr const char* names[] = {"val", "rowind", "colind"};
     for (int i = 0; needed && i < 3; ++i)
-        if (call.a.array[i] == nullptr) return null(call, names[i]);
-    return call.a.number[0] < 0 ? wrong(call, "nnz", call.a.number[0], "negative") : fine;
+        if (call.a->array[i] == nullptr) return null(call, names[i]);
+    return call.a->number[0] < 0 ? wrong(call, "nnz", call.a->number[0], "negative") : fine;
 }
 
 std::int64_t check_dia(const Call& call, bool reads)
 {
-    const bool needed = reads && call.a.number[1] > 0;
-    if (needed && call.a.array[0] == nullptr) return null(call, "val");
-    if (call.a.number[0] < call.m) return wrong(call, "lval", call.a.number[0], "a diagonal has room for m numbers");
-    if (needed && call.a.array[1] == nullptr) return null(call, "idiag");
-    return call.a.number[1] < 0 ? wrong(call, "ndiag", call.a.number[1], "negative") : fine;
+    const bool needed = reads && call.a->number[1] > 0;
+    if (needed && call.a->array[0] == nullptr) return null(call, "val");
+    if (call.a->number[0] < call.m) return wrong(call, "lval", call.a->number[0], "a diagonal has room for m numbers");
+    if (needed && call.a->array[1] == nullptr) return null(call, "idiag");
+    return call.a->number[1] < 0 ? wrong(call, "ndiag", call.a->number[1], "negative") : fine;
 }
 
 std::int64_t check_sky(const Call& call, bool reads)
 {
     if (!reads) return fine;
     const Integers pntr = call.integers(1);
-    if (call.a.array[0] == nullptr && (!pntr || pntr[call.m] != pntr[0])) return null(call, pntr ? "val" : "pntr");
+    if (call.a->array[0] == nullptr && (!pntr || pntr[call.m] != pntr[0])) return null(call, pntr ? "val" : "pntr");
     return pntr ? fine : null(call, "pntr");
 }
 
 std::int64_t check_matrix(const Call& call, bool reads)
 {
-    switch (call.a.format) {
+    switch (call.a->format) {
     case Format::coo:
         return check_coo(call, reads);
     case Format::dia:

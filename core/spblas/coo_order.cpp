@@ -20,9 +20,9 @@ struct Copy {
 template <class Int>
 std::int64_t fill(const Call& call, const Copy& copy)
 {
-    const Int* rowind = static_cast<const Int*>(call.a.array[1]);
-    const Int* colind = static_cast<const Int*>(call.a.array[2]);
-    const std::int64_t nnz = call.a.number[0], base = call.kind.base, size = call.element();
+    const Int* rowind = static_cast<const Int*>(call.a->array[1]);
+    const Int* colind = static_cast<const Int*>(call.a->array[2]);
+    const std::int64_t nnz = call.a->number[0], base = call.kind.base, size = call.element();
     std::int64_t* const next = copy.begin;
     std::fill_n(next, call.m + 1, 0);
     for (std::int64_t k = 0; k < nnz; ++k) ++next[rowind[k] - base + 1];
@@ -33,7 +33,7 @@ std::int64_t fill(const Call& call, const Copy& copy)
             return colind[a] != colind[b] ? colind[a] < colind[b] : a < b;
         });
 
-    const char* val = static_cast<const char*>(call.a.array[0]);
+    const char* val = static_cast<const char*>(call.a->array[0]);
     Int* rows = static_cast<Int*>(copy.rowind);
     Int* columns = static_cast<Int*>(copy.colind);
     std::int64_t places = 0;
@@ -55,7 +55,7 @@ std::int64_t fill(const Call& call, const Copy& copy)
 bool in_order(const Call& call)
 {
     const Integers rowind = call.integers(1), colind = call.integers(2);
-    for (std::int64_t k = 1; k < call.a.number[0]; ++k) {
+    for (std::int64_t k = 1; k < call.a->number[0]; ++k) {
         if (rowind[k] < rowind[k - 1]) return false;
         if (rowind[k] == rowind[k - 1] && colind[k] <= colind[k - 1]) return false;
     }
@@ -64,7 +64,7 @@ bool in_order(const Call& call)
 
 OrderedCopy::OrderedCopy(const Call& call)
 {
-    const std::int64_t nnz = call.a.number[0], width = call.wide ? 8 : 4;
+    const std::int64_t nnz = call.a->number[0], width = call.wide ? 8 : 4;
     constexpr std::int64_t alignment = 16, arrays = 5;
     std::int64_t bytes;
     memory_ = nullptr;

@@ -17,7 +17,7 @@ public:
     OrderedCopy& operator=(const OrderedCopy&) = delete;
 
     bool has_memory() const { return memory_ != nullptr; }
-    Matrix matrix() const { return matrix_; }
+    const Matrix& matrix() const { return matrix_; }
 
 private:
     void* memory_;

@@ -46,7 +46,7 @@ Call general(Variant v, const Names& names, int base, std::int64_t m, std::int64
     call.op = ORK_SPBLAS_NO_TRANS;
     call.kind = {ORK_SPBLAS_GENERAL, {}, {}, static_cast<ork_spblas_base>(base)};
     call.m = m, call.n = n, call.nrhs = 1;
-    call.a = a;
+    call.a = &a;
     call.names = &names;
     return call;
 }
@@ -107,8 +107,9 @@ void copy_plus_one(const void* from, std::int64_t count, void* to)
 }
 
 // False when there is no memory.
-bool run_dense_product(Call a, Call b, bool transpose, std::int64_t k, void* c, std::int64_t ldc)
+bool run_dense_product(const Call& a, const Call& b, bool transpose, std::int64_t k, void* c, std::int64_t ldc)
 {
+    const void *ja = a.a->array[1], *jb = b.a->array[1];
     void* copies = nullptr;
     if (a.kind.base == ORK_SPBLAS_BASE_0) {
         const auto in_a = static_cast<std::int64_t>(stored_entries(a)),
@@ -118,20 +119,20 @@ bool run_dense_product(Call a, Call b, bool transpose, std::int64_t k, void* c, 
         if (copies == nullptr) return false;
         char* const second = static_cast<char*>(copies) + in_a * width;
         const auto copy = a.wide ? copy_plus_one<std::int64_t> : copy_plus_one<std::int32_t>;
-        copy(a.a.array[1], in_a, copies);
-        copy(b.a.array[1], in_b, second);
-        a.a.array[1] = copies, b.a.array[1] = second;
+        copy(ja, in_a, copies);
+        copy(jb, in_b, second);
+        ja = copies, jb = second;
     }
-    const void *const *pa = a.a.array, *const *pb = b.a.array;
+    const void *const *pa = a.a->array, *const *pb = b.a->array;
     if (transpose) {
         const std::int64_t first = 1;
-        invoke(kernel_of(multd_t, a), &first, &a.m, &a.n, &k, pa[0], pa[1], pa[2], pb[0], pb[1], pb[2], c, &ldc);
+        invoke(kernel_of(multd_t, a), &first, &a.m, &a.n, &k, pa[0], ja, pa[2], pb[0], jb, pb[2], c, &ldc);
     } else {
         // Each entry of A meets a row of B.
         const double row = stored_entries(b) / static_cast<double>(std::max<std::int64_t>(b.m, 1));
         void* const kernel = kernel_of(multd, a);
         for_slices(a, stored_entries(a) * (1 + row), [&](const std::int64_t* first, const std::int64_t* last) {
-            invoke(kernel, first, last, &k, pa[0], pa[1], pa[2], pb[0], pb[1], pb[2], c, &ldc);
+            invoke(kernel, first, last, &k, pa[0], ja, pa[2], pb[0], jb, pb[2], c, &ldc);
         });
     }
     if (copies != nullptr) ork_serv_deallocate(copies);
@@ -171,8 +172,9 @@ std::int64_t sort_rows(Variant v, int base, std::int64_t m, std::int64_t n, cons
     if (const auto status = check_rows(call, base)) return status;
     if (m == 0) return ORK_SPBLAS_SUCCESS;
     void* const kernel = kernel_of(sortrow, call);
+    const void* const* p = a.array;
     for_slices(call, stored_entries(call), [&](const std::int64_t* first, const std::int64_t* last) {
-        with_matrix(a, [&](auto... arrays) { invoke(kernel, first, last, arrays...); });
+        invoke(kernel, first, last, p[0], p[1], p[2], p[3]);
     });
     return ORK_SPBLAS_SUCCESS;
 }
@@ -186,11 +188,12 @@ std::int64_t invert_diagonal(Variant v, int base, std::int64_t m, const Matrix& 
     *missing = base - 1;
     if (m == 0) return ORK_SPBLAS_SUCCESS;
     void* const kernel = kernel_of(invdiag, call);
+    const void* const* p = a.array;
     constexpr std::int64_t none = INT64_MAX;
     std::atomic<std::int64_t> least = none;
     for_slices(call, stored_entries(call), [&](const std::int64_t* first, const std::int64_t* last) {
         std::int64_t row = 0; // of which a kernel for 32 bits writes the lower half
-        with_matrix(a, [&](auto... arrays) { invoke(kernel, first, last, arrays..., d, &row); });
+        invoke(kernel, first, last, p[0], p[1], p[2], p[3], d, &row);
         if (row == 0) return;
         std::int64_t known = least.load(std::memory_order_relaxed);
         while (row < known && !least.compare_exchange_weak(known, row, std::memory_order_relaxed)) {
@@ -212,7 +215,8 @@ std::int64_t gauss_sweep(Variant v, int base, std::int64_t m, std::int64_t backw
     if (const auto status = check_array(call, "x", x)) return status;
     if (m == 0) return ORK_SPBLAS_SUCCESS;
     void* const kernel = kernel_of(gauss, call);
-    with_matrix(a, [&](auto... arrays) { invoke(kernel, &call.m, &backward, omega, arrays..., b, x); });
+    const void* const* p = a.array;
+    invoke(kernel, &call.m, &backward, omega, p[0], p[1], p[2], p[3], b, x);
     return ORK_SPBLAS_SUCCESS;
 }
 
@@ -230,9 +234,8 @@ std::int64_t split_matrix(Variant v, int base, std::int64_t m, const Matrix& a, 
     const double entries = stored_entries(call);
     const auto pass = [&](void* d) {
         for_slices(call, entries, [&](const std::int64_t* first, const std::int64_t* last) {
-            with_matrix(a, [&](auto... arrays) {
-                invoke(kernel, first, last, arrays..., p.lval, p.lindx, p.lpntr, p.uval, p.uindx, p.upntr, d);
-            });
+            invoke(kernel, first, last, a.array[0], a.array[1], a.array[2], a.array[3], p.lval, p.lindx, p.lpntr,
+                   p.uval, p.uindx, p.upntr, d);
         });
     };
     pass(nullptr); // the numbers of entries

@@ -17,31 +17,75 @@ inline const void* address(const float& scalar) { return &scalar; }
 inline const void* address(const double& scalar) { return &scalar; }
 inline const void* address(const void* scalar) { return scalar; }
 
-inline std::int64_t product_with_vector(Variant v, int op, ork_spblas_kind kind, std::int64_t m, std::int64_t n,
-                                        const void* alpha, const Matrix& a, const void* x, const void* beta, void* y)
+// What follows the sizes. The functions below have the arguments before in the registers in which the entries have
+// them, which keeps 242 entries short.
+struct VectorOperands {
+    Variant variant;
+    const void* alpha;
+    Matrix a;
+    const void *x, *beta;
+    void* y;
+};
+struct MatrixOperands {
+    Variant variant;
+    std::int64_t nrhs;
+    const void* alpha;
+    Matrix a;
+    const void* b;
+    std::int64_t ldb;
+    const void* beta;
+    void* c;
+    std::int64_t ldc;
+};
+
+Call call_of(Routine routine, int op, ork_spblas_kind kind, std::int64_t m, std::int64_t n, const VectorOperands& o)
 {
-    return mv({Routine::mvout, v.precision, v.wide, op, 0, kind, m, n, 1, a, alpha, beta, x, 0, y, 0});
+    return {routine, o.variant.precision, o.variant.wide, op, 0, kind, m, n, 1, &o.a, o.alpha, o.beta, o.x, 0, o.y, 0};
 }
 
-inline std::int64_t product_with_matrix(Variant v, int op, ork_spblas_kind kind, int layout, std::int64_t m,
-                                        std::int64_t n, std::int64_t nrhs, const void* alpha, const Matrix& a,
-                                        const void* b, std::int64_t ldb, const void* beta, void* c, std::int64_t ldc)
+Call call_of(Routine routine, int op, ork_spblas_kind kind, int layout, std::int64_t m, std::int64_t n,
+             const MatrixOperands& o)
 {
-    return mm({Routine::mmout, v.precision, v.wide, op, layout, kind, m, n, nrhs, a, alpha, beta, b, ldb, c, ldc});
+    return {routine,
+            o.variant.precision,
+            o.variant.wide,
+            op,
+            layout,
+            kind,
+            m,
+            n,
+            o.nrhs,
+            &o.a,
+            o.alpha,
+            o.beta,
+            o.b,
+            o.ldb,
+            o.c,
+            o.ldc};
 }
 
-inline std::int64_t solve_vector(Variant v, int op, ork_spblas_kind kind, std::int64_t m, std::int64_t n,
-                                 const void* alpha, const Matrix& a, const void* x, void* y)
+[[gnu::noinline]] std::int64_t multiply(int op, ork_spblas_kind kind, std::int64_t m, std::int64_t n,
+                                        const VectorOperands& operands)
 {
-    return solve({Routine::svout, v.precision, v.wide, op, 0, kind, m, n, 1, a, alpha, nullptr, x, 0, y, 0});
+    return mv(call_of(Routine::mvout, op, kind, m, n, operands));
 }
 
-inline std::int64_t solve_matrix(Variant v, int op, ork_spblas_kind kind, int layout, std::int64_t m, std::int64_t n,
-                                 std::int64_t nrhs, const void* alpha, const Matrix& a, const void* b, std::int64_t ldb,
-                                 void* c, std::int64_t ldc)
+[[gnu::noinline]] std::int64_t multiply(int op, ork_spblas_kind kind, int layout, std::int64_t m, std::int64_t n,
+                                        const MatrixOperands& operands)
 {
-    return solve(
-        {Routine::smout, v.precision, v.wide, op, layout, kind, m, n, nrhs, a, alpha, nullptr, b, ldb, c, ldc});
+    return mm(call_of(Routine::mmout, op, kind, layout, m, n, operands));
+}
+
+[[gnu::noinline]] std::int64_t solve(int op, ork_spblas_kind kind, std::int64_t m, std::int64_t n,
+                                     const VectorOperands& operands)
+{
+    return solve(call_of(Routine::svout, op, kind, m, n, operands));
+}
+
+[[gnu::noinline]] std::int64_t solve(int op, ork_spblas_kind kind, int layout, std::int64_t m, std::int64_t n,
+                                     const MatrixOperands& operands)
+{
+    return solve(call_of(Routine::smout, op, kind, layout, m, n, operands));
 }
 
 } // namespace

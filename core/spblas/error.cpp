@@ -82,7 +82,7 @@ Name name_of(const Call& call)
     Name name;
     std::snprintf(name.text, sizeof name.text, "ork_spblas_%s%c%s%s", call.wide ? "" : "lp64_",
                   "sdcz"[static_cast<int>(call.precision)],
-                  call.names ? call.names->routine : formats[static_cast<int>(call.a.format)],
+                  call.names ? call.names->routine : formats[static_cast<int>(call.a->format)],
                   call.names ? "" : routines[static_cast<int>(call.routine)]);
     return name;
 }
@@ -100,7 +100,7 @@ Arguments arguments_of(const Call& call)
         return arguments;
     }
     std::snprintf(arguments.text, sizeof arguments.text, "op kind%s m n%s alpha %s %s", vectors ? "" : " layout",
-                  vectors ? "" : " nrhs", matrix[static_cast<int>(call.a.format)],
+                  vectors ? "" : " nrhs", matrix[static_cast<int>(call.a->format)],
                   behind[static_cast<int>(call.routine)]);
     return arguments;
 }

@@ -22,7 +22,7 @@ constinit std::atomic<Entry*> table[tables] = {};
 
 int table_of(const Call& call)
 {
-    return ((static_cast<int>(call.a.format) * 4 + static_cast<int>(call.routine)) * 4 +
+    return ((static_cast<int>(call.a->format) * 4 + static_cast<int>(call.routine)) * 4 +
             static_cast<int>(call.precision)) *
                2 +
            (call.wide ? 1 : 0);
@@ -56,7 +56,7 @@ Entry* find_table(const Call& call)
     static constexpr const char* routines[] = {"mvout", "mmout", "svout", "smout"};
     char member[40];
     std::snprintf(member, sizeof member, "%c%s%c%c%c%c%c%c__%s_%s", "sdcz"[static_cast<int>(call.precision)],
-                  formats[static_cast<int>(call.a.format)], s.base, s.op, s.type, s.uplo, s.diag, s.layout,
+                  formats[static_cast<int>(call.a->format)], s.base, s.op, s.type, s.uplo, s.diag, s.layout,
                   routines[static_cast<int>(call.routine)], is_parallel(call.routine, s) ? "par" : "seq");
     return loader::find_kernel(call.wide ? "spblas" : "spblas_lp64", member);
 }

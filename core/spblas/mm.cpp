@@ -15,7 +15,7 @@ namespace {
 void run(const Call& call, void* kernel, Range columns)
 {
     const std::int64_t first = columns.first + 1, last = columns.end();
-    with_matrix(call.a, [&](auto... a) {
+    with_matrix(*call.a, [&](auto... a) {
         invoke(kernel, &first, &last, &call.m, &call.n, nullptr, call.alpha, a..., call.b, &call.ldb, call.c, &call.ldc,
                call.beta);
     });
@@ -24,7 +24,7 @@ void run(const Call& call, void* kernel, Range columns)
 bool divides_by_rows(const Call& call, Shape shape)
 {
     if (shape.type != 'g') return false;
-    switch (call.a.format) {
+    switch (call.a->format) {
     case Format::csr:
     case Format::bsr:
         return !transposes(shape.op);
@@ -35,19 +35,21 @@ bool divides_by_rows(const Call& call, Shape shape)
     }
 }
 
-// The call for a slice of A alone.
-Call part_of(const Call& call, Range range)
+// The same for a slice of A alone.
+void run_slice(const Call& call, void* kernel, Range range)
 {
-    Call part = call;
     const Integers indx = call.integers(1), pntrb = call.integers(2), pntre = call.integers(3);
-    const std::int64_t before = pntrb[range.first] - pntrb[0], lb = call.a.block(), size = call.element();
-    (call.a.format == Format::bsc ? part.n : part.m) = range.count;
-    part.a.array[0] = static_cast<const char*>(call.a.array[0]) + before * lb * lb * size;
-    part.a.array[1] = indx.from(before);
-    part.a.array[2] = pntrb.from(range.first);
-    part.a.array[3] = pntre.from(range.first);
+    const std::int64_t before = pntrb[range.first] - pntrb[0], lb = call.a->block(), size = call.element();
+    Matrix a = *call.a;
+    a.array[0] = static_cast<const char*>(a.array[0]) + before * lb * lb * size;
+    a.array[1] = indx.from(before);
+    a.array[2] = pntrb.from(range.first);
+    a.array[3] = pntre.from(range.first);
+    Call part = call;
+    part.a = &a;
+    (a.format == Format::bsc ? part.n : part.m) = range.count;
     part.c = static_cast<char*>(call.c) + range.first * lb * (call.row_major() ? call.ldc : 1) * size;
-    return part;
+    run(part, kernel, {0, call.nrhs});
 }
 
 } // namespace
@@ -64,20 +66,19 @@ std::int64_t mm(const Call& call)
     const Shape shape = shape_of(call);
     void* const kernel = kernel_for(call, shape);
     if (!is_parallel(Routine::mmout, shape)) {
-        with_matrix(call.a, [&](auto... a) {
+        with_matrix(*call.a, [&](auto... a) {
             invoke(kernel, &call.m, &call.nrhs, nullptr, call.alpha, a..., call.b, &call.ldb, call.c, &call.ldc,
                    call.beta);
         });
         return ORK_SPBLAS_SUCCESS;
     }
-    const Range all = {0, call.nrhs};
     const int parts = threads_for(stored_entries(call) * static_cast<double>(call.nrhs));
     if (parts == 1)
-        run(call, kernel, all);
+        run(call, kernel, {0, call.nrhs});
     else if (divides_by_rows(call, shape))
         threads::run(parts, [&](int part) {
             const Range range = slice(call, parts, part);
-            if (range.count > 0) run(part_of(call, range), kernel, all);
+            if (range.count > 0) run_slice(call, kernel, range);
         });
     else
         threads::run(parts, [&](int part) {

@@ -29,8 +29,8 @@ struct Product {
     {
         const std::int64_t first = range.first + 1, last = range.end();
         const std::int64_t size = call.transposes() ? call.n : call.m;
-        with_matrix(call.a, [&](auto... a) {
-            if (call.a.format == Format::dia)
+        with_matrix(*call.a, [&](auto... a) {
+            if (call.a->format == Format::dia)
                 invoke(kernel, &first, &last, nullptr, &call.m, &call.n, call.alpha, a..., call.b, y, beta);
             else
                 invoke(kernel, &first, &last, nullptr, &size, call.alpha, a..., call.b, y, beta);
@@ -88,12 +88,12 @@ std::int64_t mv(const Call& call)
     const Shape shape = shape_of(call);
     const Product product = {call, kernel_for(call, shape)};
     if (!is_parallel(Routine::mvout, shape)) {
-        with_matrix(call.a, [&](auto... a) {
+        with_matrix(*call.a, [&](auto... a) {
             invoke(product.kernel, &call.m, nullptr, call.alpha, a..., call.b, call.c, call.beta);
         });
         return ORK_SPBLAS_SUCCESS;
     }
-    const bool copies = scatters(call.a.format, shape);
+    const bool copies = scatters(call.a->format, shape);
     const double products = stored_entries(call);
     int parts = threads_for(products);
     if (parts > 1 && copies) {

@@ -21,7 +21,7 @@ void copy_right_hand_sides(const Call& call, Range columns)
 void solve_one(const Call& call, void* kernel)
 {
     copy_right_hand_sides(call, {0, 1});
-    with_matrix(call.a, [&](auto... a) { invoke(kernel, &call.m, nullptr, a..., call.c); });
+    with_matrix(*call.a, [&](auto... a) { invoke(kernel, &call.m, nullptr, a..., call.c); });
 }
 
 void solve_many(const Call& call, void* kernel)
@@ -34,7 +34,7 @@ void solve_many(const Call& call, void* kernel)
         if (columns.count == 0) return;
         const std::int64_t first = columns.first + 1, last = columns.end();
         copy_right_hand_sides(call, columns);
-        with_matrix(call.a,
+        with_matrix(*call.a,
                     [&](auto... a) { invoke(kernel, &first, &last, &call.m, nullptr, a..., call.c, &call.ldc); });
     };
     if (parts == 1)
@@ -59,7 +59,7 @@ std::int64_t solve_coo(const Call& call)
     const OrderedCopy copy(call);
     if (!copy.has_memory()) return no_memory(name_of(call));
     Call ordered = call;
-    ordered.a = copy.matrix();
+    ordered.a = &copy.matrix();
     if (const auto status = check_sorted_diagonal(ordered, false)) return status;
     return solve_in_order(ordered);
 }
@@ -76,7 +76,7 @@ std::int64_t solve(const Call& call)
         return ORK_SPBLAS_SUCCESS;
     }
     if (const auto status = check_structure(call)) return status;
-    return call.a.format == Format::coo ? solve_coo(call) : solve_in_order(call);
+    return call.a->format == Format::coo ? solve_coo(call) : solve_in_order(call);
 }
 
 } // namespace ork::spblas

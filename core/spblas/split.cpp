@@ -28,9 +28,9 @@ std::int64_t boundary(const Integers& pointers, std::int64_t lines, double total
 
 std::int64_t slices(const Call& call)
 {
-    switch (call.a.format) {
+    switch (call.a->format) {
     case Format::coo:
-        return call.a.number[0];
+        return call.a->number[0];
     case Format::bsc:
         return call.n;
     default:
@@ -40,7 +40,7 @@ std::int64_t slices(const Call& call)
 
 double stored_entries(const Call& call)
 {
-    const Matrix& a = call.a;
+    const Matrix& a = *call.a;
     const std::int64_t lines = slices(call);
     switch (a.format) {
     case Format::coo:
@@ -57,7 +57,7 @@ double stored_entries(const Call& call)
 
 Range slice(const Call& call, int parts, int part)
 {
-    const Matrix& a = call.a;
+    const Matrix& a = *call.a;
     const std::int64_t lines = slices(call);
     if (a.format == Format::coo || a.format == Format::dia) return strip(lines, 1, parts, part);
     const Integers pointers = call.integers(a.format == Format::sky ? 1 : 2);

@@ -28,18 +28,18 @@ bool divides(const Call& call) { return call.solves() && call.kind.diag == ORK_S
 
 bool zero_at(const Call& call, std::int64_t position)
 {
-    return is_zero(call.precision, static_cast<const char*>(call.a.array[0]) + position * call.element());
+    return is_zero(call.precision, static_cast<const char*>(call.a->array[0]) + position * call.element());
 }
 
 std::int64_t check_compressed(const Call& call)
 {
-    const bool by_columns = call.a.format == Format::bsc;
+    const bool by_columns = call.a->format == Format::bsc;
     const char* const line = by_columns ? "column" : "row";
     const bool three = call.names && call.names->pntr;
     const char *const indices = call.names ? call.names->indx : "indx",
                       *const begins = three ? call.names->pntr : "pntrb", *const ends = three ? begins : "pntre";
     const Integers indx = call.integers(1), pntrb = call.integers(2), pntre = call.integers(3);
-    const std::int64_t base = call.kind.base, others = by_columns ? call.m : call.n, lb = call.a.block();
+    const std::int64_t base = call.kind.base, others = by_columns ? call.m : call.n, lb = call.a->block();
     for (std::int64_t i = 0; i < slices(call); ++i) {
         const std::int64_t begin = pntrb[i] - pntrb[0], end = pntre[i] - pntrb[0];
         if (begin < 0) return wrong(call, {begins, i, pntrb[i], line, i + base}, "less than the first, %lld", pntrb[0]);
@@ -75,7 +75,7 @@ std::int64_t check_coo(const Call& call)
 {
     const Integers rowind = call.integers(1), colind = call.integers(2);
     const std::int64_t base = call.kind.base;
-    for (std::int64_t k = 0; k < call.a.number[0]; ++k) {
+    for (std::int64_t k = 0; k < call.a->number[0]; ++k) {
         if (rowind[k] < base || rowind[k] - base >= call.m)
             return wrong(call, {"rowind", k, rowind[k], "", -1}, "rows run from %lld to %lld", base, call.m - 1 + base);
         if (colind[k] < base || colind[k] - base >= call.n)
@@ -88,7 +88,7 @@ std::int64_t check_coo(const Call& call)
 std::int64_t check_dia(const Call& call)
 {
     const Integers idiag = call.integers(1);
-    const std::int64_t lval = call.a.number[0], ndiag = call.a.number[1];
+    const std::int64_t lval = call.a->number[0], ndiag = call.a->number[1];
     std::int64_t diagonal = -1;
     for (std::int64_t k = 0; k < ndiag; ++k) {
         const Place place = {"idiag", k, idiag[k], "", -1};
@@ -133,7 +133,7 @@ std::int64_t check_structure(const Call& call)
 {
     if (mode.get() == 0) [[likely]]
         return fine;
-    switch (call.a.format) {
+    switch (call.a->format) {
     case Format::coo:
         return check_coo(call);
     case Format::dia:
@@ -149,7 +149,7 @@ std::int64_t check_sorted_diagonal(const Call& call, bool callers_arrays)
 {
     if (mode.get() == 0 || !divides(call)) return fine;
     const Integers rowind = call.integers(1), colind = call.integers(2);
-    const std::int64_t base = call.kind.base, nnz = call.a.number[0];
+    const std::int64_t base = call.kind.base, nnz = call.a->number[0];
     std::int64_t next = base; // row whose diagonal entry comes next
     for (std::int64_t k = 0; k < nnz && rowind[k] <= next; ++k) {
         if (rowind[k] != next || colind[k] != next) continue;
