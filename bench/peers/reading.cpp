@@ -79,7 +79,7 @@ std::vector<ReadingWay> reading_ways()
 {
     std::vector<ReadingWay> ways;
     for (const bool side_by_side : {false, true})
-        for (const int ahead : {0, 512, 1024, 2048}) ways.push_back({side_by_side, ahead});
+        for (const int ahead : {0, 512, 1024, 2048, 4096, 8192, 16384}) ways.push_back({side_by_side, ahead});
     return ways;
 }
 
