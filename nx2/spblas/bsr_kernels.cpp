@@ -50,6 +50,50 @@ bool of_known_order(const BlockTask<T>& t, F&& f)
         return false;
 }
 
+// One vector; false where its order has no code of its own.
+template <class Int, class T>
+bool multiply_vector(BlockRule rule, const BlockTask<T>& t, std::int64_t first, std::int64_t last)
+{
+    return of_known_order(t, [&]<int order, bool by_rows>() {
+        constexpr bool fetching = unrolled<order, T> != 0;
+        if (!rule.whole || !rule.direct)
+            product_rows<order, by_rows, T>(rule, t, first, last);
+        else
+            (t.far ? direct_rows<order, by_rows, fetching, Int, T>
+                   : direct_rows<order, by_rows, false, Int, T>)(t, first, last);
+    });
+}
+// Rows first .. last in the order of the solve, of `rows`.
+template <class T>
+bool solve_vector(BlockRule rule, const BlockTask<T>& t, std::int64_t first, std::int64_t last, std::int64_t rows)
+{
+    return of_known_order(
+        t, [&]<int order, bool by_rows>() { solve_rows<order, by_rows, T>(rule, t, first, last, rows); });
+}
+
+// Vectors one by one, as many rows at a time as stay in the cache until the last vector has had them: f(task, first,
+// last) of each, for rows in ascending order or, backward, in descending. Column-major panels of four vectors were
+// slower by half.
+template <class T, class F>
+bool vector_by_vector(const BlockTask<T>& t, std::int64_t rows, bool forward, F&& f)
+{
+    constexpr std::int64_t near_bytes = 128 << 10;
+    if (t.dense_by_rows || t.lb < 2 || t.lb > largest_order<T>) return false;
+    BlockTask<T> one = t;
+    one.count = 1;
+    for (std::int64_t first = 0, last = 0; first < rows; first = last) {
+        for (std::int64_t bytes = 0; last < rows && bytes < near_bytes; ++last) {
+            const std::int64_t i = forward ? last : rows - 1 - last;
+            bytes += (t.last(i) - t.first(i)) * t.lb * t.lb * static_cast<std::int64_t>(sizeof(T)) + 8;
+        }
+        for (std::int64_t j = 0; j < t.count; ++j) {
+            one.x = t.x + j * t.ldx, one.y = t.y + j * t.ldy, one.far = t.far && j == 0;
+            f(one, first, last);
+        }
+    }
+    return true;
+}
+
 // Rows first .. last. Where anything but the rows themselves is written, all of y has been scaled before, and beta
 // is 1.
 template <class T>
@@ -92,16 +136,7 @@ void BsrCalls<Int, T>::mvout_par(const Int* first, const Int* last, BlockRule ru
         t.beta = T(1);
     }
     t.far = bsr::is_far(t, *first - 1, *last);
-    const std::int64_t begin = *first - 1, end = *last;
-    const auto rows = [&]<int order, bool by_rows>() {
-        constexpr bool fetching = bsr::unrolled<order, T> != 0;
-        if (!rule.whole || !rule.direct)
-            bsr::product_rows<order, by_rows, T>(rule, t, begin, end);
-        else
-            (t.far ? bsr::direct_rows<order, by_rows, fetching, Int, T>
-                   : bsr::direct_rows<order, by_rows, false, Int, T>)(t, begin, end);
-    };
-    if (!bsr::of_known_order(t, rows)) bsr::add_products(rule, t, begin, end, *alpha);
+    if (!bsr::multiply_vector<Int>(rule, t, *first - 1, *last)) bsr::add_products(rule, t, *first - 1, *last, *alpha);
 }
 
 template <class Int, class T>
@@ -132,7 +167,10 @@ void BsrCalls<Int, T>::mmout_par(const Int* first, const Int* last, const Int* m
         t.beta = T(1);
     }
     t.far = bsr::is_far(t, 0, rows);
-    bsr::add_products(rule, t, 0, rows, *alpha);
+    const auto multiply = [&](const bsr::BlockTask<T>& one, std::int64_t from, std::int64_t to) {
+        bsr::multiply_vector<Int>(rule, one, from, to);
+    };
+    if (!bsr::vector_by_vector(t, rows, true, multiply)) bsr::add_products(rule, t, 0, rows, *alpha);
 }
 
 template <class Int, class T>
@@ -151,8 +189,7 @@ void BsrCalls<Int, T>::svout_seq(const Int* m, BlockRule rule, const Int* lb, co
     auto t = bsr::task(rule, lb, val, indx, pntrb, pntre, T(-1), T(1));
     t.x = t.y = y, t.count = 1, t.dense_by_rows = false;
     t.far = is_forward(rule) && bsr::is_far(t, 0, *m);
-    const auto rows = [&]<int order, bool by_rows>() { bsr::solve_rows<order, by_rows, T>(rule, t, *m); };
-    if (!bsr::of_known_order(t, rows)) bsr::solve(rule, t, *m);
+    if (!bsr::solve_vector<T>(rule, t, 0, *m, *m)) bsr::solve<T>(rule, t, *m);
 }
 
 template <class Int, class T>
@@ -165,7 +202,11 @@ void BsrCalls<Int, T>::smout_par(const Int* first, const Int* last, const Int* m
     t.ldx = t.ldy = *ldc, t.count = *last - begin;
     t.x = t.y = c + begin * (t.dense_by_rows ? 1 : t.ldy);
     t.far = is_forward(rule) && bsr::is_far(t, 0, *m);
-    if (t.count > 0) bsr::solve(rule, t, *m);
+    if (t.count <= 0) return;
+    const auto solve = [&](const bsr::BlockTask<T>& one, std::int64_t from, std::int64_t to) {
+        bsr::solve_vector<T>(rule, one, from, to, *m);
+    };
+    if (!bsr::vector_by_vector(t, *m, is_forward(rule), solve)) bsr::solve<T>(rule, t, *m);
 }
 
 template struct BsrCalls<Int, T>;

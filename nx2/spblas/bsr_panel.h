@@ -26,16 +26,23 @@ struct BlockSum {
     bool conjugate, by_rows; // the blocks as they are used: a mirrored block changes its layout
     bool ahead;              // fetch what comes later
 
-    // add(block from its value `at`, x) for every block; finish(y) when that is the sum.
+    // add(block from its value `at`, x) for every block; finish(y) when that is the sum. In line, or the sums would be
+    // in memory.
     template <class Add, class Finish>
-    void each_block(std::int64_t at, Add&& add, Finish&& finish) const
+    [[gnu::always_inline]] void each_block(std::int64_t at, Add&& add, Finish&& finish) const
     {
-        for (std::int64_t k = first; k < last; ++k) {
+        // Copies, because stores to y might change the originals as far as the compiler knows.
+        const std::int64_t size = task.lb * task.lb, end = last, move = step;
+        const bool scattering = scatter, fetching = ahead && at == 0;
+        const Columns counted = columns;
+        const T *block = task.val + first * size, *from = x;
+        T* to = y;
+        for (std::int64_t k = first; k < end; ++k, block += size) {
             const std::int64_t j = task.column(k);
-            const bool counts = columns.have(j);
-            if (ahead && at == 0) fetch_block(task.block(k), task.lb * task.lb);
-            if (counts) add(task.block(k) + at, scatter ? x : x + j * step);
-            if (scatter ? counts : k + 1 == last) finish(scatter ? y + j * step : y);
+            const bool counts = counted.have(j);
+            if (fetching) fetch_block(block, size);
+            if (counts) add(block + at, scattering ? from : from + j * move);
+            if (scattering ? counts : k + 1 == end) finish(scattering ? to + j * move : to);
         }
     }
 
@@ -53,7 +60,8 @@ struct BlockSum {
         constexpr int lanes = std::min(rows, Vec<T>::lanes), registers = rows / lanes;
         const std::int64_t lb = task.lb, ldx = task.ldx;
         Sum<T> sum[vectors][registers];
-        const auto add = [&](const T* block, const T* xj) {
+        const auto add = [&](const T* block, const T* xj) __attribute__((always_inline))
+        {
             xj += vector * ldx;
             for (std::int64_t c = 0; c < lb; ++c, block += lb) {
                 Vec<T> a[registers];
@@ -67,15 +75,16 @@ struct BlockSum {
                 }
             }
         };
-        each_block(r, add, [&](T* to) {
+        each_block(
+            r, add, [&](T * to) __attribute__((always_inline)) {
 #pragma GCC unroll 4
-            for (int n = 0; n < vectors; ++n)
+                for (int n = 0; n < vectors; ++n)
 #pragma GCC unroll 4
-                for (int v = 0; v < registers; ++v) {
-                    update<lanes>(to + r + (vector + n) * task.ldy + v * lanes, sum[n][v].value(conjugate, false));
-                    sum[n][v] = {};
-                }
-        });
+                    for (int v = 0; v < registers; ++v) {
+                        update<lanes>(to + r + (vector + n) * task.ldy + v * lanes, sum[n][v].value(conjugate, false));
+                        sum[n][v] = {};
+                    }
+            });
     }
 
     // Blocks by rows: registers along the columns, whose lanes are added up in the end.
@@ -85,9 +94,11 @@ struct BlockSum {
         constexpr int lanes = Vec<T>::lanes;
         const std::int64_t lb = task.lb, ldx = task.ldx;
         Sum<T> sum[vectors][rows];
-        const auto add = [&](const T* block, const T* xj) {
+        const auto add = [&](const T* block, const T* xj) __attribute__((always_inline))
+        {
             xj += vector * ldx;
-            const auto take = [&](auto&& load) {
+            const auto take = [&](auto&& load) __attribute__((always_inline))
+            {
                 Vec<T> a[rows];
 #pragma GCC unroll 4
                 for (int i = 0; i < rows; ++i) a[i] = load(block + i * lb);
@@ -103,17 +114,18 @@ struct BlockSum {
                 take([](const T* p) { return ork::load<Vec<T>::lanes>(p); });
             if (c != 0) take([c](const T* p) { return load_few(p, c); });
         };
-        each_block(r * lb, add, [&](T* to) {
+        each_block(
+            r * lb, add, [&](T * to) __attribute__((always_inline)) {
 #pragma GCC unroll 4
-            for (int n = 0; n < vectors; ++n)
+                for (int n = 0; n < vectors; ++n)
 #pragma GCC unroll 4
-                for (int i = 0; i < rows; ++i) {
-                    T& element = to[r + i + (vector + n) * task.ldy];
-                    const T scaled = alpha * lane_sum(sum[n][i].value(conjugate, false));
-                    element = beta == T{} ? scaled : beta * element + scaled;
-                    sum[n][i] = {};
-                }
-        });
+                    for (int i = 0; i < rows; ++i) {
+                        T& element = to[r + i + (vector + n) * task.ldy];
+                        const T scaled = alpha * lane_sum(sum[n][i].value(conjugate, false));
+                        element = beta == T{} ? scaled : beta * element + scaled;
+                        sum[n][i] = {};
+                    }
+            });
     }
 
     // Dense matrices by rows: registers along the vectors, from `vector`; the blocks in either layout.
@@ -121,11 +133,12 @@ struct BlockSum {
     void panel_of_vectors(std::int64_t r, std::int64_t vector) const
     {
         constexpr int lanes = std::min(vectors, Vec<T>::lanes), registers = vectors / lanes;
-        const std::int64_t lb = task.lb, down = by_rows ? lb : 1, right = by_rows ? 1 : lb;
+        const std::int64_t lb = task.lb, ldx = task.ldx, down = by_rows ? lb : 1, right = by_rows ? 1 : lb;
         Sum<T> sum[rows][registers];
-        const auto add = [&](const T* block, const T* xj) {
+        const auto add = [&](const T* block, const T* xj) __attribute__((always_inline))
+        {
             xj += vector;
-            for (std::int64_t c = 0; c < lb; ++c, block += right, xj += task.ldx) {
+            for (std::int64_t c = 0; c < lb; ++c, block += right, xj += ldx) {
                 Vec<T> b[registers];
 #pragma GCC unroll 4
                 for (int v = 0; v < registers; ++v) b[v] = load<lanes>(xj + v * lanes);
@@ -137,15 +150,16 @@ struct BlockSum {
                 }
             }
         };
-        each_block(r * down, add, [&](T* to) {
+        each_block(
+            r * down, add, [&](T * to) __attribute__((always_inline)) {
 #pragma GCC unroll 4
-            for (int i = 0; i < rows; ++i)
+                for (int i = 0; i < rows; ++i)
 #pragma GCC unroll 4
-                for (int v = 0; v < registers; ++v) {
-                    update<lanes>(to + (r + i) * task.ldy + vector + v * lanes, sum[i][v].value(false, conjugate));
-                    sum[i][v] = {};
-                }
-        });
+                    for (int v = 0; v < registers; ++v) {
+                        update<lanes>(to + (r + i) * task.ldy + vector + v * lanes, sum[i][v].value(false, conjugate));
+                        sum[i][v] = {};
+                    }
+            });
     }
 };
 

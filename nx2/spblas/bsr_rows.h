@@ -97,16 +97,18 @@ template <int lb, bool by_rows, class T>
     }
 }
 
-// Direct: what is solved already enters the row; mirrored: the row, solved, leaves the rows to come.
+// Rows first .. last of `rows`, in the order of the solve. Direct: what is solved already enters the row; mirrored: the
+// row, solved, leaves the rows to come.
 template <int lb, bool by_rows, class T>
-[[gnu::noinline]] void solve_rows(BlockRule rule, const BlockTask<T>& task, std::int64_t rows)
+[[gnu::noinline]] void solve_rows(BlockRule rule, const BlockTask<T>& task, std::int64_t first, std::int64_t last,
+                                  std::int64_t rows)
 {
     using E = Elements<lb, T>;
     const BlockTask<T> t = task;
     const bool direct = rule.direct, mirrored = rule.mirrored, forward = is_forward(rule);
     const Pairs pairs(rule.lower, by_rows, lb);
     const Factor<T> minus(T(-1));
-    for (std::int64_t s = 0; s < rows; ++s) {
+    for (std::int64_t s = first; s < last; ++s) {
         const std::int64_t i = forward ? s : rows - 1 - s, begin = t.first(i), end = t.last(i);
         const Columns columns = t.columns(i);
         const T* block = nullptr;
