@@ -25,8 +25,8 @@ struct Grid {
         for (const Int length : {7, 0, 1, 2, 3, 8, 9, 7}) {
             for (Int r = 0; r < 11; ++r, ++row) {
                 const bool odd_one = r == 6 && length > 0;
-                pntrb.push_back(static_cast<Int>(3 + val.size()));
-                for (Int k = 0; k < length - (odd_one && length % 2 != 0); ++k) {
+                pntrb.push_back(static_cast<Int>(3 + val.size() + (odd_one && length % 2 != 0))); // without its first
+                for (Int k = 0; k < length; ++k) {
                     indx.push_back(row + 2 * k + base - (odd_one && length % 2 == 0 && k == length - 1));
                     val.push_back(random.spread<T>());
                 }
