@@ -34,7 +34,16 @@ template <bool gathers, bool scatters, bool row_major, int count, class Int, cla
             own = G::each([&](int r) { return mirrored_alpha * own.v[r]; });
         }
         const std::int64_t begin = a.first(i), end = a.last(i);
-        fetch_row(a, begin, end);
+        if (p.far) fetch_row(a, begin, end);
+        if (p.far && row_major) { // as far as sorted rows of a grid reach, by their diagonal and by their last entry
+            fetch_at(c.row(i), 2048);
+            if (scatters) fetch_at(b.row(i), 2048);
+            if (begin < end) {
+                const std::int64_t distant = std::int64_t{a.indx[end - 1]} - base;
+                if (gathers) fetch_at(b.row(distant), 2048);
+                if (scatters) fetch_at(c.row(distant), 2048);
+            }
+        }
         for (std::int64_t k = begin; k < end; ++k) {
             const std::int64_t column = std::int64_t{a.indx[k]} - base;
             if (band.holds(column - i)) {
@@ -126,7 +135,9 @@ template <class Int, class T>
                                   const T* alpha, const T* val, const Int* indx, const Int* pntrb, const Int* pntre,
                                   const T* b, const Int* ldb, T* c, const Int* ldc, const T* beta)
 {
-    CsrProduct<Int, T> p{{val, indx, pntrb, pntre}, b, *ldb, c, *ldc, *alpha, *beta, {}, form.base, {}, {}, {}, {}, {}};
+    CsrProduct<Int, T> p{
+        {val, indx, pntrb, pntre}, b, *ldb, c, *ldc, *alpha, *beta, {}, form.base, {}, {}, {}, {}, {}, {}};
+    p.far = *m > 0 && is_far(p.a, {0, *m});
     if (form.negate) p.alpha = Real<T>(-1) * p.alpha;
     p.mirrored_alpha = form.type == 'a' ? Real<T>(-1) * p.alpha : p.alpha;
     p.conjugate = form.conjugate;

@@ -7,7 +7,7 @@
 // registers of their own.
 #pragma once
 
-#include "spblas/csr.h"
+#include "spblas/csr_fetch.h"
 #include "spblas/panel.h"
 
 namespace ork::spblas {
@@ -35,6 +35,7 @@ struct CsrProduct {
     int base;
     bool conjugate, mirrored_conjugate;
     Band band;
+    bool far;      // A comes from memory
     bool unit;     // a diagonal of ones is added
     bool diagonal; // symmetric and Hermitian: the stored one counts
 };
@@ -42,26 +43,6 @@ struct CsrProduct {
 // How many right-hand sides of column-major operands go together.
 template <class T>
 inline constexpr int column_group = widest<T> < 8 ? widest<T> : 8;
-
-template <class T>
-inline constexpr int line = 64 / static_cast<int>(sizeof(T)); // elements of a cache line
-
-// What lies `bytes` behind p. Like fetch always in line.
-template <class T>
-[[gnu::always_inline]] inline void fetch_at(const T* p, std::int64_t bytes)
-{
-    _mm_prefetch(
-        reinterpret_cast<const char*>(reinterpret_cast<std::uintptr_t>(p) + static_cast<std::uintptr_t>(bytes)),
-        _MM_HINT_T0);
-}
-
-// What lies ahead of the entries k .. end of a row.
-template <class Int, class T>
-[[gnu::always_inline]] inline void fetch_row(const Csr<Int, T>& a, std::int64_t k, std::int64_t end)
-{
-    constexpr std::int64_t step = line<T> < line<Int> ? line<T> : line<Int>;
-    for (; k < end; k += step) fetch_entries(a, k);
-}
 
 // c = alpha s + beta c.
 template <bool row_major, class G, class T>
@@ -108,7 +89,7 @@ template <int count, class Int, class T>
         const std::int64_t begin = a.first(i), length = a.last(i) - begin, pitch = a.first(i + 1) - begin;
         const T* val = a.val + begin;
         const Int* indx = a.indx + begin;
-        fetch_row(a, begin, begin + lanes * length);
+        if (p.far) fetch_row(a, begin, begin + lanes * length);
         const auto add = [&](PanelRows<count, T>& sum, std::int64_t k) {
             add_product(sum, Spread<T>(load_apart<lanes>(val + k, pitch), signs), b, indx[k]);
         };
@@ -117,7 +98,7 @@ template <int count, class Int, class T>
         for (std::int64_t k = 1; k < length; k += 2) add(odd, k);
         even = even + odd;
         if (length % 2 != 0) add(even, length - 1);
-        if (i % line<T> < lanes && length > 0)
+        if (p.far && i % line<T> < lanes && length > 0)
 #pragma GCC unroll 8
             for (int q = 0; q < count; ++q) fetch_at(b.row(indx[length - 1]) + q * b.ld, 256);
         put(c, i, Factor<T>(p.alpha), even, p.beta == T{}, Factor<T>(p.beta));
@@ -137,7 +118,7 @@ template <bool row_major, int count, class Int, class T>
     const Csr<Int, T> a = p.a;
     const Signs<T> signs(p.conjugate);
     const Factor<T> alpha(p.alpha), beta(p.beta);
-    const bool clear = p.beta == T{};
+    const bool clear = p.beta == T{}, far = p.far;
     const auto add = [&](G& sum, std::int64_t k) { add_product(sum, Spread<T>(a.val + k, signs), b, a.indx[k]); };
     for (std::int64_t i = first; i < last; ++i) {
         if constexpr (!row_major && lanes > 1 && count >= 4) {
@@ -146,9 +127,11 @@ template <bool row_major, int count, class Int, class T>
         }
         std::int64_t k = a.first(i);
         const std::int64_t end = a.last(i);
-        fetch_row(a, k, end);
-        if constexpr (row_major) // of sorted rows of a grid, the row of B that no row has asked for yet
-            if (k < end) fetch_at(b.row(a.indx[end - 1]), 2048);
+        if (far) {
+            fetch_row(a, k, end);
+            if constexpr (row_major) // of sorted rows of a grid, the row of B that no row has asked for yet
+                if (k < end) fetch_at(b.row(a.indx[end - 1]), 2048);
+        }
         G even{}, odd{};
         for (; k + 1 < end; k += 2) {
             add(even, k);

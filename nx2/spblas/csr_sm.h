@@ -7,7 +7,7 @@
 #pragma once
 
 #include "blas/divide.h"
-#include "spblas/csr.h"
+#include "spblas/csr_fetch.h"
 #include "spblas/form.h"
 #include "spblas/panel.h"
 
@@ -48,6 +48,7 @@ struct CsrSolve {
     std::int64_t ldc;
     std::int64_t m;
     Form form;
+    bool far; // A comes from memory
 
     // Positions of a row in the order of the walk.
     struct Walk {
@@ -59,7 +60,16 @@ struct CsrSolve {
         return {a.last(i) - 1, a.first(i) - 1, -1};
     }
     // The row that is solved t-th.
-    std::int64_t row(std::int64_t t) const { return form.lower != form.transpose ? t : m - 1 - t; }
+    bool ascends() const { return form.lower != form.transpose; }
+    std::int64_t row(std::int64_t t) const { return ascends() ? t : m - 1 - t; }
+    // Ahead in that order: of the entries of row i, and of row r of the panel.
+    template <bool row_major>
+    [[gnu::always_inline]] void fetch(std::int64_t i, Panel<row_major, T> panel, std::int64_t r) const
+    {
+        if (!far) return;
+        fetch_row(a, a.first(i), a.last(i), ascends() ? far_ahead : -far_ahead);
+        if constexpr (row_major) fetch_at(panel.row(r), ascends() ? 2048 : -2048);
+    }
     // Turns "right of" into "left of".
     std::int64_t mirror() const { return form.lower ? 0 : -1; }
     T diagonal(std::int64_t k) const
@@ -90,6 +100,7 @@ template <bool row_major, int count, class Int, class T>
     for (std::int64_t t = first; t < last; ++t) {
         const std::int64_t i = s.row(t);
         auto [k, end, step] = s.walk(i);
+        s.fetch(i, c, i);
         G sum{};
         for (; k != end; k += step) {
             const std::int64_t column = std::int64_t{s.a.indx[k]} - base;
@@ -116,6 +127,7 @@ template <bool row_major, int count, class Int, class T>
         const auto [begin, end, step] = s.walk(i);
         const auto column = [&](std::int64_t k) { return std::int64_t{s.a.indx[k]} - base; };
         std::int64_t k = begin;
+        s.fetch(i, c, begin != end ? column(begin) : i);
         if (s.form.type == 'd') {
             while (k != end && column(k) != i) k += step;
             if (k != end) divided(G::load(c, i), s.diagonal(k)).store(c, i);
@@ -147,7 +159,9 @@ template <class Int, class T>
 [[gnu::noipa]] void csr_smout_par(const Int* first, const Int* last, const Int* m, Form form, const T* val,
                                   const Int* indx, const Int* pntrb, const Int* pntre, T* c, const Int* ldc)
 {
-    const CsrSolve<Int, T> s{{val, indx, pntrb, pntre}, c, *ldc, *m, form};
+    if (*m <= 0) return;
+    const Csr<Int, T> a{val, indx, pntrb, pntre};
+    const CsrSolve<Int, T> s{a, c, *ldc, *m, form, is_far(a, {0, *m})};
     if (form.row_major)
         solve<true>(s, std::int64_t{*first} - 1, *last);
     else
