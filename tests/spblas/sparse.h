@@ -104,8 +104,10 @@ Sparse<T> random_sparse(const Structure& a, Random& random)
                     value = not_a_number<T>();
                 else if (i != j)
                     value *= beside;
-                else if (a.solve)
+                else if (a.solve && (!is_complex<T> || random.integer(0, 1) == 0))
                     value += scalar<T>(std::real(value) < 0 ? -1 : 1, 0);
+                else if (a.solve) // dividing, the larger part decides
+                    value += scalar<T>(0, std::imag(value) < 0 ? -1 : 1);
                 block.value.push_back(value);
             }
         matrix.blocks.push_back(std::move(block));
