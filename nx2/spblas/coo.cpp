@@ -55,7 +55,7 @@ using Call = Calls<Format::coo, Int, T>;
                                          const Int* ldc)
 {
     const Terms terms(letters);
-    coo_solve<Int, T>(terms, *m, {val, rowind, colind, *nnz}, {terms.row_major(), nullptr, 0, c, *ldc, *first, *last});
+    coo_solve<Int, T>(terms, *m, {val, rowind, colind, *nnz}, {terms.row_major(), c, *ldc, c, *ldc, *first, *last});
 }
 
 #define MEMBER(symbol, name)                                                                                           \

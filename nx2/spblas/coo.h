@@ -93,7 +93,7 @@ template <class Int, class T>
     alpha = terms.signed_alpha(alpha);
     if (terms.unit() && (a.nnz <= 0 || (first == 0 && last > 0)))
         add_identity(false, 0, size, alpha, Operands<T>(x, y));
-    const Operands<T> o(x - terms.base(), y - terms.base());
+    const Operands<T> o(moved(x, -terms.base()), moved(y, -terms.base()));
     const auto add = [&](auto kernel) { kernel(terms, first, last, alpha, a, o); };
     if (!terms.filtered())
         add(terms.direct() ? coo_add_vector<true, false, false, Int, T> : coo_add_vector<false, true, false, Int, T>);
@@ -110,7 +110,7 @@ template <class Int, class T>
     scale_rows(terms.row_major(), 0, size, beta, o);
     alpha = terms.signed_alpha(alpha);
     if (terms.unit()) add_identity(terms.row_major(), 0, size, alpha, o);
-    o.b -= terms.base() * o.b_row, o.c -= terms.base() * o.c_row;
+    o.b = moved(o.b, -terms.base() * o.b_row), o.c = moved(o.c, -terms.base() * o.c_row);
     for_groups(terms.row_major(), o,
                [&]<class Group>(Group, const Operands<T>& part) { coo_add_group<Group>(terms, alpha, a, part); });
 }

@@ -18,7 +18,7 @@ template <class Group, class Int, class T>
     const bool off_diagonal = direct || terms.mirrored();
     const bool forward = terms.forward() || !off_diagonal;
     const Index step = forward ? 1 : -1, end = forward ? a.nnz : -1;
-    T* const first = o.c - terms.base() * o.c_row;
+    T* const first = moved(o.c, -terms.base() * o.c_row);
     const auto c = [&](Index i) { return first + Group::at(i, o.c_row); };
     const Ahead ahead(forward, a.bytes(0, a.nnz));
 
@@ -69,7 +69,7 @@ template <class Int, class T>
         terms.lower()    ? terms.direct() ? coo_solve_vector<true, true, Int, T> : coo_solve_vector<true, false, Int, T>
            : terms.direct() ? coo_solve_vector<false, true, Int, T>
                          : coo_solve_vector<false, false, Int, T>;
-    solve(terms, size, a, {nullptr, y});
+    solve(terms, size, a, {y, y});
 }
 
 template <class Int, class T>

@@ -33,7 +33,7 @@ struct Stroke {
     Index distance() const { return offset < 0 ? -offset : offset; }
 };
 
-inline constexpr int strokes_at_once = 4;
+inline constexpr int strokes_at_once = 8, strokes_down_columns = 4;
 
 // Diagonal k over `rows` of the m x n matrix, or mirrored, cut to rows `block` of C. Empty where the member does not
 // use it; the main diagonal is never mirrored where a triangle counts.
@@ -50,7 +50,9 @@ inline Stroke<T> stroke(Terms terms, bool mirror, const Dia<Int, T>& a, Index k,
     if (!counts || d >= n || d <= -m) return {val, 0, {0, 0}};
     const Index first = std::max({rows.first, -d, Index{0}}), last = std::min({rows.last, n - d, m});
     const Index shift = mirror ? d : 0;
-    return {val - shift, mirror ? -d : d, {std::max(first + shift, block.first), std::min(last + shift, block.last)}};
+    return {moved(val, -shift),
+            mirror ? -d : d,
+            {std::max(first + shift, block.first), std::min(last + shift, block.last)}};
 }
 
 template <class T>
@@ -72,7 +74,7 @@ template <int count, class T>
 #pragma GCC unroll 4
     for (int q = 0; q < count; ++q) {
         val[q] = strokes[q].val + rows.first;
-        x[q] = b + rows.first + strokes[q].offset;
+        x[q] = b + (rows.first + strokes[q].offset);
     }
     T* y = c + rows.first;
     for_strips<T>(
@@ -100,7 +102,9 @@ template <class Group, class T>
         for (int q = 0; q < count; ++q) {
             const T* val = strokes[q].val + i;
             task.ahead.fetch(val);
-            sum.add(task.conjugated(*val), Group::load(o.b + (i + strokes[q].offset) * o.b_row, o.b_side));
+            const T* b = o.b + (i + strokes[q].offset) * o.b_row;
+            task.ahead.fetch(b);
+            sum.add(task.conjugated(*val), Group::load(b, o.b_side));
         }
         T* c = o.c + i * o.c_row;
         Group total = Group::load(c, o.c_side);
@@ -133,7 +137,7 @@ public:
     {
         if (stroke.rows.last <= stroke.rows.first) return;
         strokes_[count_++] = stroke;
-        if (count_ == strokes_at_once) finish();
+        if (count_ == (task_.row_major ? strokes_at_once : strokes_down_columns)) finish();
     }
     void finish()
     {

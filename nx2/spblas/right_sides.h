@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "blas/divide.h"
 #include "spblas/scale.h"
@@ -10,6 +11,14 @@
 namespace ork::spblas {
 
 using Index = std::ptrdiff_t; // positions and strides, whatever integer the caller counts with
+
+// p + by where that may lie outside the array, as positions do that count from 1.
+template <class T>
+inline T* moved(T* p, Index by)
+{
+    return reinterpret_cast<T*>(reinterpret_cast<std::uintptr_t>(p) +
+                                static_cast<std::uintptr_t>(by) * sizeof(T)); // modulo 2^64
+}
 
 // val or its conjugate.
 template <class T>
@@ -39,10 +48,17 @@ struct Operands {
         : b_row(row_major ? ldb : 1), b_side(row_major ? 1 : ldb), c_row(row_major ? ldc : 1),
           c_side(row_major ? 1 : ldc), sides(last < first ? 0 : last - first + 1)
     {
-        this->b = b + (first - 1) * b_side;
-        this->c = c + (first - 1) * c_side;
+        this->b = moved(b, (first - 1) * b_side);
+        this->c = moved(c, (first - 1) * c_side);
     }
 };
+
+// By value, so that what is divided can stay in registers where it is multiplied instead.
+template <class T>
+[[gnu::noinline, gnu::cold]] T divided_apart(T x, T d)
+{
+    return divided(x, d);
+}
 
 // x / d, by multiplying with the inverse of d where that has one: the next row of a solve waits for the result, but not
 // for the inverse.
@@ -50,7 +66,7 @@ template <class T>
 inline T quotient(T x, T d)
 {
     T inverse;
-    return invert(d, inverse) ? inverse * x : divided(x, d);
+    return invert(d, inverse) ? inverse * x : divided_apart(x, d);
 }
 
 template <class T, int count>
@@ -83,8 +99,10 @@ struct ColumnGroup {
     }
     void divide(T d)
     {
+        T inverse;
+        const bool multiplies = invert(d, inverse);
 #pragma GCC unroll 4
-        for (int j = 0; j < count; ++j) v[j] = quotient(v[j], d);
+        for (int j = 0; j < count; ++j) v[j] = multiplies ? inverse * v[j] : divided_apart(v[j], d);
     }
 };
 
@@ -149,6 +167,7 @@ inline void for_lanes(Operands<T> o, F f)
 {
     constexpr int lanes = Vec<T>::lanes;
     while_groups<LaneGroup<T, 4, lanes>>(o, f);
+    while_groups<LaneGroup<T, 2, lanes>>(o, f);
     while_groups<LaneGroup<T, 1, lanes>>(o, f);
     if constexpr (lanes > 1) while_groups<LaneGroup<T, 1, 1>>(o, f);
 }
@@ -175,20 +194,6 @@ inline void scale_rows(bool row_major, Index first, Index last, T beta, const Op
         for (Index i = first; i < last; ++i) scale(o.sides, beta, o.c + i * o.c_row);
     else
         for (Index j = 0; j < o.sides; ++j) scale(last - first, beta, o.c + j * o.c_side + first);
-}
-
-// The ones of a unit diagonal: rows first .. last of C += alpha B.
-template <class T>
-[[gnu::noinline]] void add_identity(bool row_major, Index first, Index last, T alpha, Operands<T> o)
-{
-    for_groups(row_major, o, [&]<class Group>(Group, const Operands<T>& part) {
-        for (Index i = first; i < last; ++i) {
-            T* c = part.c + Group::at(i, part.c_row);
-            Group sum = Group::load(c, part.c_side);
-            sum.add(alpha, Group::load(part.b + Group::at(i, part.b_row), part.b_side));
-            sum.store(c, part.c_side);
-        }
-    });
 }
 
 } // namespace ork::spblas

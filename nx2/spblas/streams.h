@@ -151,6 +151,18 @@ inline void axpy(T t, const T* val, T* y, Index n, Conjugation<T> conjugated, Ah
         });
 }
 
+// The ones of a unit diagonal: rows first .. last (exclusive) of C += alpha B.
+template <class T>
+[[gnu::noinline]] void add_identity(bool row_major, Index first, Index last, T alpha, const Operands<T>& o)
+{
+    const Index lines = row_major ? last - first : o.sides, length = row_major ? o.sides : last - first;
+    const T* b = o.b + first * o.b_row;
+    T* c = o.c + first * o.c_row;
+    for (Index line = 0; line < lines; ++line)
+        axpy(alpha, b + line * (row_major ? o.b_row : o.b_side), c + line * (row_major ? o.c_row : o.c_side), length,
+             Conjugation<T>(false), Ahead(true, 0));
+}
+
 // Both in one pass over val.
 template <class T>
 inline T dot_axpy(T t, const T* val, const T* x, T* y, Index n, Conjugation<T> in_dot, Conjugation<T> in_axpy,
