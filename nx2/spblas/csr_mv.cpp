@@ -53,7 +53,7 @@ constexpr auto solve_body()
                            const Int* indx, const Int* pntrb, const Int* pntre, const T* x, T* y, const T* beta)       \
     {                                                                                                                  \
         constexpr Rule r = rule<T>(letters(name));                                                                     \
-        product_body<r>()(first, last, options(r), m, alpha, val, indx, pntrb, pntre, x, y, beta);                     \
+        product_body<r>()(first, last, form(r), m, alpha, val, indx, pntrb, pntre, x, y, beta);                        \
     }                                                                                                                  \
     static_assert(std::is_same_v<decltype(symbol), Call::MvoutPar>);
 #include "spblas/members/csr_mvout_par.inc"
@@ -64,7 +64,7 @@ constexpr auto solve_body()
                            const Int* pntre, const T* x, T* y, const T* beta)                                          \
     {                                                                                                                  \
         constexpr Rule r = rule<T>(letters(name));                                                                     \
-        whole_product_body<r>()(m, options(r), alpha, val, indx, pntrb, pntre, x, y, beta);                            \
+        whole_product_body<r>()(m, form(r), alpha, val, indx, pntrb, pntre, x, y, beta);                               \
     }                                                                                                                  \
     static_assert(std::is_same_v<decltype(symbol), Call::MvoutSeq>);
 #include "spblas/members/csr_mvout_seq.inc"
@@ -85,7 +85,7 @@ constexpr auto solve_body()
                            const Int* pntre, T* y)                                                                     \
     {                                                                                                                  \
         constexpr Rule r = rule<T>(letters(name));                                                                     \
-        solve_body<r>()(m, options(r), val, indx, pntrb, pntre, y);                                                    \
+        solve_body<r>()(m, form(r), val, indx, pntrb, pntre, y);                                                       \
     }                                                                                                                  \
     static_assert(std::is_same_v<decltype(symbol), Call::SvoutSeq>);
 #include "spblas/members/csr_svout_seq.inc"

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 // y = alpha A x + beta y and y = alpha A^T x + beta y for a general matrix in compressed rows.
 //
-// Bodies take the arguments of the exports as they stand, so that an export is a jump.
+// Bodies take the arguments of the exports as they stand, so that an export is a jump: noipa, as GCC would otherwise
+// pass values for addresses.
 #pragma once
 
+#include "spblas/form.h"
 #include "spblas/row_dot.h"
 #include "spblas/scale.h"
 
@@ -71,9 +73,9 @@ template <int base, bool far, bool beta_is_zero, class Int, class T>
 
 // Writes y of the rows and nothing else, so threads may share y.
 template <Rule r, class Int, class T>
-[[gnu::noinline]] void general_product(const Int* first, const Int* last, Options, const Int*, const T* alpha,
-                                       const T* val, const Int* indx, const Int* pntrb, const Int* pntre, const T* x,
-                                       T* y, const T* beta)
+[[gnu::noipa]] void general_product(const Int* first, const Int* last, Form, const Int*, const T* alpha, const T* val,
+                                    const Int* indx, const Int* pntrb, const Int* pntre, const T* x, T* y,
+                                    const T* beta)
 {
     const Rows rows{std::int64_t{*first} - 1, *last};
     if (rows.last <= rows.first) return;
@@ -116,9 +118,9 @@ void scatter_rows(Rows rows, T alpha, Csr<Int, T> a, const T* x, T* y, std::int6
 
 // Scales the whole of y, m elements, in every call; then row by row into all of y.
 template <Rule r, class Int, class T>
-[[gnu::noinline]] void general_transposed(const Int* first, const Int* last, Options options, const Int* m,
-                                          const T* alpha, const T* val, const Int* indx, const Int* pntrb,
-                                          const Int* pntre, const T* x, T* y, const T* beta)
+[[gnu::noipa]] void general_transposed(const Int* first, const Int* last, Form form, const Int* m, const T* alpha,
+                                       const T* val, const Int* indx, const Int* pntrb, const Int* pntre, const T* x,
+                                       T* y, const T* beta)
 {
     scale(*m, *beta, y);
     const Rows rows{std::int64_t{*first} - 1, *last};
@@ -127,11 +129,11 @@ template <Rule r, class Int, class T>
     const double entries = static_cast<double>(a.last(rows.last - 1) - a.first(rows.first));
     const double mean = entries / static_cast<double>(rows.last - rows.first);
     if (mean >= 30)
-        scatter_rows<4, r.conjugate>(rows, *alpha, a, x, y, options.base);
+        scatter_rows<4, r.conjugate>(rows, *alpha, a, x, y, form.base);
     else if (mean >= 6)
-        scatter_rows<2, r.conjugate>(rows, *alpha, a, x, y, options.base);
+        scatter_rows<2, r.conjugate>(rows, *alpha, a, x, y, form.base);
     else
-        scatter_rows<1, r.conjugate>(rows, *alpha, a, x, y, options.base);
+        scatter_rows<1, r.conjugate>(rows, *alpha, a, x, y, form.base);
 }
 
 // y = A x of the three-array form, 1-based. Groups of four products, ((p0 + p1) + p2) + p3, are added to the sum one

@@ -2,6 +2,7 @@
 // y = alpha A x + beta y for a symmetric, Hermitian or skew matrix of which one triangle is read.
 #pragma once
 
+#include "spblas/form.h"
 #include "spblas/row_dot.h"
 #include "spblas/scale.h"
 
@@ -35,30 +36,30 @@ template <Rule r, bool far, class Int, class T>
 
 // Scales the whole of y, m elements, in every call.
 template <Rule r, class Int, class T>
-[[gnu::noinline]] void symmetric_product(const Int* first, const Int* last, Options options, const Int* m,
-                                         const T* alpha, const T* val, const Int* indx, const Int* pntrb,
-                                         const Int* pntre, const T* x, T* y, const T* beta)
+[[gnu::noipa]] void symmetric_product(const Int* first, const Int* last, Form form, const Int* m, const T* alpha,
+                                      const T* val, const Int* indx, const Int* pntrb, const Int* pntre, const T* x,
+                                      T* y, const T* beta)
 {
     scale(*m, *beta, y);
     const Csr<Int, T> a{val, indx, pntrb, pntre};
-    const T factor = options.negate ? Real<T>(-1) * *alpha : *alpha;
+    const T factor = form.negate ? Real<T>(-1) * *alpha : *alpha;
     const Rows rows{std::int64_t{*first} - 1, *last};
     if (is_complex<T> || is_far(a, rows))
-        symmetric_rows<r, true>(rows, factor, a, x, y, options.base);
+        symmetric_rows<r, true>(rows, factor, a, x, y, form.base);
     else
-        symmetric_rows<r, is_complex<T>>(rows, factor, a, x, y, options.base);
+        symmetric_rows<r, is_complex<T>>(rows, factor, a, x, y, form.base);
 }
 
 // The same with a diagonal of ones, whatever is stored: the product with the whole row comes first, as in the general
 // kernel, and what doesn't belong to the triangle is then taken off again. So a NaN stored there spoils the row.
 template <Rule r, class Int, class T>
-[[gnu::noinline]] void unit_symmetric_product(const Int* first, const Int* last, Options options, const Int* m,
-                                              const T* alpha, const T* val, const Int* indx, const Int* pntrb,
-                                              const Int* pntre, const T* x, T* y, const T* beta)
+[[gnu::noipa]] void unit_symmetric_product(const Int* first, const Int* last, Form form, const Int* m, const T* alpha,
+                                           const T* val, const Int* indx, const Int* pntrb, const Int* pntre,
+                                           const T* x, T* y, const T* beta)
 {
     scale(*m, *beta, y);
     const Csr<Int, T> a{val, indx, pntrb, pntre};
-    const std::int64_t base = options.base;
+    const std::int64_t base = form.base;
     const T* const xb = counted_from(base, x);
     T* const yb = counted_from(base, y);
     const Rows rows{std::int64_t{*first} - 1, *last};

@@ -5,6 +5,7 @@
 
 #include "spblas/csr.h"
 #include "spblas/csr_mv.h"
+#include "spblas/form.h"
 #include "spblas/rule.h"
 #include "spblas/scale.h"
 
@@ -12,12 +13,12 @@ namespace ork::spblas {
 
 // Writes y of the rows and nothing else.
 template <Rule r, class Int, class T>
-[[gnu::noinline]] void triangular_product(const Int* first, const Int* last, Options options, const Int*,
-                                          const T* alpha, const T* val, const Int* indx, const Int* pntrb,
-                                          const Int* pntre, const T* x, T* y, const T* beta)
+[[gnu::noipa]] void triangular_product(const Int* first, const Int* last, Form form, const Int*, const T* alpha,
+                                       const T* val, const Int* indx, const Int* pntrb, const Int* pntre, const T* x,
+                                       T* y, const T* beta)
 {
     const Csr<Int, T> a{val, indx, pntrb, pntre};
-    const std::int64_t base = options.base;
+    const std::int64_t base = form.base;
     const Rows rows{std::int64_t{*first} - 1, *last};
     const bool far = is_far(a, rows);
     for (std::int64_t i = rows.first; i < rows.last; ++i) {
@@ -32,13 +33,12 @@ template <Rule r, class Int, class T>
 }
 
 template <Rule r, class Int, class T>
-[[gnu::noinline]] void triangular_transposed(const Int* size, Options options, const T* alpha, const T* val,
-                                             const Int* indx, const Int* pntrb, const Int* pntre, const T* x, T* y,
-                                             const T* beta)
+[[gnu::noipa]] void triangular_transposed(const Int* size, Form form, const T* alpha, const T* val, const Int* indx,
+                                          const Int* pntrb, const Int* pntre, const T* x, T* y, const T* beta)
 {
     scale(*size, *beta, y);
     const Csr<Int, T> a{val, indx, pntrb, pntre};
-    const std::int64_t base = options.base, m = *size;
+    const std::int64_t base = form.base, m = *size;
     const bool far = is_far(a, Rows{0, m});
     for (std::int64_t i = 0; i < m; ++i) {
         const T t = *alpha * x[i];
@@ -53,11 +53,11 @@ template <Rule r, class Int, class T>
 
 // Only entries on the diagonal count.
 template <Rule r, class Int, class T>
-[[gnu::noinline]] void diagonal_product(const Int* size, Options options, const T* alpha, const T* val, const Int* indx,
-                                        const Int* pntrb, const Int* pntre, const T* x, T* y, const T* beta)
+[[gnu::noipa]] void diagonal_product(const Int* size, Form form, const T* alpha, const T* val, const Int* indx,
+                                     const Int* pntrb, const Int* pntre, const T* x, T* y, const T* beta)
 {
     const Csr<Int, T> a{val, indx, pntrb, pntre};
-    const std::int64_t base = options.base, m = *size;
+    const std::int64_t base = form.base, m = *size;
     for (std::int64_t i = 0; i < m; ++i) {
         T d = r.unit ? T(1) : T{};
         if constexpr (!r.unit)

@@ -7,6 +7,7 @@
 
 #include "blas/divide.h"
 #include "spblas/csr.h"
+#include "spblas/form.h"
 #include "spblas/rule.h"
 
 namespace ork::spblas {
@@ -38,11 +39,11 @@ struct Walk {
 // By rows: a lower triangle from the first row on, an upper one from the last row up. The result of the row before
 // stays in a register: from memory it would come five cycles later, and every row waits for it.
 template <Rule r, class Int, class T>
-[[gnu::noinline]] void triangular_solve(const Int* size, Options options, const T* val, const Int* indx,
-                                        const Int* pntrb, const Int* pntre, T* y)
+[[gnu::noipa]] void triangular_solve(const Int* size, Form form, const T* val, const Int* indx, const Int* pntrb,
+                                     const Int* pntre, T* y)
 {
     const Csr<Int, T> a{val, indx, pntrb, pntre};
-    const std::int64_t base = options.base, m = *size;
+    const std::int64_t base = form.base, m = *size;
     const T* const yb = counted_from(base, y);
     T before{};
     for (std::int64_t solved = 0; solved < m; ++solved) {
@@ -64,11 +65,11 @@ template <Rule r, class Int, class T>
 
 // By columns of the transposed triangle, which are the rows of A: in the opposite direction.
 template <Rule r, class Int, class T>
-[[gnu::noinline]] void transposed_solve(const Int* size, Options options, const T* val, const Int* indx,
-                                        const Int* pntrb, const Int* pntre, T* y)
+[[gnu::noipa]] void transposed_solve(const Int* size, Form form, const T* val, const Int* indx, const Int* pntrb,
+                                     const Int* pntre, T* y)
 {
     const Csr<Int, T> a{val, indx, pntrb, pntre};
-    const std::int64_t base = options.base, m = *size;
+    const std::int64_t base = form.base, m = *size;
     T* const yb = counted_from(base, y);
     for (std::int64_t solved = 0; solved < m; ++solved) {
         const std::int64_t i = r.lower ? m - 1 - solved : solved;
@@ -86,11 +87,11 @@ template <Rule r, class Int, class T>
 
 // The first entry of each row that stands on the diagonal.
 template <Rule r, class Int, class T>
-[[gnu::noinline]] void diagonal_solve(const Int* size, Options options, const T* val, const Int* indx, const Int* pntrb,
-                                      const Int* pntre, T* y)
+[[gnu::noipa]] void diagonal_solve(const Int* size, Form form, const T* val, const Int* indx, const Int* pntrb,
+                                   const Int* pntre, T* y)
 {
     const Csr<Int, T> a{val, indx, pntrb, pntre};
-    const std::int64_t base = options.base, m = *size;
+    const std::int64_t base = form.base, m = *size;
     for (std::int64_t i = 0; i < m; ++i) {
         std::int64_t k = a.first(i);
         while (indx[k] - base != i) ++k;

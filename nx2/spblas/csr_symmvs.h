@@ -16,7 +16,7 @@ inline void symmetric_product_of_three_arrays(char uplo, const Int* m, const T* 
                                   : symmetric_product<upper.with_run_time_base(), Int, T>;
     const Int first = 1;
     const T one = 1, zero = 0;
-    product(&first, m, options(lower), m, &one, val, indx, ia, ia + 1, x, y, &zero);
+    product(&first, m, form(lower), m, &one, val, indx, ia, ia + 1, x, y, &zero);
 }
 
 } // namespace ork::spblas

@@ -16,14 +16,14 @@ struct Form {
 };
 static_assert(sizeof(Form) == sizeof(void*));
 
+constexpr Form form(Rule r)
+{
+    return {static_cast<std::int8_t>(r.base), r.type, r.lower, r.unit, r.transpose, r.conjugate, r.negate, r.row_major};
+}
 template <class T>
 constexpr Form form(const char* member)
 {
-    constexpr auto pack = [](Rule r) {
-        return Form{
-            static_cast<std::int8_t>(r.base), r.type, r.lower, r.unit, r.transpose, r.conjugate, r.negate, r.row_major};
-    };
-    return pack(rule<T>(letters(member)));
+    return form(rule<T>(letters(member)));
 }
 
 } // namespace ork::spblas

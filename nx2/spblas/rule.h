@@ -18,7 +18,7 @@ struct Rule {
     bool negate;    // alpha
     bool row_major;
 
-    // The rule of a body that learns base and sign from its Options and has no dense matrices.
+    // The rule of a body that learns base and sign while it runs and has no dense matrices.
     constexpr Rule with_run_time_base() const
     {
         Rule r = *this;
@@ -26,16 +26,6 @@ struct Rule {
         return r;
     }
 };
-
-// What members that share a body differ by. It travels in the register of the argument that no kernel reads, so that an
-// export is a jump.
-struct Options {
-    std::int32_t base;
-    std::int32_t negate; // alpha
-};
-static_assert(sizeof(Options) == 8);
-
-constexpr Options options(Rule r) { return {r.base, r.negate}; }
 
 template <class T>
 constexpr Rule rule(Shape s)
