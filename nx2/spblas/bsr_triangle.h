@@ -55,29 +55,31 @@ template <int order, class T>
         });
 }
 
-// x / d by way of 1 / d, which does not wait for x; not where that leaves the range.
-template <class T>
-inline T quotient(T x, T d, T inverse)
-{
-    return inverse - inverse == T{} ? x * inverse : x / d;
-}
-
 template <int order, bool ascending, class T>
 [[gnu::always_inline]] inline void solve_in_order(BlockRule rule, Pairs pairs, int lb, const T* block, T* y)
 {
     const bool off_diagonal = rule.direct || rule.mirrored, conjugate = rule.conjugate_diagonal;
+    // 1 / d does not wait for what is to be divided. One decision for the whole diagonal.
     T inverse[order == 0 ? 1 : order]{};
-    if constexpr (order != 0)
-        if (!rule.unit)
+    bool invertible = order != 0 && !rule.unit;
+    if constexpr (order != 0) {
+        if (invertible)
+            each_row<order>(
+                lb, [&](int r) __attribute__((always_inline)) {
+                    const T d = block[r * (lb + 1)];
+                    invertible &= has_inverse(d < 0 ? -d : d);
+                });
+        if (invertible)
             each_row<order>(
                 lb, [&](int r) __attribute__((always_inline)) { inverse[r] = T(1) / block[r * (lb + 1)]; });
+    }
     each_row<order>(
         lb, [&](int s) __attribute__((always_inline)) {
             const int r = ascending ? s : lb - 1 - s;
             if (!rule.unit) {
                 const T pivot = entry(block[r * (lb + 1)], conjugate);
                 if constexpr (order != 0)
-                    y[r] = quotient(y[r], pivot, inverse[r]);
+                    y[r] = invertible ? y[r] * inverse[r] : y[r] / pivot;
                 else
                     y[r] = divided(y[r], pivot);
             }
