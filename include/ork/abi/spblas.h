@@ -82,7 +82,9 @@
 // mvout_par works on the slice first .. last of the matrix: rows (csr, bsr, dia, sky lower), columns (bsc, sky upper)
 // or entries (coo). `size` is the length of y, of dia two arguments: the rows and the columns of A. The kernels that
 // scatters() names scale the whole of y by beta (0: clear it) in every call, also when the slice is empty, and add into
-// all of it, so concurrent calls need a y each; with a size <= 0 they leave y unscaled. The others write y[first ..
+// all of it, so concurrent calls need a y each; with a size <= 0 they leave y unscaled. The ones of a unit diagonal
+// belong to the rows or columns of the slice, of coo to the slice with the first entry and to every slice of a matrix
+// without entries. The others write y[first ..
 // last] and nothing else, nothing at all when the slice is empty. mmout_par and smout_par work on the right-hand sides
 // first .. last; m and n are the rows and columns of A. Row r of right-hand side j is b[r * ldb + j] (c) or b[j * ldb +
 // r] (f). beta = 0 (in complex both parts) means that the output is not read. Kernels take no memory and check nothing.
