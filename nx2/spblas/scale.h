@@ -2,6 +2,7 @@
 // y = beta y before a kernel adds into y.
 #pragma once
 
+#include <cstdint>
 #include <cstring>
 
 #include "simd/complex.h"
@@ -9,8 +10,8 @@
 namespace ork::spblas {
 
 // beta = 0 clears without reading. Nothing happens for n <= 0.
-template <class Int, class T>
-[[gnu::noinline]] void scale(Int n, T beta, T* y)
+template <class T>
+[[gnu::noinline]] void scale(std::int64_t n, T beta, T* y)
 {
     if (n <= 0) return;
     if (beta == T{}) {
@@ -19,7 +20,7 @@ template <class Int, class T>
     }
     constexpr int lanes = Vec<T>::lanes;
     const Factor<T> factor(beta);
-    Int i = 0;
+    std::int64_t i = 0;
     for (; i + 4 * lanes <= n; i += 4 * lanes)
 #pragma GCC unroll 4
         for (int j = 0; j < 4; ++j) store<lanes>(y + i + j * lanes, factor * load<lanes>(y + i + j * lanes));
