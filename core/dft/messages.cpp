@@ -1,42 +1,19 @@
 // SPDX-License-Identifier: MIT
 // Texts of errors: of a status in general, of a descriptor's latest error, and of a creation that left no descriptor.
-#include <pthread.h>
-
-#include <atomic>
 #include <cstdarg>
 #include <cstdio>
-#include <cstdlib>
 
 #include "dft/descriptor.h"
 #include "export.h"
+#include "threads/thread_record.h"
 
 namespace ork::dft {
 namespace {
 
-// One text a thread under a pthread key, made at its first failed creation.
-constinit std::atomic<unsigned> key_plus_1 = 0;
+// Of failed creations.
+constinit threads::ThreadRecord<Message> messages;
 
-bool have_key()
-{
-    if (key_plus_1.load(std::memory_order_acquire) != 0) return true;
-    pthread_key_t key;
-    if (pthread_key_create(&key, std::free) != 0) return false;
-    unsigned none = 0;
-    if (!key_plus_1.compare_exchange_strong(none, key + 1, std::memory_order_acq_rel)) pthread_key_delete(key);
-    return true;
-}
-
-Message* message_of_thread()
-{
-    const unsigned key = key_plus_1.load(std::memory_order_acquire);
-    return key ? static_cast<Message*>(pthread_getspecific(key - 1)) : nullptr;
-}
-
-[[gnu::destructor]] void unload()
-{
-    std::free(message_of_thread());
-    if (const unsigned key = key_plus_1.exchange(0)) pthread_key_delete(key - 1);
-}
+[[gnu::destructor]] void unload() { messages.unload(); }
 
 void write(Message* message, std::int64_t status, const char* format, std::va_list values)
 {
@@ -51,7 +28,7 @@ constexpr Message of_no_descriptor = {ORK_DFT_BAD_DESCRIPTOR, "the descriptor wa
 const Message& message_of(const ork_dft_descriptor* handle)
 {
     if (handle != nullptr) return alive(handle) ? handle->message : of_no_descriptor;
-    const Message* message = message_of_thread();
+    const Message* message = messages.find();
     return message != nullptr ? *message : no_message;
 }
 
@@ -68,11 +45,7 @@ std::int64_t fail(ork_dft_descriptor* descriptor, std::int64_t status, const cha
 
 std::int64_t fail_without_descriptor(std::int64_t status, const char* format, ...)
 {
-    Message* message = message_of_thread();
-    if (message == nullptr && have_key()) {
-        message = static_cast<Message*>(std::malloc(sizeof(Message)));
-        pthread_setspecific(key_plus_1.load(std::memory_order_acquire) - 1, message);
-    }
+    Message* const message = messages.find_or_make();
     if (message == nullptr) return status;
     std::va_list values;
     va_start(values, format);

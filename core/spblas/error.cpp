@@ -1,59 +1,27 @@
 // SPDX-License-Identifier: MIT
 #include "spblas/error.h"
 
-#include <pthread.h>
-
-#include <atomic>
 #include <cstdarg>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 #include "export.h"
+#include "threads/thread_record.h"
 
 namespace ork::spblas {
 namespace {
 
-// One record a thread, made at its first failure. Not thread_local: see threads/thread_word.h.
-constinit std::atomic<unsigned> key_plus_1 = 0;
+constinit threads::ThreadRecord<ork_spblas_error> records;
 
-bool have_key()
-{
-    if (key_plus_1.load(std::memory_order_acquire) != 0) return true;
-    pthread_key_t key;
-    if (pthread_key_create(&key, std::free) != 0) return false;
-    unsigned none = 0;
-    if (!key_plus_1.compare_exchange_strong(none, key + 1, std::memory_order_acq_rel)) pthread_key_delete(key);
-    return true;
-}
-
-ork_spblas_error* own_record()
-{
-    const unsigned key = key_plus_1.load(std::memory_order_acquire);
-    return key ? static_cast<ork_spblas_error*>(pthread_getspecific(key - 1)) : nullptr;
-}
-
-[[gnu::destructor]] void unload()
-{
-    std::free(own_record());
-    if (const unsigned key = key_plus_1.exchange(0)) pthread_key_delete(key - 1);
-}
+[[gnu::destructor]] void unload() { records.unload(); }
 
 constexpr ork_spblas_error no_failure = {ORK_SPBLAS_SUCCESS, 0, 0, -1, -1, ""};
 
 // Null when there is no memory for it: then the status alone says what is wrong.
 ork_spblas_error* new_record(std::int64_t status)
 {
-    ork_spblas_error* record = own_record();
-    if (record == nullptr) {
-        if (!have_key()) return nullptr;
-        record = static_cast<ork_spblas_error*>(std::malloc(sizeof *record));
-        if (record == nullptr) return nullptr;
-        if (pthread_setspecific(key_plus_1.load(std::memory_order_acquire) - 1, record) != 0) {
-            std::free(record);
-            return nullptr;
-        }
-    }
+    ork_spblas_error* const record = records.find_or_make();
+    if (record == nullptr) return nullptr;
     *record = no_failure;
     record->status = status;
     return record;
@@ -163,6 +131,6 @@ std::int64_t wrong_structure(const Name& name, const Arguments& arguments, const
 
 ORK_EXPORT const ork_spblas_error* ork_spblas_last_error()
 {
-    const ork_spblas_error* record = ork::spblas::own_record();
+    const ork_spblas_error* record = ork::spblas::records.find();
     return record ? record : &ork::spblas::no_failure;
 }
