@@ -1,25 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Fetching what a walk through the rows of a compressed-row matrix will ask for. None of it faults, wherever it points.
-// Always in line: GCC takes a call for one without effect, and drops it.
+// Fetching rows of a compressed-row matrix.
 #pragma once
 
 #include "spblas/csr.h"
 
 namespace ork::spblas {
 
-template <class T>
-inline constexpr int line = 64 / static_cast<int>(sizeof(T)); // elements of a cache line
-
-// What lies so many bytes behind p, or before it.
-template <class T>
-[[gnu::always_inline]] inline void fetch_at(const T* p, std::int64_t bytes)
-{
-    _mm_prefetch(
-        reinterpret_cast<const char*>(reinterpret_cast<std::uintptr_t>(p) + static_cast<std::uintptr_t>(bytes)),
-        _MM_HINT_T0);
-}
-
-// The same of entries k .. end.
+// What lies so many bytes behind the values and columns of entries k .. end (exclusive), or before them.
 template <class Int, class T>
 [[gnu::always_inline]] inline void fetch_row(const Csr<Int, T>& a, std::int64_t k, std::int64_t end,
                                              std::int64_t bytes = far_ahead)

@@ -5,22 +5,9 @@
 #include <cstdint>
 
 #include "simd/complex.h"
+#include "spblas/fetch.h"
 
 namespace ork::spblas {
-
-// What lies this far ahead of an array that streams from memory is fetched early. Bytes; on Zen 5 a product of rows of
-// 7 reaches 1.6 times the rate of the hardware's own prefetching with 2 KiB, 2.1 times with 8 KiB.
-constexpr std::int64_t far_ahead = 8192;
-
-// Slices of so many bytes of values and indices come from memory: nearer caches are faster left alone.
-constexpr std::int64_t far_bytes = 8 << 20;
-
-// Never faults, wherever p + far_ahead is. Always in line: GCC takes a call for one without effect, and drops it.
-template <class T>
-[[gnu::always_inline]] inline void fetch(const T* p)
-{
-    _mm_prefetch(reinterpret_cast<const char*>(reinterpret_cast<std::uintptr_t>(p) + far_ahead), _MM_HINT_T0);
-}
 
 // The elements of x at so many positions, less base.
 template <class Int>

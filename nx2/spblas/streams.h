@@ -2,21 +2,21 @@
 // Sums of products over contiguous data: values against elements of x or y, both with unit stride.
 #pragma once
 
+#include "spblas/fetch.h"
 #include "spblas/right_sides.h"
 
 namespace ork::spblas {
 
 // How far from the values in use others are fetched, in bytes: ahead, or behind where a matrix is walked from its end.
-// Nothing where the values fit near caches, and what is fetched is at hand already. Values from memory come at twice
-// the rate of the hardware's own prefetching with 8 KiB on Zen 5.
+// Nothing where the values fit near caches, and what is fetched is at hand already.
 struct Ahead {
     Index bytes;
 
-    Ahead(bool forward, Index size) : bytes(size < (Index{8} << 20) ? 0 : forward ? 8192 : -8192) {}
-    template <class T> // never faults; a call would be taken for one without effect, and dropped
+    Ahead(bool forward, Index size) : bytes(size < far_bytes ? 0 : forward ? far_ahead : -far_ahead) {}
+    template <class T>
     [[gnu::always_inline]] void fetch(const T* p) const
     {
-        _mm_prefetch(reinterpret_cast<const char*>(reinterpret_cast<std::uintptr_t>(p) + bytes), _MM_HINT_T0);
+        fetch_at(p, bytes);
     }
 };
 
