@@ -2,17 +2,15 @@
 // C = alpha op(A) B + beta C. Rows of a general matrix in csr or bsr, and columns of one in bsc that is transposed, are
 // matrices of their own with rows of C of their own, so threads take slices of A and read it once altogether. Otherwise
 // they take right-hand sides.
-#include "spblas/checks.h"
 #include "spblas/drivers.h"
-#include "spblas/members.h"
+#include "spblas/product.h"
 #include "spblas/split.h"
-#include "spblas/vectors.h"
 #include "threads/pool.h"
 
 namespace ork::spblas {
 namespace {
 
-void run(const Call& call, void* kernel, Range columns)
+void run_columns(const Call& call, void* kernel, Range columns)
 {
     const std::int64_t first = columns.first + 1, last = columns.end();
     with_matrix(*call.a, [&](auto... a) {
@@ -49,32 +47,21 @@ void run_slice(const Call& call, void* kernel, Range range)
     part.a = &a;
     (a.format == Format::bsc ? part.n : part.m) = range.count;
     part.c = static_cast<char*>(call.c) + range.first * lb * (call.row_major() ? call.ldc : 1) * size;
-    run(part, kernel, {0, call.nrhs});
+    run_columns(part, kernel, {0, call.nrhs});
 }
 
-} // namespace
-
-std::int64_t mm(const Call& call)
+void run(const Call& call, void* kernel, Shape shape)
 {
-    const auto [wrong, reads] = check_arguments(call);
-    if (wrong) return wrong;
-    if (!reads) {
-        scale_result(call);
-        return ORK_SPBLAS_SUCCESS;
-    }
-    if (const auto status = check_structure(call)) return status;
-    const Shape shape = shape_of(call);
-    void* const kernel = kernel_for(call, shape);
     if (!is_parallel(Routine::mmout, shape)) {
         with_matrix(*call.a, [&](auto... a) {
             invoke(kernel, &call.m, &call.nrhs, nullptr, call.alpha, a..., call.b, &call.ldb, call.c, &call.ldc,
                    call.beta);
         });
-        return ORK_SPBLAS_SUCCESS;
+        return;
     }
     const int parts = threads_for(stored_entries(call) * static_cast<double>(call.nrhs));
     if (parts == 1)
-        run(call, kernel, {0, call.nrhs});
+        run_columns(call, kernel, {0, call.nrhs});
     else if (divides_by_rows(call, shape))
         threads::run(parts, [&](int part) {
             const Range range = slice(call, parts, part);
@@ -83,9 +70,15 @@ std::int64_t mm(const Call& call)
     else
         threads::run(parts, [&](int part) {
             const Range columns = strip(call.nrhs, columns_together(call), parts, part);
-            if (columns.count > 0) run(call, kernel, columns);
+            if (columns.count > 0) run_columns(call, kernel, columns);
         });
-    return ORK_SPBLAS_SUCCESS;
+}
+
+} // namespace
+
+std::int64_t mm(const Call& call)
+{
+    return checked_product(call, [&](void* kernel, Shape shape) { run(call, kernel, shape); });
 }
 
 } // namespace ork::spblas

@@ -5,9 +5,8 @@
 #include <algorithm>
 
 #include "ork/abi/services.h"
-#include "spblas/checks.h"
 #include "spblas/drivers.h"
-#include "spblas/members.h"
+#include "spblas/product.h"
 #include "spblas/split.h"
 #include "spblas/vectors.h"
 #include "threads/pool.h"
@@ -74,24 +73,13 @@ bool in_copies(const Product& product, int parts)
     return true;
 }
 
-} // namespace
-
-std::int64_t mv(const Call& call)
+void run(const Call& call, void* kernel, Shape shape)
 {
-    const auto [wrong, reads] = check_arguments(call);
-    if (wrong) return wrong;
-    if (!reads) {
-        scale_result(call);
-        return ORK_SPBLAS_SUCCESS;
-    }
-    if (const auto status = check_structure(call)) return status;
-    const Shape shape = shape_of(call);
-    const Product product = {call, kernel_for(call, shape)};
+    const Product product = {call, kernel};
     if (!is_parallel(Routine::mvout, shape)) {
-        with_matrix(*call.a, [&](auto... a) {
-            invoke(product.kernel, &call.m, nullptr, call.alpha, a..., call.b, call.c, call.beta);
-        });
-        return ORK_SPBLAS_SUCCESS;
+        with_matrix(*call.a,
+                    [&](auto... a) { invoke(kernel, &call.m, nullptr, call.alpha, a..., call.b, call.c, call.beta); });
+        return;
     }
     const bool copies = scatters(call.a->format, shape);
     const double products = stored_entries(call);
@@ -104,7 +92,13 @@ std::int64_t mv(const Call& call)
         in_slices(product, parts);
     else if (parts == 1 || !in_copies(product, parts))
         product.run({0, slices(call)}, call.c, call.beta);
-    return ORK_SPBLAS_SUCCESS;
+}
+
+} // namespace
+
+std::int64_t mv(const Call& call)
+{
+    return checked_product(call, [&](void* kernel, Shape shape) { run(call, kernel, shape); });
 }
 
 } // namespace ork::spblas
