@@ -7,7 +7,7 @@
 #include <limits>
 
 #include "simd/complex.h"
-#include "spblas/group.h"
+#include "simd/gather.h"
 
 namespace ork::spblas::bsr {
 

@@ -5,7 +5,7 @@
 #include "spblas/bsr_panel.h"
 #include "spblas/bsr_rows.h"
 #include "spblas/members.h"
-#include "spblas/scale.h"
+#include "simd/scale.h"
 
 namespace ork::spblas::bsr {
 

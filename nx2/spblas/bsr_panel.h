@@ -7,7 +7,7 @@
 
 #include "spblas/bsr.h"
 #include "spblas/bsr_sum.h"
-#include "spblas/scale.h"
+#include "simd/scale.h"
 
 namespace ork::spblas::bsr {
 

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "spblas/group.h"
+#include "simd/gather.h"
 
 namespace ork::spblas {
 

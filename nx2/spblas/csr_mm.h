@@ -8,7 +8,7 @@
 #include "spblas/csr_mm_blocks.h"
 #include "spblas/csr_mm_general.h"
 #include "spblas/form.h"
-#include "spblas/scale.h"
+#include "simd/scale.h"
 
 namespace ork::spblas {
 

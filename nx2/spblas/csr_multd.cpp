@@ -7,7 +7,7 @@ namespace ork::spblas {
 
 using Call = Calls<Format::csr, Int, T>;
 
-#define MEMBER(name) ORK_SPBLAS_SYMBOL(ORK_SPBLAS_PREFIX, ORK_SPBLAS_LETTER, name)
+#define MEMBER(name) ORK_SPBLAS_SYMBOL(ORK_SPBLAS_PREFIX, ORK_KERNEL_LETTER, name)
 
 ORK_EXPORT void MEMBER(csrmultd_ker)(const Int* row_first, const Int* row_last, const Int* k, const T* a, const Int* ja,
                                      const Int* ia, const T* b, const Int* jb, const Int* ib, T* c, const Int* ldc)

@@ -7,7 +7,7 @@
 #include <cstdint>
 
 #include "simd/complex.h"
-#include "spblas/scale.h"
+#include "simd/scale.h"
 
 namespace ork::spblas {
 

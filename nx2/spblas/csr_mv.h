@@ -7,7 +7,7 @@
 
 #include "spblas/form.h"
 #include "spblas/row_dot.h"
-#include "spblas/scale.h"
+#include "simd/scale.h"
 
 namespace ork::spblas {
 

@@ -7,7 +7,7 @@
 #include "spblas/csr_mv.h"
 #include "spblas/form.h"
 #include "spblas/rule.h"
-#include "spblas/scale.h"
+#include "simd/scale.h"
 
 namespace ork::spblas {
 

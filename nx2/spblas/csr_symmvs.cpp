@@ -4,11 +4,11 @@
 #include "spblas/members.h"
 
 #define ORK_SPBLAS_ONLY_d_ 1
-#if ORK_SPBLAS_SYMBOL(ORK_SPBLAS_ONLY_, ORK_SPBLAS_LETTER, _)
+#if ORK_SPBLAS_SYMBOL(ORK_SPBLAS_ONLY_, ORK_KERNEL_LETTER, _)
 
 namespace ork::spblas {
 
-#define MEMBER(name) ORK_SPBLAS_SYMBOL(ORK_SPBLAS_PREFIX, ORK_SPBLAS_LETTER, name)
+#define MEMBER(name) ORK_SPBLAS_SYMBOL(ORK_SPBLAS_PREFIX, ORK_KERNEL_LETTER, name)
 
 ORK_EXPORT void MEMBER(csrsymmvs)(const char* uplo, const Int* m, const T* val, const Int* indx, const Int* ia,
                                   const T* x, T* y)

@@ -6,7 +6,7 @@
 #include <cstdint>
 
 #include "blas/divide.h"
-#include "spblas/scale.h"
+#include "simd/scale.h"
 
 namespace ork::spblas {
 

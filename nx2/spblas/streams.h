@@ -2,7 +2,7 @@
 // Sums of products over contiguous data: values against elements of x or y, both with unit stride.
 #pragma once
 
-#include "spblas/fetch.h"
+#include "simd/fetch.h"
 #include "spblas/right_sides.h"
 
 namespace ork::spblas {

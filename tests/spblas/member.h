@@ -1,39 +1,16 @@
 // SPDX-License-Identifier: MIT
-// The members of the sparse kernels by their exported names: which element type and integer a test runs with, and the
-// look-up, which fails the test that asks for a name that is not there.
+// The members of the sparse kernels by their exported names: the look-up, which fails the test that asks for
+// a name that is not there.
 #pragma once
 
 #include <dlfcn.h>
 
-#include <complex>
-#include <cstdint>
 #include <string>
 
-#include <gtest/gtest.h>
-
 #include "ork/abi/spblas.h"
-#include "support/scalar.h"
+#include "support/kernel_case.h"
 
 namespace ork::test {
-
-using cfloat = std::complex<float>;
-using cdouble = std::complex<double>;
-
-template <class Element, class Integer>
-struct Case {
-    using T = Element;
-    using Int = Integer;
-};
-using Cases = testing::Types<Case<float, std::int32_t>, Case<double, std::int32_t>, Case<cfloat, std::int32_t>,
-                             Case<cdouble, std::int32_t>, Case<float, std::int64_t>, Case<double, std::int64_t>,
-                             Case<cfloat, std::int64_t>, Case<cdouble, std::int64_t>>;
-struct CaseNames {
-    template <class C>
-    static std::string GetName(int)
-    {
-        return precision_letter<typename C::T>() + std::string(sizeof(typename C::Int) == 4 ? "_lp64" : "_ilp64");
-    }
-};
 
 // What an exported name begins with, the letter of the precision included.
 template <class Int, class T>

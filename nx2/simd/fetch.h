@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <smmintrin.h>
 
-namespace ork::spblas {
+namespace ork {
 
 template <class T>
 inline constexpr int line = 64 / static_cast<int>(sizeof(T)); // elements of a cache line
@@ -33,4 +33,4 @@ template <class T>
     fetch_at(p, far_ahead);
 }
 
-} // namespace ork::spblas
+} // namespace ork

@@ -7,7 +7,7 @@
 
 #include "simd/complex.h"
 
-namespace ork::spblas {
+namespace ork {
 
 // beta = 0 clears without reading. Nothing happens for n <= 0.
 template <class T>
@@ -27,4 +27,4 @@ template <class T>
     for (; i < n; ++i) store<1>(y + i, factor * load<1>(y + i));
 }
 
-} // namespace ork::spblas
+} // namespace ork

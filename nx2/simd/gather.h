@@ -5,9 +5,9 @@
 #include <cstdint>
 
 #include "simd/complex.h"
-#include "spblas/fetch.h"
+#include "simd/fetch.h"
 
-namespace ork::spblas {
+namespace ork {
 
 // The elements of x at so many positions, less base.
 template <class Int>
@@ -120,10 +120,14 @@ struct TwoLanes<Complex<double>> {
     Complex<double> sum() const { return element(v[0] + v[1]); }
 };
 
-// Four times two lanes: of eight entries, 0 1 go to the lanes of the first, 2 3 of the second, and so on. The sum is
-// (first + second) + (third + fourth), then lane 0 + lane 1.
-template <class T>
+// How four partial sums become one: (first + second) + (third + fourth), or (first + third) + (second + fourth).
+enum class Fold { adjacent, crossed };
+
+// Four times two lanes: of eight entries, 0 1 go to the lanes of the first, 2 3 of the second, and so on. The sum folds
+// the four, then adds lane 0 and lane 1.
+template <class T, Fold fold = Fold::adjacent>
 struct FourByTwo {
+    static constexpr int second = fold == Fold::adjacent ? 1 : 2, third = 3 - second;
     TwoLanes<T> part[4];
     template <bool conjugate, class Int>
     void add(const T* val, const T* x, const Int* column, int base)
@@ -134,15 +138,17 @@ struct FourByTwo {
     T sum() const
     {
         if constexpr (std::is_same_v<T, Complex<double>>) {
-            const auto lane = [&](int i) { return (part[0].v[i] + part[1].v[i]) + (part[2].v[i] + part[3].v[i]); };
+            const auto lane = [&](int i) {
+                return (part[0].v[i] + part[second].v[i]) + (part[third].v[i] + part[3].v[i]);
+            };
             return element(lane(0) + lane(1));
         } else {
-            return TwoLanes<T>{(part[0].v + part[1].v) + (part[2].v + part[3].v)}.sum();
+            return TwoLanes<T>{(part[0].v + part[second].v) + (part[third].v + part[3].v)}.sum();
         }
     }
 };
-template <>
-struct FourByTwo<float> { // two of them share a register
+template <Fold fold>
+struct FourByTwo<float, fold> { // two of them share a register
     Vec<float> low{}, high{};
     template <bool conjugate, class Int>
     void add(const float* val, const float* x, const Int* column, int base)
@@ -153,8 +159,11 @@ struct FourByTwo<float> { // two of them share a register
     float sum() const
     {
         const auto halves = [](Vec<float> a) { return _mm_add_ps(a.v, _mm_movehl_ps(a.v, a.v)); };
-        return TwoLanes<float>{{_mm_add_ps(halves(low), halves(high))}}.sum();
+        if constexpr (fold == Fold::adjacent)
+            return TwoLanes<float>{{_mm_add_ps(halves(low), halves(high))}}.sum();
+        else
+            return TwoLanes<float>{{halves(low + high)}}.sum();
     }
 };
 
-} // namespace ork::spblas
+} // namespace ork
