@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The sum of val[k] x[indx[k]] over one row, in the two orders that are part of the contract.
+// The sum of val[k] x[indx[k]] over one row, in the orders that are part of the contract.
 #pragma once
 
 #include "spblas/csr.h"
@@ -12,18 +12,18 @@ namespace ork::spblas {
 template <int base>
 inline constexpr int block = base == 0 ? 8 : 2;
 
-template <int base, class T>
-using Partial = std::conditional_t<base == 0, FourByTwo<T>, TwoLanes<T>>;
+template <int base, class T, Fold fold = Fold::adjacent>
+using Partial = std::conditional_t<base == 0, FourByTwo<T, fold>, TwoLanes<T>>;
 
 // `far`: the row comes from memory, so what lies ahead is fetched.
-template <int base, bool conjugate, bool far, class Int, class T>
+template <int base, bool conjugate, bool far, Fold fold = Fold::adjacent, class Int, class T>
 [[gnu::always_inline]] inline T row_dot(const T* val, const Int* indx, std::int64_t length, const T* x)
 {
     constexpr int line = 64 / static_cast<int>(sizeof(T));
     T s{};
     std::int64_t k = 0;
     if (length >= block<base>) {
-        Partial<base, T> partial;
+        Partial<base, T, fold> partial;
         if constexpr (base == 0 || far)
             for (; k + 8 <= length; k += 8) {
                 if constexpr (far) {

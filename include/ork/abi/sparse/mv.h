@@ -82,9 +82,11 @@ struct MvCalls {
                              const U* slice_begin, const U* slice_end, const T* x, T* y, T* dot, const void* unread,
                              T alpha, T beta);
 
-    // y = alpha A x + beta y, A of rows x cols in diagonals: A(i, i + distance[d]) = vals[d stride + i - row_first].
-    // Values outside of A are not read.
-    using dia_mv_ker = void(Int row_first, Int row_last, Int cols, Int diagonals, Int stride, const Int* distance,
+    // y = alpha A x + beta y, A with `cols` columns in diagonals, of which row i has A(i, i + distance[d]). They lie in
+    // chunks of `height` rows, each chunk's part of one diagonal behind that of the one before:
+    // vals[(i / height * diagonals + d) * height + i % height]. With height at least the rows these are whole diagonals
+    // one after the other. vals is the whole array; values outside of A are not read.
+    using dia_mv_ker = void(Int row_first, Int row_last, Int cols, Int diagonals, Int height, const Int* distance,
                             const T* vals, const T* x, T* y, T alpha, T beta);
     // y = alpha D x + beta y, D a diagonal of square blocks, of which the share is first .. last. x whole.
     using block_diag_mv_ker = void(Int block_first, Int block_last, Int block, Int layout, const T* vals, const T* x,
