@@ -18,10 +18,18 @@ public:
 
     EigenSparse(const SparseOperands& o, const Int* col, const Int* ptr)
         : c_(o.what), a_(o.m, o.n, ptr[o.m], ptr, col, static_cast<const T*>(o.val)), x_(static_cast<const T*>(o.x)),
-          y_(static_cast<T*>(o.y))
+          y_(static_cast<T*>(o.y)), dot_(static_cast<T*>(o.dot))
     {
     }
     void run() override
+    {
+        multiply_or_solve();
+        if (c_.routine != SparseCase::Routine::dotmv) return;
+        *dot_ = Eigen::Map<const Vector>(x_, a_.cols()).dot(Eigen::Map<const Vector>(y_, a_.rows()));
+    }
+
+private:
+    void multiply_or_solve()
     {
         const bool transposed = c_.letter == 'T';
         const Eigen::Map<const Vector> x(x_, transposed ? a_.rows() : a_.cols());
@@ -49,7 +57,6 @@ public:
         }
     }
 
-private:
     template <int order>
     void many()
     {
@@ -60,7 +67,7 @@ private:
     SparseCase c_;
     Matrix a_;
     const T* x_;
-    T* y_;
+    T *y_, *dot_;
 };
 
 template <class T>
@@ -74,6 +81,7 @@ std::unique_ptr<SparseOperation> make(const SparseOperands& o)
 
 std::unique_ptr<SparseOperation> eigen_sparse(const SparseOperands& o)
 {
+    if (o.what.routine == SparseCase::Routine::symgs) return nullptr;
     return o.what.single ? make<float>(o) : make<double>(o);
 }
 

@@ -41,6 +41,8 @@ std::vector<Library> find_transform_peers(std::vector<std::string>& notes);
 
 // The same for sparse matrices: librsb, in its own storage and in compressed rows, Eigen, plain loops.
 std::vector<Library> find_sparse_peers(std::vector<std::string>& notes);
+// Those, SuiteSparse:GraphBLAS, and ork's own kernels in the caller's arrays: what a handle must not be slower than.
+std::vector<Library> find_handle_peers(std::vector<std::string>& notes);
 
 // Any other library with Fortran BLAS symbols or the FFTW interface, an earlier build of ork for instance. Throws
 // std::runtime_error.

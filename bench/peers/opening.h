@@ -27,7 +27,9 @@ std::optional<std::filesystem::path> locate(std::initializer_list<const char*> n
 // With everything that the handle has: BLAS symbols and transforms.
 Library library(std::string name, std::string detail, Kind kind, void* handle);
 
-SparseMaker ork_sparse(void* handle);        // empty when it has not the whole interface
+SparseMaker ork_sparse(void* handle); // the same; with ork/sparse.h where the case is one of handles
+// Through an analysed handle; null when the library has no handles, std::runtime_error when it refuses.
+std::unique_ptr<SparseOperation> ork_handle(void* library, const SparseOperands& o);
 TransformMaker ork_transforms(void* handle); // empty when it has not the whole interface
 // Transforms through a handle's own interface: ork's, else FFTW's; empty when it has neither.
 TransformMaker transforms_of(void* handle);

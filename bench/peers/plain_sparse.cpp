@@ -48,6 +48,47 @@ void mv_symmetric(Csr<Int, T> a, const T* x, T* y)
 }
 
 template <class Int, class T>
+T dotmv(Csr<Int, T> a, const T* x, T* y)
+{
+    T dot = 0;
+    for (Int i = 0; i < a.m; ++i) {
+        T sum = 0;
+        for (Int k = a.ptr[i]; k < a.ptr[i + 1]; ++k) sum += a.val[k] * x[a.col[k]];
+        y[i] = sum;
+        dot += x[i] * sum;
+    }
+    return dot;
+}
+
+template <class T>
+T dot_of(size_t n, const T* x, const T* y)
+{
+    T dot = 0;
+    for (size_t i = 0; i < n; ++i) dot += x[i] * y[i];
+    return dot;
+}
+
+template <class Int, class T>
+void relax(Csr<Int, T> a, Int i, T sum, T* y)
+{
+    T diagonal = 1;
+    for (Int k = a.ptr[i]; k < a.ptr[i + 1]; ++k) {
+        if (a.col[k] == i)
+            diagonal = a.val[k];
+        else
+            sum -= a.val[k] * y[a.col[k]];
+    }
+    y[i] = sum / diagonal;
+}
+
+template <class Int, class T>
+void symmetric_sweep(Csr<Int, T> a, const T* b, T* y)
+{
+    for (Int i = 0; i < a.m; ++i) relax(a, i, b[i], y);
+    for (Int i = a.m; i-- > 0;) relax(a, i, b[i], y);
+}
+
+template <class Int, class T>
 void mm_rows(Csr<Int, T> a, int nrhs, const T* b, T* c)
 {
     for (Int i = 0; i < a.m; ++i) {
@@ -84,10 +125,22 @@ class Plain : public SparseOperation {
 public:
     Plain(const SparseOperands& o, const Int* col, const Int* ptr)
         : c_(o.what), a_{o.m, o.n, static_cast<const T*>(o.val), col, ptr}, x_(static_cast<const T*>(o.x)),
-          y_(static_cast<T*>(o.y))
+          y_(static_cast<T*>(o.y)), dot_(static_cast<T*>(o.dot))
     {
     }
     void run() override
+    {
+        if (c_.routine == SparseCase::Routine::symgs) return symmetric_sweep(a_, x_, y_);
+        if (c_.routine == SparseCase::Routine::dotmv && c_.letter == 'N') {
+            *dot_ = dotmv(a_, x_, y_);
+            return;
+        }
+        multiply_or_solve();
+        if (c_.routine == SparseCase::Routine::dotmv) *dot_ = dot_of(static_cast<size_t>(a_.m), x_, y_);
+    }
+
+private:
+    void multiply_or_solve()
     {
         switch (c_.letter) {
         case 'N':
@@ -108,11 +161,10 @@ public:
         }
     }
 
-private:
     SparseCase c_;
     Csr<Int, T> a_;
     const T* x_;
-    T* y_;
+    T *y_, *dot_;
 };
 
 template <class T>

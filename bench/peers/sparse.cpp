@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "peers/sparse.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -35,26 +36,37 @@ CsrMatrix stored(const SparseCase& c, const CsrMatrix& whole)
 
 } // namespace
 
-std::optional<SparseCase> sparse_case(const std::string& routine, const std::string& letters)
+std::optional<SparseCase> sparse_case(const std::string& routine, const std::string& letters, bool handle)
 {
+    struct Known {
+        const char *name, *letters;
+        Routine routine;
+        bool of_handles;
+    };
+    constexpr Known all[] = {{"mv", "NTS", Routine::mv, false},
+                             {"sv", "LU", Routine::sv, false},
+                             {"mm", "RC", Routine::mm, false},
+                             {"dotmv", "NS", Routine::dotmv, true},
+                             {"symgs", "N", Routine::symgs, true}};
     SparseCase c;
-    if (routine.size() < 3 || (routine[0] != 'd' && routine[0] != 's') || letters.empty()) return std::nullopt;
+    if (routine.empty() || (routine[0] != 'd' && routine[0] != 's') || letters.empty()) return std::nullopt;
     c.single = routine[0] == 's';
-    const std::string name = routine.substr(1, 2), width = routine.substr(3), number = letters.substr(1);
-    if (width != "" && width != "64") return std::nullopt;
-    c.wide = width == "64";
+    c.wide = routine.ends_with("64");
+    c.handle = handle;
     c.letter = letters[0];
-    if (name == "mm") {
+    const std::string name = routine.substr(1, routine.size() - (c.wide ? 3 : 1)), number = letters.substr(1);
+    for (const Known& known : all) {
+        if (name != known.name || std::strchr(known.letters, c.letter) == nullptr || known.of_handles > handle)
+            continue;
+        c.routine = known.routine;
+        if (c.routine != Routine::mm) return number.empty() ? std::optional(c) : std::nullopt;
         for (const int count : {1, 2, 4, 8, 16, 32})
-            if (number == std::to_string(count)) c.nrhs = count;
-        c.routine = Routine::mm;
-        if ((c.nrhs == 1 && number != "1") || (c.letter != 'R' && c.letter != 'C')) return std::nullopt;
-        return c;
+            if (number == std::to_string(count)) {
+                c.nrhs = count;
+                return c;
+            }
     }
-    c.routine = name == "sv" ? Routine::sv : Routine::mv;
-    const std::string known = name == "mv" ? "NTS" : name == "sv" ? "LU" : "";
-    if (number != "" || known.find(c.letter) == std::string::npos) return std::nullopt;
-    return c;
+    return std::nullopt;
 }
 
 SparseProblem::SparseProblem(const SparseCase& what, const CsrMatrix& whole)
@@ -91,15 +103,18 @@ SparseProblem::SparseProblem(const SparseCase& what, const CsrMatrix& whole)
                  x_.data(),
                  y_.data(),
                  by_rows ? what.nrhs : static_cast<int>(x_rows_),
-                 by_rows ? what.nrhs : static_cast<int>(y_rows_)};
+                 by_rows ? what.nrhs : static_cast<int>(y_rows_),
+                 dot_.data()};
 }
 
 double SparseProblem::flops() const
 {
     const auto entries = static_cast<double>(a_.entries());
     // an entry of the triangle counts twice, but for the diagonal
-    if (operands_.what.letter == 'S') return 4 * entries - 2 * a_.rows;
-    return 2 * entries * operands_.what.nrhs;
+    const double product = operands_.what.letter == 'S' ? 4 * entries - 2 * a_.rows : 2 * entries;
+    if (operands_.what.routine == Routine::dotmv) return product + 2 * a_.rows;
+    if (operands_.what.routine == Routine::symgs) return 2 * product;
+    return product * operands_.what.nrhs;
 }
 
 double SparseProblem::bytes() const
@@ -154,17 +169,65 @@ std::string SparseProblem::check_solution(const std::vector<double>& y)
     return {};
 }
 
+// Both sweeps from 0 in long double, and beside them how far rounding may lead astray.
+std::string SparseProblem::check_sweep(const std::vector<double>& y)
+{
+    std::vector<long double> want(y_rows_, 0), error(y_rows_, 0);
+    const auto relax = [&](size_t i) {
+        long double sum = x_at(i, 0), size = std::fabs(sum), inherited = 0, diagonal = 0;
+        for (auto k = static_cast<size_t>(a_.ptr[i]); k < static_cast<size_t>(a_.ptr[i + 1]); ++k) {
+            const auto j = static_cast<size_t>(a_.col[k]);
+            if (j == i) {
+                diagonal = a_.val[k];
+                continue;
+            }
+            sum -= a_.val[k] * want[j];
+            size += std::fabs(a_.val[k] * want[j]);
+            inherited += std::fabs(a_.val[k]) * error[j];
+        }
+        want[i] = sum / diagonal;
+        error[i] = (rounding(operands_.what, static_cast<size_t>(a_.ptr[i + 1] - a_.ptr[i]) + 4) * (size + inherited) +
+                    inherited) /
+                   std::fabs(diagonal);
+    };
+    for (size_t i = 0; i < y_rows_; ++i) relax(i);
+    for (size_t i = y_rows_; i-- > 0;) relax(i);
+    for (size_t i = 0; i < y_rows_; ++i)
+        if (!(std::fabs(y[i] - want[i]) <= error[i])) return mismatch(i, y[i], want[i]);
+    return {};
+}
+
+// With y as it was written.
+std::string SparseProblem::check_dot(const std::vector<double>& y)
+{
+    long double want = 0, size = 0;
+    for (size_t i = 0; i < y_rows_; ++i) {
+        want += static_cast<long double>(x_at(i, 0)) * y[i];
+        size += std::fabs(static_cast<long double>(x_at(i, 0)) * y[i]);
+    }
+    const double dot = element(operands_.what, dot_.data(), 0);
+    if (!(std::fabs(dot - want) <= rounding(operands_.what, y_rows_) * size))
+        return "dot product: " + mismatch(0, dot, want);
+    return {};
+}
+
 std::string SparseProblem::check(SparseOperation& operation)
 {
-    std::memset(y_.data(), 0xff, y_.size()); // NaN: an element not written shows, and so does one that is read
+    // NaN: an element not written shows, and so does one that is read; but a sweep starts from y
+    std::memset(y_.data(), operands_.what.routine == Routine::symgs ? 0 : 0xff, y_.size());
+    std::memset(dot_.data(), 0xff, sizeof(double));
     operation.run();
+    operation.finish();
     const auto ld = static_cast<size_t>(operands_.ldy);
     std::vector<double> y(y_rows_);
     for (size_t rhs = 0; rhs < static_cast<size_t>(operands_.what.nrhs); ++rhs) {
         for (size_t i = 0; i < y_rows_; ++i)
             y[i] = element(operands_.what, y_.data(), operands_.what.letter == 'R' ? i * ld + rhs : rhs * ld + i);
-        const std::string fault = operands_.what.routine == Routine::sv ? check_solution(y) : check_product(rhs, y);
+        const std::string fault = operands_.what.routine == Routine::sv      ? check_solution(y)
+                                  : operands_.what.routine == Routine::symgs ? check_sweep(y)
+                                                                             : check_product(rhs, y);
         if (!fault.empty()) return fault;
+        if (operands_.what.routine == Routine::dotmv) return check_dot(y);
     }
     return {};
 }

@@ -26,8 +26,8 @@ struct CsrMatrix {
 // Matrices by name:
 //   lap2d:N    5-point Laplacian on N x N points        lap3d:N    7-point on N x N x N
 //   box3d:N    27-point stencil on N x N x N            fem:N      N nodes of 3 unknowns, each tied to about 8 others
-//   pow:N:K    N rows of K entries on average, rows and columns filled by a power law       in a band of 60 on each
-//   side
+//                                                       in a band of 60 on each side
+//   pow:N:K    N rows of K entries on average, rows and columns filled by a power law
 // The same in every run. The first four are symmetric with a dominant diagonal.
 bool is_generated(const std::string& name);
 CsrMatrix generate(const std::string& name); // of a name that is_generated
@@ -37,17 +37,20 @@ CsrMatrix triangle(const CsrMatrix& a, char uplo); // with its diagonal; zeros w
 CsrMatrix dominated(CsrMatrix triangle);
 
 struct SparseCase {
-    enum class Routine { mv, mm, sv } routine = Routine::mv;
+    enum class Routine { mv, mm, sv, dotmv, symgs } routine = Routine::mv;
     bool single = false, wide = false; // wide: 64-bit integers
-    char letter =
-        'N'; // mv: N, T, S symmetric with the lower triangle stored; mm: R row-major, C column-major; sv: L, U
+    // The matrix is handed over once and may be analysed, copied and stored in any form before the calls.
+    bool handle = false;
+    char letter = 'N'; // mv, dotmv: N, T, S symmetric with the lower triangle stored; mm: R row-major, C column-major;
+                       // sv: L, U; symgs: N
     int nrhs = 1;
 };
 
-// "dmv", "smm", "dsv64" with "N", "R8", "L": nothing for another text.
-std::optional<SparseCase> sparse_case(const std::string& routine, const std::string& letters);
+// "dmv", "smm", "dsv64" with "N", "R8", "L", of handles also "ddotmv" and "dsymgs": nothing for another text.
+std::optional<SparseCase> sparse_case(const std::string& routine, const std::string& letters, bool handle = false);
 
-// Everything a library needs to prepare a call: y = op(A) x, C = A B, y = A^-1 x.
+// Everything a library needs to prepare a call: y = op(A) x, C = A B, y = A^-1 x; dotmv: y = A x and dot = x'y; symgs:
+// a sweep of Gauss and Seidel forwards and one backwards from y for A y = x.
 struct SparseOperands {
     SparseCase what;
     int m, n;             // of A
@@ -56,6 +59,7 @@ struct SparseOperands {
     const void *val, *x; // double or float
     void* y;
     int ldx, ldy; // of B and C
+    void* dot;
 };
 
 // A call made ready.
@@ -63,7 +67,9 @@ class SparseOperation {
 public:
     virtual ~SparseOperation() = default;
     virtual void run() = 0;
+    virtual void finish() {}                           // leaves in y what is elsewhere; not timed
     virtual std::string storage() const { return {}; } // where a library keeps the matrix in its own form: which
+    virtual double analysis_seconds() const { return 0; }
 };
 
 // Null when the library hasn't the case.
@@ -83,12 +89,15 @@ public:
 private:
     std::string check_product(size_t rhs, const std::vector<double>& y);
     std::string check_solution(const std::vector<double>& y);
+    std::string check_sweep(const std::vector<double>& y);
+    std::string check_dot(const std::vector<double>& y);
     double x_at(size_t row, size_t rhs) const;
 
     CsrMatrix a_;
     std::vector<int64_t> ptr64_, col64_;
     size_t x_rows_, y_rows_; // of one right-hand side
     Array<char> val_, x_, y_;
+    std::vector<double> dot_ = {0}; // or a float; stays where it is when the problem moves
     SparseOperands operands_;
 };
 

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 // librsb and the finding of all sparse peers. librsb keeps matrices in a form of its own, blocks of several kinds of
-// storage with 16- or 32-bit indices; it is measured so, and held to plain compressed rows.
+// storage with 16- or 32-bit indices; it is measured so, and held to plain compressed rows. Where handles are compared
+// it may try forms until it finds none that is faster.
 #include <dlfcn.h>
 
 #include "peers/eigen.h"
+#include "peers/graphblas.h"
+#include "peers/measure.h"
 #include "peers/opening.h"
 
 namespace ork::peers {
@@ -26,6 +29,13 @@ struct Interface {
     int (*mm)(int op, const void* alpha, const void* a, int nrhs, int order, const void* b, int ldb, const void* beta,
               void* c, int ldc) = nullptr;
     int (*sv)(int op, const void* alpha, const void* a, const void* x, int incx, void* y, int incy) = nullptr;
+    // replaces *a by a faster form if it finds one
+    int (*tune)(void** a, double* gain, int* threads, int rounds, double seconds, int op, const void* alpha,
+                const void* given, int nrhs, int order, const void* b, int ldb, const void* beta, void* c,
+                int ldc) = nullptr;
+    int (*tune_solve)(void** a, double* gain, int* threads, int rounds, double seconds, int op, const void* alpha,
+                      const void* given, int nrhs, int order, const void* b, int ldb, const void* beta, void* c,
+                      int ldc) = nullptr;
 };
 
 template <class Function>
@@ -46,6 +56,7 @@ public:
         int error = 0;
         a_ = api.from_csr(o.val, o.ptr, o.col, o.ptr[o.m], o.what.single ? 'S' : 'D', o.m, o.n, 1, 1,
                           kind | (plain ? plain_rows : 0), &error);
+        if (a_ != nullptr && o.what.handle && !plain) tune();
     }
     ~Operation() override { api_.free(a_); }
     Operation(const Operation&) = delete;
@@ -54,10 +65,7 @@ public:
     bool ready() const { return a_ != nullptr; }
     void run() override
     {
-        const double ones[] = {1, 0};
-        const float single_ones[] = {1, 0};
-        const auto *one = o_.what.single ? static_cast<const void*>(single_ones) : ones,
-                   *zero = o_.what.single ? static_cast<const void*>(single_ones + 1) : ones + 1;
+        const void *one = scalar(1), *zero = scalar(0);
         switch (o_.what.routine) {
         case SparseCase::Routine::mv:
             api_.mv(o_.what.letter == 'T' ? 'T' : 'N', one, a_, o_.x, 1, zero, o_.y, 1);
@@ -68,8 +76,13 @@ public:
             return;
         case SparseCase::Routine::sv:
             api_.sv('N', one, a_, o_.x, 1, o_.y, 1);
+            return;
+        case SparseCase::Routine::dotmv:
+        case SparseCase::Routine::symgs:
+            return; // it has neither
         }
     }
+    double analysis_seconds() const override { return tuning_; }
     // "(coo:1, csr:1, hw:1, ...), ..., subm: 4": kinds of blocks, 16-bit indices, how many blocks
     std::string storage() const override
     {
@@ -85,9 +98,28 @@ public:
     }
 
 private:
+    const void* scalar(int value) const // 0 or 1
+    {
+        static constexpr double numbers[] = {0, 1};
+        static constexpr float singles[] = {0, 1};
+        return o_.what.single ? static_cast<const void*>(singles + value) : numbers + value;
+    }
+    // Up to three rounds, about two seconds; the number of threads stays.
+    void tune()
+    {
+        const bool solve = o_.what.routine == SparseCase::Routine::sv;
+        const int order = o_.what.letter == 'R' ? row_major : column_major;
+        double gain = 1;
+        const double start = now(Clock::wall);
+        (solve ? api_.tune_solve : api_.tune)(&a_, &gain, nullptr, 3, 2.0, o_.what.letter == 'T' ? 'T' : 'N', scalar(1),
+                                              nullptr, o_.what.nrhs, order, o_.x, o_.ldx, scalar(0), o_.y, o_.ldy);
+        tuning_ = now(Clock::wall) - start;
+    }
+
     Interface api_;
     SparseOperands o_;
     void* a_;
+    double tuning_ = 0;
 };
 
 void add_librsb(std::vector<Library>& found, std::vector<std::string>& notes)
@@ -98,7 +130,8 @@ void add_librsb(std::vector<Library>& found, std::vector<std::string>& notes)
     if (handle == nullptr || !get(api.init, handle, "rsb_lib_init") || !get(api.set, handle, "rsb_lib_set_opt") ||
         !get(api.from_csr, handle, "rsb_mtx_alloc_from_csr_const") || !get(api.free, handle, "rsb_mtx_free") ||
         !get(api.info, handle, "rsb_mtx_get_info_str") || !get(api.mv, handle, "rsb_spmv") ||
-        !get(api.mm, handle, "rsb_spmm") || !get(api.sv, handle, "rsb_spsv")) {
+        !get(api.mm, handle, "rsb_spmm") || !get(api.sv, handle, "rsb_spsv") ||
+        !get(api.tune, handle, "rsb_tune_spmm") || !get(api.tune_solve, handle, "rsb_tune_spsm")) {
         notes.push_back("librsb: not found");
         return;
     }
@@ -118,7 +151,9 @@ void add_librsb(std::vector<Library>& found, std::vector<std::string>& notes)
                         [](const char*) { return static_cast<void*>(nullptr); },
                         {}};
         library.sparse = [api, plain](const SparseOperands& o) -> std::unique_ptr<SparseOperation> {
-            if (o.what.wide) return nullptr;
+            if (o.what.wide || o.what.routine == SparseCase::Routine::dotmv ||
+                o.what.routine == SparseCase::Routine::symgs)
+                return nullptr;
             auto operation = std::make_unique<Operation>(api, o, plain);
             if (!operation->ready()) return nullptr;
             return operation;
@@ -146,6 +181,28 @@ std::vector<Library> find_sparse_peers(std::vector<std::string>& notes)
     else
         notes.push_back("Eigen: not found when ork was built");
     add("plain", "plain loops compiled -O3 -msse4.2", plain_sparse);
+    return found;
+}
+
+std::vector<Library> find_handle_peers(std::vector<std::string>& notes)
+{
+    std::vector<Library> found = find_sparse_peers(notes);
+    const auto add = [&](const char* name, const std::string& detail, SparseMaker maker) {
+        found.push_back({name, detail, Kind::peer, [](const char*) { return static_cast<void*>(nullptr); }, {}});
+        found.back().sparse = std::move(maker);
+    };
+    for (Library& library : found)
+        if (library.name == "RSB") library.detail += ", tuned by itself for each case of handles";
+    if (const GraphBlas* api = open_graphblas(notes))
+        add("GraphBLAS", "SuiteSparse:GraphBLAS, " + api->file,
+            [api](const SparseOperands& o) { return graphblas_sparse(*api, o); });
+    const Library core = core_library();
+    if (core.sparse)
+        add("legacy", "ork/spblas.h: ork's products and solves in the caller's own arrays",
+            [make = core.sparse](SparseOperands o) {
+                o.what.handle = false;
+                return make(o);
+            });
     return found;
 }
 

@@ -93,7 +93,10 @@ std::vector<peers::Library> libraries_for(const Cases& cases, const Options& opt
     };
     add(bench::Field::dense, peers::find_peers);
     add(bench::Field::transforms, peers::find_transform_peers);
-    add(bench::Field::sparse, peers::find_sparse_peers);
+    if (std::any_of(cases.begin(), cases.end(), [](const auto& c) { return c.first->field == bench::Field::handles; }))
+        add(bench::Field::handles, peers::find_handle_peers); // those of the field sparse among them
+    else
+        add(bench::Field::sparse, peers::find_sparse_peers);
     for (const std::string& file : options.also) libraries.push_back(peers::open_library(file));
     return libraries;
 }

@@ -41,6 +41,8 @@ const std::vector<Family>& families()
         {"sparse",
          "sparse products and solves; --sizes lap2d:1200,fem:60000,file.mtx; --routine dmv,smm,dsv64; --trans", "GF/s",
          Field::sparse, sparse_cases},
+        {"handles", "the same through analysed handles, peers in storage of their choice; also ddotmv, dsymgs", "GF/s",
+         Field::handles, handle_cases},
     };
     return all;
 }

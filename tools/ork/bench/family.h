@@ -18,6 +18,7 @@ struct Contender {
     peers::Entrant run;
     std::string fault;     // not empty: the result was wrong, and there is nothing to time
     std::string note = {}; // what it does differently: a storage of its own
+    double analysis = 0;   // seconds that it took before the first call to decide about it
 };
 
 // A case made ready: operands in place, every contender's result checked.
@@ -59,7 +60,7 @@ struct Selection {
     bool quick = false;
 };
 
-enum class Field { dense, transforms, sparse }; // decides about the peers
+enum class Field { dense, transforms, sparse, handles }; // decides about the peers
 
 struct Family {
     const char* name;
@@ -72,6 +73,7 @@ struct Family {
 const std::vector<Family>& families();
 std::vector<Case> gemm_cases(const Selection& selection);
 std::vector<Case> sparse_cases(const Selection& selection);
+std::vector<Case> handle_cases(const Selection& selection);
 std::vector<Case> level1_cases(const Selection& selection);
 std::vector<Case> level2_cases(const Selection& selection);
 std::vector<Case> level3_cases(const Selection& selection);

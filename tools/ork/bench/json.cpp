@@ -45,6 +45,7 @@ void write_json(const std::string& file, const Machine& machine, const std::vect
             else
                 figure["fault"] = f.fault;
             if (!f.note.empty()) figure["note"] = f.note;
+            if (f.analysis > 0) figure["analysis_seconds"] = f.analysis;
             entry["figures"].push_back(figure);
         }
         entry["best_peer"] = r.best_peer.empty() ? json() : json(r.best_peer);

@@ -50,6 +50,13 @@ const Figure* Result::find(const std::string& name) const
     return nullptr;
 }
 
+double Result::pays_after(const Figure& figure) const
+{
+    const Figure* legacy = find("legacy");
+    if (legacy == nullptr || !(legacy->seconds > figure.seconds)) return -1;
+    return figure.analysis / (legacy->seconds - figure.seconds);
+}
+
 Result measure(const Family& family, const Case& c, const std::vector<peers::Library>& libraries, peers::Effort effort)
 {
     Contest contest = c.prepare(libraries);
@@ -66,7 +73,8 @@ Result measure(const Family& family, const Case& c, const std::vector<peers::Lib
     std::vector<peers::Entrant> entrants;
     std::vector<size_t> figure_of; // entrant -> figure
     for (const Contender& contender : contest.contenders) {
-        result.figures.push_back({contender.name, contender.kind, 0, 0, contender.fault, contender.note});
+        result.figures.push_back(
+            {contender.name, contender.kind, 0, 0, contender.fault, contender.note, contender.analysis});
         if (!contender.fault.empty()) continue; // a wrong result has no speed
         entrants.push_back(contender.run);
         figure_of.push_back(result.figures.size() - 1);

@@ -13,10 +13,11 @@ namespace ork::tool::bench {
 struct Figure {
     std::string name;
     peers::Kind kind;
-    double seconds = 0; // median of one call
-    double rate = 0;    // in the family's unit
-    std::string fault;  // why there is no time
-    std::string note;   // what it does differently
+    double seconds = 0;  // median of one call
+    double rate = 0;     // in the family's unit
+    std::string fault;   // why there is no time
+    std::string note;    // what it does differently
+    double analysis = 0; // seconds before the first call
 };
 
 struct Result {
@@ -35,6 +36,8 @@ struct Result {
 
     const Figure* subject() const;
     const Figure* find(const std::string& name) const;
+    // Of a figure with an analysis: after how many calls instead of the legacy kernels' it has paid; below 0: never.
+    double pays_after(const Figure& figure) const;
 };
 
 Result measure(const Family& family, const Case& c, const std::vector<peers::Library>& libraries, peers::Effort effort);

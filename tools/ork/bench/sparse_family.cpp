@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Sparse matrices: products with a vector and with several, triangular solves.
+// Sparse matrices: products with a vector and with several, triangular solves; with matrices that stay as they are, and
+// through handles that store them anew.
+#include <algorithm>
 #include <filesystem>
 #include <fmt/format.h>
 #include <fstream>
@@ -18,6 +20,7 @@ const std::vector<std::string> usual_matrices = {"lap2d:100",  "lap3d:20",  "box
 const std::vector<std::string> quick_matrices = {"lap2d:100", "lap3d:110"};
 const std::vector<std::string> usual_routines = {"dmv", "smv", "dmv64", "dmm", "smm", "dsv", "ssv"};
 const std::vector<std::string> quick_routines = {"dmv", "dsv"};
+const std::vector<std::string> usual_handle_routines = {"dmv", "smv", "dmv64", "ddotmv", "dmm", "dsv", "dsymgs"};
 const std::vector<std::string> all_letters = {"N",  "T",  "S",  "R1",  "R4", "R8", "R16",
                                               "C1", "C4", "C8", "C16", "L",  "U"};
 
@@ -30,8 +33,16 @@ bool is_file(const std::string& name)
 peers::CsrMatrix matrix(const peers::SparseCase& what, const std::string& name)
 {
     peers::CsrMatrix a = is_file(name) ? read_matrix_market(name) : peers::generate(name);
-    if (a.rows != a.columns && (what.letter == 'S' || what.routine == peers::SparseCase::Routine::sv))
+    using Routine = peers::SparseCase::Routine;
+    if (a.rows != a.columns && (what.letter == 'S' || (what.routine != Routine::mv && what.routine != Routine::mm)))
         throw std::runtime_error(fmt::format("{}: {} rows and {} columns have no triangle", name, a.rows, a.columns));
+    if (what.routine != Routine::symgs) return a;
+    for (int i = 0; i < a.rows; ++i) {
+        const auto end = a.col.begin() + a.ptr[static_cast<size_t>(i) + 1];
+        const auto diagonal = std::lower_bound(a.col.begin() + a.ptr[static_cast<size_t>(i)], end, i);
+        if (diagonal == end || *diagonal != i || a.val[static_cast<size_t>(diagonal - a.col.begin())] == 0)
+            throw std::runtime_error(fmt::format("{}: row {} has no diagonal entry to divide by", name, i + 1));
+    }
     return a;
 }
 
@@ -40,6 +51,23 @@ struct Operands {
     peers::SparseProblem problem;
     std::vector<std::unique_ptr<peers::SparseOperation>> operations;
 };
+
+// On two threads. A handle is analysed for the number of threads that there are, so it gets one of its own.
+peers::Entrant on_two_threads(const peers::Library& library, Operands& operands, peers::SparseOperation* operation)
+{
+    if (operands.problem.operands().what.handle) {
+        const int before = ork_set_num_threads_local(2);
+        auto own = library.sparse(operands.problem.operands());
+        ork_set_num_threads_local(before);
+        operation = own.get();
+        operands.operations.push_back(std::move(own));
+    }
+    return [operation](long calls) {
+        const int before = ork_set_num_threads_local(2);
+        for (; calls > 0; --calls) operation->run();
+        ork_set_num_threads_local(before);
+    };
+}
 
 peers::Entrant entrant(peers::SparseOperation* operation)
 {
@@ -60,18 +88,20 @@ Contest prepare(const peers::SparseCase& what, const std::string& name, const st
     contest.operands = operands;
     for (const peers::Library& library : libraries) {
         if (!library.sparse) continue;
-        auto operation = library.sparse(problem.operands());
+        std::unique_ptr<peers::SparseOperation> operation;
+        try {
+            operation = library.sparse(problem.operands());
+        } catch (const std::exception& error) {
+            contest.contenders.push_back({library.name, library.kind, {}, error.what()});
+        }
         if (operation == nullptr) continue;
         Contender contender{library.name, library.kind, entrant(operation.get()), problem.check(*operation)};
         contender.note = operation->storage();
+        contender.analysis = operation->analysis_seconds();
         contest.contenders.push_back(std::move(contender));
         operands->operations.push_back(std::move(operation));
         if (library.kind != peers::Kind::subject) continue;
-        contest.two_threads = [run = contest.contenders.back().run](long calls) {
-            const int before = ork_set_num_threads_local(2);
-            run(calls);
-            ork_set_num_threads_local(before);
-        };
+        contest.two_threads = on_two_threads(library, *operands, operands->operations.back().get());
         if (what.routine != peers::SparseCase::Routine::mm) continue;
         std::vector<peers::SparseOperation*> singles;
         for (const peers::SparseOperands& one : problem.one_by_one())
@@ -87,23 +117,23 @@ Contest prepare(const peers::SparseCase& what, const std::string& name, const st
     return contest;
 }
 
-} // namespace
-
-std::vector<Case> sparse_cases(const Selection& selection)
+std::vector<Case> cases_of(const Selection& selection, bool handles)
 {
     const auto chosen = [&](const auto& asked, const auto& quick, const auto& usual) {
         return !asked.empty() ? asked : selection.quick ? quick : usual;
     };
     std::vector<Case> cases;
-    for (const std::string& routine : chosen(selection.routines, quick_routines, usual_routines))
+    for (const std::string& routine :
+         chosen(selection.routines, quick_routines, handles ? usual_handle_routines : usual_routines))
         for (const std::string& letters : chosen(selection.trans, all_letters, all_letters)) {
-            const auto what = peers::sparse_case(routine, letters);
+            const auto what = peers::sparse_case(routine, letters, handles);
             if (!what) continue;
             for (const std::string& name : chosen(selection.sizes, quick_matrices, usual_matrices)) {
                 if (!is_file(name) && !peers::is_generated(name)) continue;
                 if (is_file(name) && !std::ifstream(name)) // rather now than among the results
                     throw std::runtime_error(name + ": can't be read");
-                if (what->letter == 'S' && name.starts_with("pow:")) continue; // not symmetric
+                const bool mirrored = what->letter == 'S' || what->routine == peers::SparseCase::Routine::symgs;
+                if (mirrored && name.starts_with("pow:")) continue; // not symmetric, nor with a diagonal
                 const std::string shape = is_file(name) ? std::filesystem::path(name).filename().string() : name;
                 cases.push_back({routine, letters, shape, 0, [what = *what, name](const auto& libraries) {
                                      return prepare(what, name, libraries);
@@ -112,5 +142,11 @@ std::vector<Case> sparse_cases(const Selection& selection)
         }
     return cases;
 }
+
+} // namespace
+
+std::vector<Case> sparse_cases(const Selection& selection) { return cases_of(selection, false); }
+
+std::vector<Case> handle_cases(const Selection& selection) { return cases_of(selection, true); }
 
 } // namespace ork::tool::bench

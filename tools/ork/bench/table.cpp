@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
+#include <cmath>
 #include <fmt/format.h>
 
 #include "bench/result.h"
@@ -19,6 +20,19 @@ std::string rate_of(const Figure* figure)
 {
     if (figure == nullptr) return "-";
     return figure->fault.empty() ? number(figure->rate) : "wrong";
+}
+
+// "ork: 1.31 times as fast as legacy; its analysis lasts 9.1 calls and has paid after 40"
+std::string cost(const Result& result, const Figure& figure)
+{
+    std::string text = figure.name + ": ";
+    const Figure* legacy = result.find("legacy");
+    if (legacy != nullptr && legacy->fault.empty())
+        text += fmt::format("{:.2f} times as fast as legacy; ", legacy->seconds / figure.seconds);
+    text += fmt::format("its analysis lasts {:.1f} calls", figure.analysis / figure.seconds);
+    if (result.pays_after(figure) >= 0)
+        text += fmt::format(" and has paid after {:.0f}", std::ceil(result.pays_after(figure)));
+    return text;
 }
 
 } // namespace
@@ -56,8 +70,11 @@ void Table::row(const Result& result)
         fmt::print(" {:>8} {:>10} {:>8} {:>7}", number(result.traffic), number(result.two_threads),
                    number(result.speed_up), number(result.over_singles));
     fmt::print("{}\n", all_ || result.traffic > 0 ? "" : fmt::format(" {:>8}", rate_of(wide)));
-    for (const Figure& f : result.figures)
-        if (!f.note.empty() && (all_ || &f == best)) fmt::print("{:>14} {}: {}\n", "", f.name, f.note);
+    for (const Figure& f : result.figures) {
+        if (!f.note.empty() && (all_ || &f == best || &f == subject)) fmt::print("{:>14} {}: {}\n", "", f.name, f.note);
+        if (f.analysis > 0 && f.fault.empty() && (all_ || &f == subject))
+            fmt::print("{:>14} {}\n", "", cost(result, f));
+    }
     for (const Figure& f : result.figures)
         if (!f.fault.empty()) fmt::print("{:>14} {} computed a wrong result: {}\n", "", f.name, f.fault);
     std::fflush(stdout);

@@ -9,8 +9,8 @@
 #include <cmath>
 #include <fmt/format.h>
 #include <numeric>
+#include <stdexcept>
 
-#include "demos/csv.h"
 #include "demos/demo.h"
 #include "demos/pca.h"
 #include "ork/blas.h"
@@ -30,19 +30,15 @@ size_t at(int row, int column, int rows)
 
 Images read_images(const std::string& file)
 {
-    const auto rows = read_csv(file, {p + 1, 0, 16, 0, 9});
-    Images images;
-    images.count = static_cast<int>(rows.size());
-    const auto alike = [&](const auto& row) { return std::equal(row.begin(), row.end() - 1, rows.front().begin()); };
-    if (std::all_of(rows.begin(), rows.end(), alike))
-        throw std::runtime_error(file + ": all images are alike, so there is no variance to explain");
-    images.pixels.resize(rows.size() * p);
-    for (int i = 0; i < images.count; ++i) {
-        const std::vector<int>& row = rows[static_cast<size_t>(i)];
-        for (int j = 0; j < p; ++j) images.pixels[at(i, j, images.count)] = row[static_cast<size_t>(j)];
-        images.digit.push_back(row.back());
-    }
-    return images;
+    Images images = read_digits(file);
+    const auto varies = [&](int pixel) {
+        for (int i = 1; i < images.count; ++i)
+            if (images.pixel(i, pixel) != images.pixel(0, pixel)) return true;
+        return false;
+    };
+    for (int pixel = 0; pixel < p; ++pixel)
+        if (varies(pixel)) return images;
+    throw std::runtime_error(file + ": all images are alike, so there is no variance to explain");
 }
 
 // dgemm that keeps count of its work and time.

@@ -5,20 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "demos/digits.h"
+
 namespace ork::tool {
-
-struct Images {
-    int count = 0;
-    std::vector<int> pixels; // count x 64, each 0 to 16
-    std::vector<int> digit;  // what the image shows
-
-    int pixel(int image, int at) const
-    {
-        return pixels[static_cast<size_t>(at) * static_cast<size_t>(count) + static_cast<size_t>(image)];
-    }
-};
-
-constexpr int side = 8, pixels_each = side * side;
 
 struct Reconstruction {
     int components;

@@ -22,17 +22,6 @@ void heading(Svg& svg, double x, double y, const std::string& title, const std::
     svg.text(x, y + 19, note, 12, Anchor::start, quiet);
 }
 
-// 8 x 8 cells; colour(pixel) in reading order.
-template <class Colour>
-void tile(Svg& svg, double x, double y, double size, const Colour& colour)
-{
-    const double cell = size / side;
-    for (int row = 0; row < side; ++row)
-        for (int column = 0; column < side; ++column) // a hair larger than a cell: no seams between neighbours
-            svg.rect(x + column * cell, y + row * cell, cell + 0.3, cell + 0.3, colour(row * side + column));
-    svg.frame(x, y, size, size, "#c8c8d0");
-}
-
 void draw_components(Svg& svg, double x, double y, const Principal& r, double total)
 {
     heading(svg, x, y, "Principal components",
@@ -44,7 +33,7 @@ void draw_components(Svg& svg, double x, double y, const Principal& r, double to
         double largest = 0;
         for (int i = 0; i < pixels_each; ++i) largest = std::max(largest, std::fabs(v[i]));
         const double tx = x + step_x * (c % columns), ty = y + 36 + step_y * (c / columns);
-        tile(svg, tx, ty, size, [&](int i) { return diverging(v[i] / largest); });
+        draw_tile(svg, tx, ty, size, [&](int i) { return diverging(v[i] / largest); });
         svg.text(tx, ty + size + 15, fmt::format("{}", c + 1), 12, Anchor::start, "#333", true);
         svg.text(tx + size, ty + size + 15, fmt::format("{:.1f} %", 100 * r.variance[static_cast<size_t>(c)] / total),
                  12, Anchor::end, quiet);
@@ -96,7 +85,7 @@ void draw_digits(Svg& svg, double x, double y, const Images& images, const Princ
             const auto found = std::find(images.digit.begin(), images.digit.end(), digit);
             if (found == images.digit.end()) continue;
             const int image = static_cast<int>(found - images.digit.begin());
-            tile(svg, x + label + step * digit, ty, size, [&](int i) { return ink(value(image, i) / 16); });
+            draw_tile(svg, x + label + step * digit, ty, size, [&](int i) { return ink(value(image, i) / 16); });
         }
     };
     double ty = y + 36;
