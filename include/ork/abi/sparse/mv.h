@@ -106,7 +106,7 @@ struct MvCalls {
     using bsr1nt_n_mv_ker = bsr0nt_n_mv_ker;
 
     // C = alpha A B + beta C, B whole and C the share's rows, `columns` columns. Element (i, j) is b[i ldb + j] (c) or
-    // b[j ldb + i] (f). A row's entries in turn for every column.
+    // b[j ldb + i] (f). Orders of addition and those of blocks are the ones of ../spblas.h.
     using csr_ng_n_mm_c_ker = void(Int row_first, Int row_last, Int base, Int columns, T alpha, const T* vals,
                                    const U* rows_ptr, const Int* cols, const T* b, Int ldb, T beta, T* c, Int ldc);
     using csr_ng_n_mm_f_ker = csr_ng_n_mm_c_ker;
