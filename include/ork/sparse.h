@@ -101,11 +101,11 @@ typedef enum ork_sparse_sweep ORK_ENUM {
 } ork_sparse_sweep;
 /* Of a product that is computed in steps: its structure may be kept while values change. */
 typedef enum ork_sparse_stage ORK_ENUM {
-    ORK_SPARSE_FULL = 1,               /* a new handle, structure and values */
-    ORK_SPARSE_FULL_NO_VALUES = 2,     /* a new handle, structure, values 0 */
-    ORK_SPARSE_COUNT = 3,              /* a new handle with row pointers alone; nothing but FINALIZE may follow */
-    ORK_SPARSE_FINALIZE = 4,           /* of COUNT: columns and values; of a finished handle: its values anew */
-    ORK_SPARSE_FINALIZE_NO_VALUES = 5  /* of COUNT: columns, values 0 */
+    ORK_SPARSE_FULL = 1,              /* a new handle, structure and values */
+    ORK_SPARSE_FULL_NO_VALUES = 2,    /* a new handle, structure, values 0 */
+    ORK_SPARSE_COUNT = 3,             /* a new handle with row pointers alone; nothing but FINALIZE may follow */
+    ORK_SPARSE_FINALIZE = 4,          /* of COUNT: columns and values; of a finished handle: its values anew */
+    ORK_SPARSE_FINALIZE_NO_VALUES = 5 /* of COUNT: columns, values 0 */
 } ork_sparse_stage;
 #undef ORK_ENUM
 
@@ -145,11 +145,11 @@ int64_t ork_sparse_optimize(ork_sparse_matrix_t a);
 /* What optimize chose, and why. */
 enum { ORK_SPARSE_DESCRIPTION_SIZE = 400 };
 typedef struct ork_sparse_description {
-    char layout[24];      /* of products with vectors: "csr", "slices", "diagonals", ... */
-    int64_t slice_height; /* rows of a slice; 0: no slices */
-    double padding;       /* stored numbers for each entry; 1: no padding */
-    double seconds;       /* spent in optimize */
-    int64_t bytes;        /* kept by the analysis */
+    char layout[24];                        /* of products with vectors: "csr", "slices", "diagonals", ... */
+    int64_t slice_height;                   /* rows of a slice; 0: no slices */
+    double padding;                         /* stored numbers for each entry; 1: no padding */
+    double seconds;                         /* spent in optimize */
+    int64_t bytes;                          /* kept by the analysis */
     char text[ORK_SPARSE_DESCRIPTION_SIZE]; /* for people: one line for each routine that was analysed */
 } ork_sparse_description;
 int64_t ork_sparse_describe(ork_sparse_matrix_t a, ork_sparse_description* description);

@@ -78,8 +78,9 @@ struct Environment {
     std::int64_t calls;   // expected of a matrix without hints
 };
 
-// Statuses are 0: done, 1: no memory, 2: a place that is not stored; on failure nothing has changed and no result is
-// written. op: 0 none, 1 transposed, 2 conjugate transposed, 3 conjugated.
+// Statuses are 0: done, 1: no memory, 2: more rows, columns or entries than the integers count, 3: a place that is not
+// stored; on failure nothing has changed and no result is written. op: 0 none, 1 transposed, 2 conjugate transposed, 3
+// conjugated.
 template <class Int>
 struct HandleCalls {
     // Looks at the whole structure in its order. Right: 0, and `sorted`, `distinct` and `entries` (csr, csc, bsr: those
@@ -90,12 +91,12 @@ struct HandleCalls {
     using destroy = void(Matrix* a);
     // A record with arrays of its own, without gaps. Hints are copied, the analysis is not.
     using copy = int(const Matrix* a, Matrix** result);
-    // op(A) in compressed rows or, by_columns, columns. Entries of a row keep the order in which they are stored if A
-    // is compressed the same way, and come by the rows (columns) of A otherwise: ascending where each place of A is
-    // stored once. Blocks are opened, with the zeros in them.
+    // op(A) in compressed rows or, by_columns, columns. Where A has the entries of such a row (column) together, which
+    // blocks have not, they keep their order; otherwise they are sorted, those of the same place in the order in which
+    // they are stored. Blocks are opened, with the zeros in them.
     using convert_csr = int(const Matrix* a, int op, int by_columns, Matrix** result);
-    // op(A) in square blocks in rows that ascend; entries of the same place add up in the order in which they are
-    // stored. Rows and columns are filled up to whole blocks with zeros.
+    // op(A) in square blocks, columns ascending and none twice; entries of the same place add up from 0 in the order in
+    // which they are stored. Rows and columns are filled up to whole blocks with zeros.
     using convert_bsr = int(const Matrix* a, int op, Int block, int layout, Matrix** result);
     // Sorts the rows of a record that owns its arrays or, borrowed_too, of any. Entries of the same place keep their
     // order. Sets `sorted` and `distinct`. Of one that is sorted nothing is written.
