@@ -7,8 +7,8 @@
 //
 // ORDER OF ADDITIONS of C = A B, in every stem alike: element (i, j) starts from 0 and gains a * b entry by entry of
 // row i of A as it is stored, and for each of them, of the row of B as it is stored; in blocks, inner index by inner
-// index. It depends on nothing else, so that shares, stages and dense results all have the same bits. With an alpha it
-// gains (alpha * a) * b.
+// index. It depends on nothing else, so that shares, stages and dense results all have the same bits. With an alpha
+// other than 1 it gains (alpha * a) * b, and with a beta it starts from beta * c: from 0 for beta = 0, from c for 1.
 //
 // PATTERN of C: the places that some pair of entries meets, whether or not the sum is 0. Stems that write columns write
 // them ascending, each once.
@@ -44,21 +44,22 @@ struct Result {
     Int base;
 };
 
-// Scratch of a product with `columns` columns, in blocks where there are blocks: a sum of the larger of T and Int for
-// each column, a bit for each column and a bit for each 64 of those, and a copy of the set's words in a row.
+// Scratch of a product with `columns` columns, in blocks where there are blocks: for each column a T or an Int,
+// whichever is larger, and a bit, and a bit for each 64 of those.
 template <class Int, class T>
 constexpr std::int64_t product_work(std::int64_t columns)
 {
     constexpr std::int64_t unit = sizeof(T) > sizeof(Int) ? sizeof(T) : sizeof(Int);
-    return (columns * unit + 15) / 16 * 16 + (columns / 64 + 1) * 16 + (columns / 4096 + 1) * 16;
+    return (columns * unit + 15) / 16 * 16 + (columns / 64 + columns / 4096 + 3) / 2 * 16;
 }
 
-// Scratch of A B A^H with A of `columns` columns and `rows` rows: one row of A B besides.
+// Scratch of A B A^H, A of `rows` rows and `columns` columns: a row of A B besides.
 template <class Int, class T>
 constexpr std::int64_t triple_work(std::int64_t rows, std::int64_t columns, std::int64_t block)
 {
-    const std::int64_t row = columns * block * block * std::int64_t{sizeof(T)} + columns * std::int64_t{sizeof(Int)};
-    return product_work<Int, T>(columns) + product_work<Int, T>(rows) + (row + 31) / 16 * 16;
+    constexpr std::int64_t column = sizeof(Int), value = sizeof(T);
+    return product_work<Int, T>(rows) + product_work<Int, T>(columns) + (columns * column + 15) / 16 * 16 +
+           (columns * block * block * value + 15) / 16 * 16;
 }
 
 // Threads of the caller of a routine that works on records: run calls body(context, part) for part = 0 .. parts - 1, on
@@ -80,9 +81,12 @@ struct Factors {
     ProductForm form;
     std::int32_t op_a, op_b;
     std::int32_t upper_b;     // triple: 1: the upper triangle of B is read, 0: the lower one
-    std::int32_t symmetric_b; // triple, complex: 1: B is symmetric, not Hermitian: C is neither, its upper triangle is
-                              // what is computed
+    std::int32_t symmetric_b; // triple, complex: 1: B is symmetric, not Hermitian
     const Matrix *a, *b;
+    // In place of B, for a dense result of a triple product: element (i, j) is dense_b[i row_b + j column_b], of which
+    // the upper triangle is read.
+    const void* dense_b;
+    std::int64_t row_b, column_b;
 };
 
 // Steps of a product of records. A step may be done again; pattern needs counts, values a pattern.
@@ -142,8 +146,8 @@ struct ProductCalls {
     using bsr__g_n_spmm_notr_row_ccc_values = bsr__g_n_spmm_notr_row_rrr_values;
 
     // Rows first .. last of C = A B, or alpha A B + beta C, dense, of `columns` columns. C is the whole matrix: element
-    // (i, j) is c[i ldc + j] (c) or c[j ldc + i] (f). In blocks: the layout of those of A and of B is that of C, and
-    // first, last and columns count blocks.
+    // (i, j) is c[i ldc + j] (c) or c[j ldc + i] (f). In blocks: the layout of those of A and of B is that of C, first,
+    // last and columns count blocks, and f gains a * (alpha * b).
     using csr_ng_n_spmmd_c_ker = void(Int first, Int last, Int columns, A a, A b, T* c, Int ldc);
     using csr_ng_n_spmmd_f_ker = csr_ng_n_spmmd_c_ker;
     using csr_ng_n_spmmd_alf_c_ker = void(Int first, Int last, Int columns, T alpha, A a, A b, T beta, T* c, Int ldc);
@@ -213,9 +217,9 @@ struct ProductCalls {
     using do_sp2m_allocate_C_handle = std::int64_t(const Factors*, Matrix** c);
     // The steps, into such a record.
     using do_sp2m = std::int64_t(const Team*, const Factors*, std::int32_t steps, Matrix* c);
-    // What lies between: from numbers of entries in first[1] .. first[rows] row pointers, and new arrays for that many
-    // entries, values cleared; nothing but a step may follow when it fails.
-    using update_C_handle_data_for_matmat = std::int64_t(Matrix* c);
+    // What lies between them. product_counts: numbers of entries in first[1] .. first[rows] become row pointers; when
+    // they are too many no other step but counts may follow. product_pattern: new arrays for the entries.
+    using update_C_handle_data_for_matmat = std::int64_t(std::int32_t steps, Matrix* c);
     // Dense C = alpha op(A) op(B) + beta C and the other forms' upper triangles, layout of C 0 row-major, 1
     // column-major.
     using spmmd = std::int64_t(const Team*, const Factors*, const T* alpha, const T* beta, std::int32_t layout, T* c,
