@@ -22,13 +22,19 @@ constinit Kernels<2> kernel_destroy("destroy");
 
 } // namespace
 
+void drop_analysis(Matrix& a)
+{
+    if (Analysis* const analysis = analysis_of(a)) {
+        analysis->~Analysis();
+        ork_serv_free(analysis);
+        a.analysis = nullptr;
+    }
+}
+
 void destroy(Matrix* matrix)
 {
     if (matrix == nullptr) return;
-    if (Analysis* analysis = analysis_of(*matrix)) {
-        analysis->~Analysis();
-        ork_serv_free(analysis);
-    }
+    drop_analysis(*matrix);
     kernel_destroy.get<HandleCalls<std::int64_t>::destroy>(0, matrix->index_bytes)(matrix);
 }
 

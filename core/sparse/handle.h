@@ -53,6 +53,9 @@ std::int64_t publish(const Routine& routine, Matrix* matrix, ork_sparse_matrix_t
 // The matrix and all that hangs on it; null is allowed. Of a matrix that has no handle.
 void destroy(Matrix* matrix);
 
+// As if optimize had never been called.
+void drop_analysis(Matrix& a);
+
 // Rows and columns of numbers, not of blocks.
 inline std::int64_t rows_of(const Matrix& a) { return a.rows * a.block; }
 inline std::int64_t cols_of(const Matrix& a) { return a.cols * a.block; }
