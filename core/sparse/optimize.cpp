@@ -91,7 +91,6 @@ void describe(Analysis& analysis, const char* line, ...)
 
 // Until their owners' files define them.
 [[gnu::weak]] std::int64_t analyse_mv(Matrix&, Analysis&) { return ORK_SPARSE_SUCCESS; }
-[[gnu::weak]] std::int64_t analyse_mm(Matrix&, Analysis&) { return ORK_SPARSE_SUCCESS; }
 [[gnu::weak]] std::int64_t analyse_solve(Matrix&, Analysis&) { return ORK_SPARSE_SUCCESS; }
 
 } // namespace ork::sparse
