@@ -8,16 +8,16 @@
 namespace ork::sparse {
 
 template <class Int>
-class BlockRows {
+class IntoBlocks {
 public:
-    BlockRows(const Matrix& rows, Int block, int layout)
+    IntoBlocks(const Matrix& rows, Int block, int layout)
         : rows_(rows), block_(block), layout_(layout), block_rows_((rows.rows + block - 1) / block),
           block_cols_((rows.cols + block - 1) / block), marks_(new_array(block_cols_, sizeof(Int)))
     {
     }
-    ~BlockRows() { ork_serv_free(marks_); }
-    BlockRows(const BlockRows&) = delete;
-    BlockRows& operator=(const BlockRows&) = delete;
+    ~IntoBlocks() { ork_serv_free(marks_); }
+    IntoBlocks(const IntoBlocks&) = delete;
+    IntoBlocks& operator=(const IntoBlocks&) = delete;
 
     Matrix* make()
     {
@@ -134,7 +134,7 @@ int convert_blocks(const Matrix& a, int op, Int block, int layout, Matrix** resu
     Matrix* rows = nullptr;
     if (a.format != Format::csr || op != 0)
         if (const int status = convert_lines<Int>(a, op, false, &rows)) return status;
-    Matrix* const c = BlockRows<Int>(rows != nullptr ? *rows : a, block, layout).make();
+    Matrix* const c = IntoBlocks<Int>(rows != nullptr ? *rows : a, block, layout).make();
     release_record(rows);
     if (c == nullptr) return record_no_memory;
     *result = c;
