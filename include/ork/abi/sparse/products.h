@@ -78,15 +78,15 @@ enum class ProductForm : std::int32_t {
 // The operands of a product of records; op as enum Operation (mv.h). Formats csr, csc and bsr; A and B both of blocks
 // of one order or neither, and alike in precision and width of indices.
 struct Factors {
-    ProductForm form;
-    std::int32_t op_a, op_b;
-    std::int32_t upper_b;     // triple: 1: the upper triangle of B is read, 0: the lower one
-    std::int32_t symmetric_b; // triple, complex: 1: B is symmetric, not Hermitian
-    const Matrix *a, *b;
+    ProductForm form = ProductForm::product;
+    std::int32_t op_a = 0, op_b = 0;
+    std::int32_t upper_b = 0;     // triple: 1: the upper triangle of B is read, 0: the lower one
+    std::int32_t symmetric_b = 0; // triple, complex: 1: B is symmetric, not Hermitian
+    const Matrix *a = nullptr, *b = nullptr;
     // In place of B, for a dense result of a triple product: element (i, j) is dense_b[i row_b + j column_b], of which
     // the upper triangle is read.
-    const void* dense_b;
-    std::int64_t row_b, column_b;
+    const void* dense_b = nullptr;
+    std::int64_t row_b = 0, column_b = 0;
 };
 
 // Steps of a product of records. A step may be done again; pattern needs counts, values a pattern.
