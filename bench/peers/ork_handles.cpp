@@ -60,6 +60,7 @@ public:
         routine_ = dlsym(library, (prefix + names[static_cast<int>(o.what.routine)]).c_str());
         if (create == nullptr || routine_ == nullptr) return;
         require(create(&a_, ORK_SPBLAS_BASE_0, o.m, o.n, ptr, ptr + 1, col, static_cast<const T*>(o.val)));
+        if (o.what.calls == 0) return;
         require(hint());
         const double start = now(Clock::wall);
         require(find<decltype(ork_sparse_optimize)>("ork_sparse_optimize")(a_));
@@ -73,12 +74,14 @@ public:
     Handle& operator=(const Handle&) = delete;
 
     bool ready() const { return a_ != nullptr; }
-    double analysis_seconds() const override { return seconds_; }
+    Analysis analysis() const override
+    {
+        const ork_sparse_description d = describe();
+        return {seconds_, d.layout, d.padding, d.bytes};
+    }
     std::string storage() const override
     {
-        ork_sparse_description d{};
-        if (find<decltype(ork_sparse_describe)>("ork_sparse_describe")(a_, &d) != 0) return {};
-        std::string text = d.text;
+        std::string text = describe().text;
         while (!text.empty() && text.back() == '\n') text.pop_back();
         for (size_t at = 0; (at = text.find('\n', at)) != std::string::npos; at += 2) text.replace(at, 1, "; ");
         return text;
@@ -113,6 +116,12 @@ private:
     {
         return reinterpret_cast<Function*>(dlsym(library_, name));
     }
+    ork_sparse_description describe() const
+    {
+        ork_sparse_description d{};
+        find<decltype(ork_sparse_describe)>("ork_sparse_describe")(a_, &d);
+        return d;
+    }
     ork_spblas_operation operation() const { return o_.what.letter == 'T' ? ORK_SPBLAS_TRANS : ORK_SPBLAS_NO_TRANS; }
     ork_spblas_layout layout() const { return o_.what.letter == 'R' ? ORK_SPBLAS_ROW_MAJOR : ORK_SPBLAS_COL_MAJOR; }
     ork_sparse_kind kind() const
@@ -124,7 +133,7 @@ private:
     }
     int64_t hint()
     {
-        constexpr int64_t calls = 1000;
+        const int64_t calls = o_.what.calls;
         if (o_.what.routine == Routine::mm)
             return find<decltype(ork_sparse_set_mm_hint)>("ork_sparse_set_mm_hint")(a_, operation(), kind(), layout(),
                                                                                     o_.what.nrhs, calls);

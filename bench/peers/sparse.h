@@ -41,6 +41,7 @@ struct SparseCase {
     bool single = false, wide = false; // wide: 64-bit integers
     // The matrix is handed over once and may be analysed, copied and stored in any form before the calls.
     bool handle = false;
+    int64_t calls = 1000; // announced to the analysis of a handle; 0: none is made
     char letter = 'N'; // mv, dotmv: N, T, S symmetric with the lower triangle stored; mm: R row-major, C column-major;
                        // sv: L, U; symgs: N
     int nrhs = 1;
@@ -62,6 +63,14 @@ struct SparseOperands {
     void* dot;
 };
 
+// What a library found out about a matrix before the first call.
+struct Analysis {
+    double seconds = 0; // 0: there was none
+    std::string layout = {};
+    double padding = 1; // numbers stored for each entry
+    int64_t bytes = 0;  // kept
+};
+
 // A call made ready.
 class SparseOperation {
 public:
@@ -69,7 +78,7 @@ public:
     virtual void run() = 0;
     virtual void finish() {}                           // leaves in y what is elsewhere; not timed
     virtual std::string storage() const { return {}; } // where a library keeps the matrix in its own form: which
-    virtual double analysis_seconds() const { return 0; }
+    virtual Analysis analysis() const { return {}; }
 };
 
 // Null when the library hasn't the case.

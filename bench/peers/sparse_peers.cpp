@@ -82,7 +82,7 @@ public:
             return; // it has neither
         }
     }
-    double analysis_seconds() const override { return tuning_; }
+    Analysis analysis() const override { return {tuning_}; }
     // "(coo:1, csr:1, hw:1, ...), ..., subm: 4": kinds of blocks, 16-bit indices, how many blocks
     std::string storage() const override
     {

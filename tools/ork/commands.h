@@ -11,5 +11,6 @@ void add_info(CLI::App& app, int& status);
 void add_check(CLI::App& app, int& status);
 void add_demo(CLI::App& app, int& status);
 void add_bench(CLI::App& app, int& status);
+void add_sparse(CLI::App& app, int& status);
 
 } // namespace ork::tool

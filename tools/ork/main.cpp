@@ -13,6 +13,7 @@ int main(int argc, char** argv)
     ork::tool::add_info(app, status);
     ork::tool::add_demo(app, status);
     ork::tool::add_bench(app, status);
+    ork::tool::add_sparse(app, status);
     ork::tool::add_check(app, status);
     try {
         app.parse(argc, argv);

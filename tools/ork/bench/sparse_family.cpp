@@ -97,7 +97,7 @@ Contest prepare(const peers::SparseCase& what, const std::string& name, const st
         if (operation == nullptr) continue;
         Contender contender{library.name, library.kind, entrant(operation.get()), problem.check(*operation)};
         contender.note = operation->storage();
-        contender.analysis = operation->analysis_seconds();
+        contender.analysis = operation->analysis().seconds;
         contest.contenders.push_back(std::move(contender));
         operands->operations.push_back(std::move(operation));
         if (library.kind != peers::Kind::subject) continue;
