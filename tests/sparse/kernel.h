@@ -28,11 +28,11 @@ inline void* sparse_symbol(const std::string& name)
 // KERNEL(csr_ng_n_mv_ker) in a test with types Int and T: the export with the signature of its stem. Null, and the test
 // has failed, when there is none.
 #define KERNEL(stem)                                                                                                   \
-    reinterpret_cast<typename ork::sparse::Calls<Int, T>::stem*>(ork::test::sparse_symbol(                             \
-        std::string("ork_sparse_") + ork::test::precision_letter<T>() + "_" #stem + ork::test::width_suffix<Int>()))
+    (reinterpret_cast<typename ork::sparse::Calls<Int, T>::stem*>(ork::test::sparse_symbol(                            \
+        std::string("ork_sparse_") + ork::test::precision_letter<T>() + "_" #stem + ork::test::width_suffix<Int>())))
 // The same of a stem without precision.
 #define HANDLE_KERNEL(stem)                                                                                            \
-    reinterpret_cast<typename ork::sparse::HandleCalls<Int>::stem*>(                                                   \
-        ork::test::sparse_symbol("ork_sparse_" #stem + ork::test::width_suffix<Int>()))
+    (reinterpret_cast<typename ork::sparse::HandleCalls<Int>::stem*>(                                                  \
+        ork::test::sparse_symbol("ork_sparse_" #stem + ork::test::width_suffix<Int>())))
 
 } // namespace ork::test
