@@ -255,7 +255,8 @@ ORK_SPARSE_EXPORT(std::int64_t, do_sp2m_allocate_C_handle)(const Factors* f, Mat
     Matrix* const c = new_record(nullptr, a.precision, sizeof(Int));
     if (c == nullptr) return product_no_memory;
     c->base = a.base, c->memory = a.memory;
-    c->format = !product && a.format == Format::csc ? Format::csr : a.format;
+    const bool kept = a.format == Format::bsr || (product && a.format == Format::csc);
+    c->format = kept ? a.format : Format::csr;
     c->rows = rows_of_op(a, f->op_a);
     c->cols = product ? cols_of_op(*f->b, f->op_b) : c->rows;
     c->block = a.block;

@@ -114,10 +114,11 @@ template <Part part, class Int, class T>
                                    const Int* cols, T* vals)
 {
     const std::int64_t size = product.b * product.b;
-    for (std::int64_t l = 0; l < count; ++l) places[std::int64_t{cols[l]} - base] = static_cast<Int>(l);
+    for (std::int64_t l = 0; l < count; ++l) places[std::int64_t{cols[l]} - base] = static_cast<Int>(l + 1);
     std::memset(static_cast<void*>(vals), 0, static_cast<std::size_t>(count * size) * sizeof(T));
     for_products<part>(left, b, i, false, [&](std::int64_t k, std::int64_t l, std::int64_t column) {
-        product.add(left.vals + k * size, b.vals + l * size, vals + places[column] * size);
+        const std::int64_t place = places[column];
+        if (place != 0) product.add(left.vals + k * size, b.vals + l * size, vals + (place - 1) * size);
     });
     for (std::int64_t l = 0; l < count; ++l) places[std::int64_t{cols[l]} - base] = 0;
 }

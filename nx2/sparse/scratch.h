@@ -23,7 +23,7 @@ public:
     // One of the three at a time, an element a column.
     T* sums;
     Int* stamps; // of the last row that met the column
-    Int* places; // of the block in the row of C
+    Int* places; // of the block in the row of C, plus 1
 
     Scratch(void* work, std::int64_t columns)
         : sums(static_cast<T*>(work)), stamps(static_cast<Int*>(work)), places(static_cast<Int*>(work)),
