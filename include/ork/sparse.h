@@ -158,8 +158,8 @@ int64_t ork_sparse_describe(ork_sparse_matrix_t a, ork_sparse_description* descr
    counts as well. For all threads; returns the former mode. */
 int ork_sparse_set_verbose_mode(int mode);
 
-/* Products of sparse matrices, of the precision and width that both have; formats csr, csc and bsr. A result has the
-   format of A and rows in no order: see ork_sparse_order. */
+/* Products of sparse matrices, of the precision and width that both have; blocks only with blocks of the same order.
+   A result has the format of A, or csr for coo (syrk, sypr: for csc too), and rows whose columns ascend. */
 /* C = op(A) B. */
 int64_t ork_sparse_spmm(ork_spblas_operation op, ork_sparse_matrix_t a, ork_sparse_matrix_t b, ork_sparse_matrix_t* c);
 /* C = opA(A) opB(B) in stages; *c is read by those that finish it. */
