@@ -18,16 +18,15 @@ namespace {
 using Index = std::int64_t;
 constexpr double infinite = std::numeric_limits<double>::infinity();
 
-constexpr Index most_diagonals = 128;
 constexpr Index chunk = 32;          // rows of a chunk of diagonals: whole blocks of every precision's kernel
 constexpr Index far_bytes = 8 << 20; // a matrix of more comes from memory in every product
 
 template <class Int>
-struct Rows {
+struct RowArrays {
     const Int *cols, *pointers; // cols from `base` on
     Index count, base;
 
-    explicit Rows(const MvPlan& plan)
+    explicit RowArrays(const MvPlan& plan)
         : cols(static_cast<const Int*>(plan.cols)), pointers(static_cast<const Int*>(plan.pointers)), count(plan.rows),
           base(plan.base)
     {
@@ -75,7 +74,7 @@ void* take(Index bytes)
 constexpr Index rounded(Index bytes) { return (bytes + 63) / 64 * 64; }
 
 template <class Int>
-Index stored_in_slices(const Rows<Int>& rows, Index height)
+Index stored_in_slices(const RowArrays<Int>& rows, Index height)
 {
     Index stored = 0;
     for (Index first = 0; first < rows.count; first += height) {
@@ -87,43 +86,69 @@ Index stored_in_slices(const Rows<Int>& rows, Index height)
     return stored;
 }
 
-// How many diagonals have entries, at most most_diagonals (0: more), and how far they reach to both sides together.
-// `mark` has a byte, cleared, for each diagonal there can be.
-template <class Int>
-Index count_diagonals(const Rows<Int>& rows, std::uint8_t* mark, Index& reach)
+// take(i, k, d) for every entry k of rows first .. last, the d-th of its row, when its diagonal is not that of the d-th
+// entry of the row before; same(i, k, d) when it is, as in most rows of grids. Rows have at most most_diagonals
+// entries, or take() ends the walk by returning false.
+template <class Int, class Same, class Take>
+[[gnu::always_inline]] inline bool walk(const RowArrays<Int>& rows, Index first, Index last, Same same, Take take)
 {
-    Index count = 0, low = 0, high = 0;
-    for (Index i = 0; i < rows.count; ++i)
-        for (Index k = rows.begin(i), end = k + rows.length(i); k < end; ++k) {
+    const Int* before = nullptr;
+    Index length_before = 0;
+    for (Index i = first; i < last; ++i) {
+        const Index begin = rows.begin(i), length = rows.length(i);
+        const Int* const cols = rows.cols + begin;
+        for (Index d = 0; d < length; ++d) {
+            if (d < length_before && cols[d] == before[d] + 1)
+                same(i, begin + d, d);
+            else if (!take(i, begin + d, d))
+                return false;
+        }
+        before = cols, length_before = length;
+    }
+    return true;
+}
+
+// Which diagonals have entries. False if there are too many. `mark` has a byte, cleared, for each that there can be.
+template <class Int>
+bool find_diagonals(const RowArrays<Int>& rows, std::uint8_t* mark, Costs& costs)
+{
+    Index count = 0;
+    const bool few = walk(
+        rows, 0, rows.count, [](Index, Index, Index) {},
+        [&](Index i, Index k, Index) {
             const Index distance = rows.column(k) - i;
             std::uint8_t& seen = mark[distance + rows.count - 1];
-            if (seen != 0) continue;
-            if (++count > most_diagonals) return 0;
+            if (seen != 0) return true;
+            if (count == Costs::most_diagonals) return false;
             seen = 1;
-            low = std::min(low, distance), high = std::max(high, distance);
-        }
-    reach = high - low;
-    return count;
+            costs.distance[count++] = distance;
+            return true;
+        });
+    std::sort(costs.distance, costs.distance + count);
+    costs.diagonal_count = few ? count : 0;
+    return few;
 }
 
 } // namespace
 
 Costs costs_of(const MvPlan& plan, bool distinct)
 {
-    Costs costs{0, infinite, infinite, infinite, 0, 0, 0};
+    Costs costs;
+    costs.diagonals = infinite;
+    costs.diagonal_count = 0;
     const Index size = element_size(plan.precision);
     const double n = static_cast<double>(plan.rows), nnz = static_cast<double>(plan.entries);
     const bool far = plan.entries * (size + plan.index_bytes) > far_bytes;
-    Index changes = 0, reach = 0; // rows of another length than the one before
+    Index changes = 0; // rows of another length than the one before
     with_width(plan, [&](auto width) {
-        const Rows<decltype(width)> rows(plan);
+        const RowArrays<decltype(width)> rows(plan);
         for (Index i = 1; i < rows.count; ++i) changes += rows.length(i) != rows.length(i - 1);
         costs.stored4 = stored_in_slices(rows, 4);
         costs.stored8 = stored_in_slices(rows, 8);
         if (!distinct || plan.entries == 0) return;
-        const Index all = plan.rows + plan.cols - 1;
+        const Index all = plan.rows + plan.columns - 1;
         if (void* const mark = ork_serv_calloc(static_cast<std::size_t>(all), 1, 64, 0)) {
-            costs.diagonal_count = count_diagonals(rows, static_cast<std::uint8_t*>(mark), reach);
+            find_diagonals(rows, static_cast<std::uint8_t*>(mark), costs);
             ork_serv_free(mark);
         }
     });
@@ -134,6 +159,7 @@ Costs costs_of(const MvPlan& plan, bool distinct)
     costs.slices8 = slice_entry * static_cast<double>(costs.stored8) + 0.6 * n;
     if (costs.diagonal_count > 0) {
         const double entry = (far ? 1.05 : 0.8) * static_cast<double>(size) / 8;
+        const Index reach = costs.distance[costs.diagonal_count - 1] - costs.distance[0];
         const double edge = std::min(n, static_cast<double>(reach)); // rows that are done one by one
         costs.diagonals = static_cast<double>(costs.diagonal_count) * (entry * n + edge);
     }
@@ -151,7 +177,7 @@ bool into_slices(MvPlan& plan, Index height, Index stored)
     with_sizes(plan, [&](auto integer, auto element) {
         using Int = decltype(integer);
         using Element = decltype(element);
-        const Rows<Int> rows(plan);
+        const RowArrays<Int> rows(plan);
         const Element* const from = static_cast<const Element*>(plan.vals);
         Element* const vals = reinterpret_cast<Element*>(memory);
         Int* const cols = reinterpret_cast<Int*>(memory + cols_at);
@@ -196,45 +222,42 @@ bool into_slices(MvPlan& plan, Index height, Index stored)
     return true;
 }
 
-bool into_diagonals(MvPlan& plan, Index count)
+bool into_diagonals(MvPlan& plan, const Costs& costs)
 {
-    const Index size = element_size(plan.precision), width = plan.index_bytes;
+    const Index size = element_size(plan.precision), width = plan.index_bytes, count = costs.diagonal_count;
     const Index chunks = (plan.rows + chunk - 1) / chunk, stored = chunks * count * chunk;
     const Index distances_at = rounded(stored * size), bytes = distances_at + count * width;
-    const Index all = plan.rows + plan.cols - 1;
+    const Index all = plan.rows + plan.columns - 1;
     char* const memory = static_cast<char*>(take(bytes));
-    std::int16_t* const number = static_cast<std::int16_t*>(ork_serv_calloc(static_cast<std::size_t>(all), 2, 64, 0));
+    std::uint8_t* const number = static_cast<std::uint8_t*>(ork_serv_calloc(static_cast<std::size_t>(all), 1, 64, 0));
     if (memory == nullptr || number == nullptr) {
         ork_serv_free(memory);
         ork_serv_free(number);
         return false;
     }
+    for (Index d = 0; d < count; ++d) number[costs.distance[d] + plan.rows - 1] = static_cast<std::uint8_t>(d);
     with_sizes(plan, [&](auto integer, auto element) {
         using Int = decltype(integer);
         using Element = decltype(element);
-        const Rows<Int> rows(plan);
+        const RowArrays<Int> rows(plan);
         const Element* const from = static_cast<const Element*>(plan.vals);
         Element* const vals = reinterpret_cast<Element*>(memory);
+        // From left to right, so that a sum takes the entries of sorted rows in their order.
         Int* const distances = reinterpret_cast<Int*>(memory + distances_at);
-        // Diagonals from left to right, so that a sum takes the entries of sorted rows in their order.
-        Index found = 0;
-        for (Index i = 0; i < rows.count && found < count; ++i)
-            for (Index k = rows.begin(i), end = k + rows.length(i); k < end; ++k) {
-                const Index distance = rows.column(k) - i;
-                std::int16_t& seen = number[distance + rows.count - 1];
-                if (seen == 0) distances[found++] = static_cast<Int>(distance), seen = 1;
-            }
-        std::sort(distances, distances + count);
-        for (Index d = 0; d < count; ++d) number[distances[d] + rows.count - 1] = static_cast<std::int16_t>(d);
+        for (Index d = 0; d < count; ++d) distances[d] = static_cast<Int>(costs.distance[d]);
         const int parts = spblas::threads_for(static_cast<double>(stored));
         threads::run(parts, [&](int part) {
             const spblas::Range range = spblas::strip(chunks, 1, parts, part);
-            std::memset(static_cast<void*>(vals + range.first * count * chunk), 0,
-                        static_cast<std::size_t>(range.count * count * chunk) * sizeof(Element));
-            for (Index i = range.first * chunk, last = std::min(range.end() * chunk, rows.count); i < last; ++i) {
-                Element* const row = vals + i / chunk * (count * chunk) + i % chunk;
-                for (Index k = rows.begin(i), end = k + rows.length(i); k < end; ++k)
-                    row[number[rows.column(k) - i + rows.count - 1] * chunk] = from[k];
+            for (Index c = range.first; c < range.end(); ++c) {
+                Element* const to = vals + c * count * chunk;
+                std::memset(static_cast<void*>(to), 0, static_cast<std::size_t>(count * chunk) * sizeof(Element));
+                Index at[Costs::most_diagonals]; // of the row before
+                const auto put = [&](Index i, Index k, Index d) { to[at[d] + i % chunk] = from[k]; };
+                walk(rows, c * chunk, std::min((c + 1) * chunk, rows.count), put, [&](Index i, Index k, Index d) {
+                    at[d] = number[rows.column(k) - i + rows.count - 1] * chunk;
+                    put(i, k, d);
+                    return true;
+                });
             }
         });
     });

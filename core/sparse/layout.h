@@ -7,9 +7,12 @@
 namespace ork::sparse {
 
 struct Costs {
+    static constexpr int most_diagonals = 128;
+
     double rows, slices4, slices8, diagonals; // of a product; infinite where there is no such layout
     std::int64_t stored4, stored8;            // numbers in slices
     std::int64_t diagonal_count;              // 0: too many, or columns may repeat
+    std::int64_t distance[most_diagonals];    // ascending, from the main diagonal to the right
 };
 
 // Of a plan in Layout::rows. `distinct`: no place is stored twice, which diagonals need.
@@ -18,6 +21,6 @@ Costs costs_of(const MvPlan& rows, bool distinct);
 // The layout of a plan in Layout::rows becomes another one, in memory of its own. False without memory, the plan as it
 // was.
 bool into_slices(MvPlan& plan, std::int64_t height, std::int64_t stored);
-bool into_diagonals(MvPlan& plan, std::int64_t count);
+bool into_diagonals(MvPlan& plan, const Costs& costs);
 
 } // namespace ork::sparse

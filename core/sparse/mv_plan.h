@@ -12,10 +12,10 @@
 namespace ork::sparse {
 
 enum class Layout : std::uint8_t {
-    rows,      // compressed rows, of the caller or of a conversion
-    blocks,    // block rows, likewise
-    slices,    // rows in slices of `height`
-    diagonals  // diagonals in chunks of `height` rows
+    rows,     // compressed rows, of the caller or of a conversion
+    blocks,   // block rows, likewise
+    slices,   // rows in slices of `height`
+    diagonals // diagonals in chunks of `height` rows
 };
 
 struct MvPlan {
@@ -26,7 +26,7 @@ struct MvPlan {
     Layout layout;
     char precision;
     std::int8_t index_bytes, base, block_layout; // base of cols; blocks: 0 row-major
-    std::int64_t rows, cols, block;              // of op(A), in blocks where there are some
+    std::int64_t rows, columns, block;           // of op(A), in blocks where there are some
     std::int64_t entries, stored;                // of the matrix; numbers in the layout
     std::int64_t height, count;                  // count: slices or diagonals
     // At the first entry: values; columns or distances; pointers of rows + 1 or slices + 1 numbers.
