@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include <algorithm>
 #include <filesystem>
 #include <fmt/format.h>
 #include <stdexcept>
@@ -13,7 +14,7 @@ namespace {
 namespace fs = std::filesystem;
 
 struct Options {
-    std::vector<std::string> names;
+    std::vector<std::string> names; // of demos, and of Matrix Market files
     std::string data, out = ".";
     bool checks = false, list = false;
 };
@@ -27,21 +28,31 @@ std::string data_folder()
     return fs::is_directory(installed, error) ? installed.string() : ORK_SOURCE_DATA;
 }
 
+bool is_matrix(const std::string& name) { return name.ends_with(".mtx"); }
+
 int run(const Options& options)
 {
     if (options.list) {
         for (const Demo& demo : demos())
-            fmt::print("{:<8}{}\n        input: {}\n", demo.name, demo.computes, demo.input);
+            fmt::print("{:<10}{}\n          input: {}\n", demo.name, demo.computes, demo.input);
         return 0;
     }
     if (ork_initialize() != ORK_OK) throw std::runtime_error(ork_error_text());
-    const Places places{options.data.empty() ? data_folder() : options.data, options.out};
+    Places places{options.data.empty() ? data_folder() : options.data, options.out};
+    std::vector<std::string> wanted;
+    for (const std::string& name : options.names) (is_matrix(name) ? places.matrices : wanted).push_back(name);
+    const auto is_wanted = [&](const Demo& demo) {
+        return wanted.empty() ? places.matrices.empty() || demo.takes_matrices
+                              : std::find(wanted.begin(), wanted.end(), demo.name) != wanted.end();
+    };
+    if (!places.matrices.empty() && std::none_of(demos().begin(), demos().end(), [&](const Demo& demo) {
+            return demo.takes_matrices && is_wanted(demo);
+        }))
+        throw std::runtime_error(places.matrices.front() + ": none of these demos takes a matrix");
     if (!fs::is_directory(places.out)) throw std::runtime_error(places.out + ": no folder to write pictures to");
     int status = 0;
     for (const Demo& demo : demos()) {
-        if (!options.names.empty() &&
-            std::find(options.names.begin(), options.names.end(), demo.name) == options.names.end())
-            continue;
+        if (!is_wanted(demo)) continue;
         fmt::print("{}: {}\n  input: {}\n", demo.name, demo.computes, demo.input);
         std::fflush(stdout);
         Report report;
@@ -66,7 +77,14 @@ void add_demo(CLI::App& app, int& status)
     CLI::App* command = app.add_subcommand("demo", "Do real work on real data, check every result, draw pictures");
     std::vector<std::string> names;
     for (const Demo& demo : demos()) names.emplace_back(demo.name);
-    command->add_option("name", options->names, "Demos to run; all of them by default")->check(CLI::IsMember(names));
+    const CLI::Validator known(
+        [names](const std::string& name) { return is_matrix(name) ? std::string() : CLI::IsMember(names)(name); },
+        fmt::format("{{{}}}|FILE.mtx", fmt::join(names, ",")));
+    command
+        ->add_option(
+            "name", options->names,
+            "Demos to run, all of them by default; Matrix Market files whose patterns pagerank takes for graphs")
+        ->check(known);
     command->add_option("--out", options->out, "Folder for the pictures")->capture_default_str();
     command->add_option("--data", options->data, "Folder with the input files");
     command->add_flag("--checks", options->checks, "List the checks that the results passed");

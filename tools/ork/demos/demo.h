@@ -38,8 +38,9 @@ private:
 };
 
 struct Places {
-    std::string data; // folder with the input files
-    std::string out;  // folder for pictures
+    std::string data;                       // folder with the input files
+    std::string out;                        // folder for pictures
+    std::vector<std::string> matrices = {}; // Matrix Market files named beside the demos
 };
 
 struct Demo {
@@ -47,9 +48,10 @@ struct Demo {
     const char* input;                                 // file in the data folder, and what it is
     const char* computes;                              // one sentence
     void (*run)(const Places& places, Report& report); // throws std::runtime_error when the input is no good
+    bool takes_matrices = false;
 };
 
 const std::vector<Demo>& demos();
-extern const Demo pca, linear_system, ecg, blur, structure;
+extern const Demo pca, linear_system, ecg, blur, structure, pagerank;
 
 } // namespace ork::tool
