@@ -55,6 +55,7 @@ std::int64_t update(const Routine& r, ork_sparse_matrix_t handle, Int count, con
     check.given("column_index", column_index, row_index != nullptr);
     check.given("values", values, count > 0);
     if (check.failed()) return check.status();
+    if (count == 0) return ORK_SPARSE_SUCCESS;
     const std::int64_t numbers = a->entries * a->block * a->block;
     if (row_index == nullptr && count != numbers)
         return mismatch(r, "count", count, "the matrix has %lld values", static_cast<long long>(numbers));

@@ -30,8 +30,9 @@ int64_t ORK_SIZED(export_bsr)(ork_sparse_matrix_t a, ork_spblas_base* base, ork_
                               ORK_INT** column_index, ORK_ELEMENT** values);
 
 /* New values in the handle's arrays, the caller's too. Without row_index and column_index (null) they are all, in the
-   order of the array; otherwise values[k] is that of the place (row_index[k], column_index[k]), counted from the base,
-   as with set_value. A place that is not stored is refused before anything is written. */
+   order of the array; count is their number, or 0 for nothing to do. Otherwise values[k] is that of the place
+   (row_index[k], column_index[k]), counted from the base, as with set_value. A place that is not stored is refused
+   before anything is written. */
 int64_t ORK_SIZED(update_values)(ork_sparse_matrix_t a, ORK_INT count, const ORK_INT* row_index,
                                  const ORK_INT* column_index, const ORK_ELEMENT* values);
 

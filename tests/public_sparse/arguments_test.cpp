@@ -48,12 +48,16 @@ void expect_told(std::int64_t status, const Told& want)
 TEST(SparseArguments, AreRefusedByPosition)
 {
     const Example example;
-    Handle a, square;
+    Handle a, square, large;
     ASSERT_EQ(example.create(a.result()), 0);
     Example three;
     three.cols = 2, three.index = {0, 1, 1};
     ASSERT_EQ(three.create(square.result()), 0);
     const Matrix s = square;
+    const std::int32_t pointers[] = {0, 2}, twice[] = {0, 0}; // blocks of 40000 x 40000, of which none is read
+    ASSERT_EQ(ork_sparse_d_create_bsr_i4(large.result(), ORK_SPBLAS_BASE_0, ORK_SPBLAS_ROW_MAJOR, 1, 1, 40000, pointers,
+                                         pointers + 1, twice, example.values.data()),
+              0);
     Matrix c = nullptr;
     double x[8] = {}, y[8] = {7, 7, 7, 7, 7, 7, 7, 7};
     const double* nothing = nullptr;
@@ -88,7 +92,9 @@ TEST(SparseArguments, AreRefusedByPosition)
         {{wrong, 2, "(op) is 115"}, [&] { return ork_sparse_convert_csr(a, ork_spblas_operation(115), &c); }},
         {{wrong, 3, "(result) is a null"}, [&] { return ork_sparse_convert_csc(a, none, nullptr); }},
         {{wrong, 2, "(block) is 0: less than 1"}, [&] { return ork_sparse_convert_bsr(a, 0, row, none, &c); }},
-        {{ORK_SPARSE_NOT_SUPPORTED, 1, "count"}, [&] { return ork_sparse_convert_bsr(a, INT32_MAX, row, none, &c); }},
+        {{ORK_SPARSE_NO_MEMORY, 0, "memory"}, [&] { return ork_sparse_convert_bsr(a, INT32_MAX, row, none, &c); }},
+        {{ORK_SPARSE_NOT_SUPPORTED, 1, "entries than 4-byte integers count"},
+         [&] { return ork_sparse_convert_csr(large, none, &c); }},
         {{wrong, 3, "(layout)"}, [&] { return ork_sparse_convert_bsr(a, 2, ork_spblas_layout(0), none, &c); }},
         {{wrong, 2, "(result) is a null"}, [&] { return ork_sparse_copy(a, nullptr); }},
         {{wrong, 4, "less than 0"}, [&] { return ork_sparse_set_mv_hint(a, none, {}, -1); }},

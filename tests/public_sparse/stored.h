@@ -6,6 +6,7 @@
 #include <dlfcn.h>
 
 #include <algorithm>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -120,6 +121,12 @@ struct Dense {
         return result;
     }
     bool operator==(const Dense&) const = default;
+
+    friend void PrintTo(const Dense& a, std::ostream* out)
+    {
+        *out << a.rows << " x " << a.cols << ':';
+        for (const T& value : a.values) *out << ' ' << value;
+    }
 };
 
 enum class Format { csr, csc, coo, bsr };
