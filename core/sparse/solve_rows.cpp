@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: MIT
+#include "sparse/solve_rows.h"
+
+#include <cstring>
+
+#include "ork/abi/services.h"
+#include "sparse/expand.h"
+#include "sparse/handle.h"
+#include "sparse/kernels.h"
+#include "spblas/call.h"
+
+namespace ork::sparse {
+namespace {
+
+constinit Kernels<2> convert_csr("convert_csr");
+
+// Whether a number, or each part of it, is 0.
+bool is_zero(char precision, const void* value)
+{
+    const auto zero = [&](auto real) {
+        std::memcpy(&real, value, sizeof real);
+        return real == 0;
+    };
+    switch (precision) {
+    case 's':
+        return zero(float{});
+    case 'd':
+        return zero(double{});
+    case 'c':
+        return zero(float{}) && (value = static_cast<const char*>(value) + 4, zero(float{}));
+    default:
+        return zero(double{}) && (value = static_cast<const char*>(value) + 8, zero(double{}));
+    }
+}
+
+} // namespace
+
+bool InRows::stands(const Matrix& a, int op, const ork_sparse_kind& kind, bool whole)
+{
+    const bool same = op == ORK_SPBLAS_NO_TRANS || (op == ORK_SPBLAS_CONJ && !is_complex(a.precision));
+    return same && a.format == Format::csr && (!whole || kind.type == ORK_SPBLAS_GENERAL);
+}
+
+InRows::InRows(const Matrix& a, int op, const ork_sparse_kind& kind, bool whole)
+    : upper_((kind.uplo == ORK_SPBLAS_UPPER) != transposes(op))
+{
+    using Convert = HandleCalls<std::int64_t>::convert_csr;
+    if (stands(a, op, kind, whole)) {
+        rows_ = &a;
+    } else if (whole && kind.type != ORK_SPBLAS_GENERAL) {
+        if (expand(a, kind, op, &copy_) == 0) rows_ = copy_;
+    } else if (convert_csr.get<Convert>(a)(&a, op - ORK_SPBLAS_NO_TRANS, 0, &copy_) == 0) {
+        rows_ = copy_;
+    }
+}
+
+InRows::~InRows() { destroy(copy_); }
+
+DiagonalFault diagonal_fault(const Matrix& a)
+{
+    using Kind = DiagonalFault::Kind;
+    const spblas::Integers index(a.index, a.index_bytes == 8), first(a.first, a.index_bytes == 8),
+        last(a.last, a.index_bytes == 8);
+    const std::int64_t size = element_size(a.precision), block = a.block;
+    const char* const values = static_cast<const char*>(a.values);
+    if (a.format == Format::coo) {
+        char* const seen = static_cast<char*>(ork_serv_calloc(static_cast<std::size_t>(a.rows) + 1, 1, 16, 0));
+        if (seen == nullptr) return {Kind::no_memory, 0};
+        DiagonalFault fault = {Kind::none, 0};
+        for (std::int64_t k = 0; k < a.entries; ++k) {
+            const std::int64_t row = first[k] - a.base;
+            if (row != index[k] - a.base) continue;
+            if (is_zero(a.precision, values + k * size)) fault = {Kind::zero, row + a.base};
+            if (seen[row]++ != 0) fault = {Kind::repeated, row + a.base}, seen[row] = 1;
+        }
+        for (std::int64_t row = a.rows; row-- > 0;)
+            if (seen[row] == 0) fault = {Kind::missing, row + a.base};
+        ork_serv_free(seen);
+        return fault;
+    }
+    for (std::int64_t i = 0; i < a.rows; ++i) {
+        std::int64_t own = -1;
+        for (std::int64_t k = first[i] - a.base, end = last[i] - a.base; k < end; ++k) {
+            if (index[k] - a.base != i) continue;
+            if (own >= 0) return {Kind::repeated, i * block + a.base};
+            own = k;
+        }
+        if (own < 0) return {Kind::missing, i * block + a.base};
+        for (std::int64_t r = 0; r < block; ++r)
+            if (is_zero(a.precision, values + (own * block * block + r * (block + 1)) * size))
+                return {Kind::zero, i * block + r + a.base};
+    }
+    return {Kind::none, 0};
+}
+
+} // namespace ork::sparse
