@@ -11,6 +11,7 @@
 #include "demos/cg.h"
 #include "matrix_market.h"
 #include "peers/sparse.h"
+#include "sparse/facts.h"
 
 namespace {
 
@@ -82,6 +83,7 @@ struct Faulty : peers::SparseOperation {
             if (fault == 4)
                 for (size_t i = 0; i <= last; ++i) y[i] = -y[i];
             if (fault == 5) y[last / 3] = 0;
+            if (fault == 6) *static_cast<std::decay_t<decltype(y)>>(o.dot) += 1e-3f;
         };
         o.what.single ? spoil(static_cast<float*>(o.y)) : spoil(static_cast<double*>(o.y));
     }
@@ -96,10 +98,16 @@ TEST(SparseChecks, RejectEveryFaultyResult)
                                            {"dmm", "R4"},
                                            {"smm", "C2"},
                                            {"dsv", "L"},
-                                           {"ssv64", "U"}})
+                                           {"ssv64", "U"},
+                                           {"ddotmv", "N"},
+                                           {"sdotmv64", "S"},
+                                           {"dsymgs", "N"}})
         for (const char* name : {"fem:20", "pow:70:6"}) {
-            peers::SparseProblem problem(*peers::sparse_case(routine, letters), peers::generate(name));
-            for (int fault = 0; fault <= 5; ++fault) {
+            const auto what = *peers::sparse_case(routine, letters, true);
+            if (what.routine == peers::SparseCase::Routine::symgs && *name == 'p') continue; // it has no diagonal
+            peers::SparseProblem problem(what, peers::generate(name));
+            const bool dot = what.routine == peers::SparseCase::Routine::dotmv;
+            for (int fault = 0; fault <= (dot ? 6 : 5); ++fault) {
                 Faulty operation(problem.operands(), fault);
                 EXPECT_EQ(problem.check(operation).empty(), fault == 0)
                     << routine << ' ' << letters << ' ' << name << ", fault " << fault;
@@ -113,6 +121,7 @@ TEST(SparseChecks, RejectEveryFaultyResult)
                                            {"dsv", "N"},
                                            {"dmm", "R"},
                                            {"dmm", "R3"},
+                                           {"ddotmv", "N"},
                                            {"dxv", "N"}})
         EXPECT_FALSE(peers::sparse_case(routine, letters)) << routine << ' ' << letters;
 }
@@ -129,6 +138,38 @@ TEST(SparseCases, CountEveryOperandOnce)
     EXPECT_EQ(problem("dmm", "R8").flops(), 8 * 920);
     EXPECT_EQ(problem("dmv", "S").flops(), 920); // as many as of the whole matrix
     EXPECT_EQ(problem("dsv", "L").flops(), 2 * 280);
+}
+
+TEST(SparseFacts, CountRowsDiagonalsAndMirrors)
+{
+    peers::CsrMatrix a; // rows of 0 to 3 entries: . | 0:1 3:2 | 1:5 | 1:2 2:7 3:1
+    a.rows = a.columns = 4;
+    a.ptr = {0, 0, 2, 3, 6};
+    a.col = {0, 3, 1, 1, 2, 3};
+    a.val = {1, 2, 5, 2, 7, 1};
+    const tool::Facts f = tool::facts_of(a);
+    EXPECT_EQ(f.quartiles, (std::vector<int>{0, 0, 1, 2, 3}));
+    EXPECT_EQ(f.mean, 1.5);
+    EXPECT_EQ(f.empty_rows, 1);
+    EXPECT_EQ(f.below, 2);
+    EXPECT_EQ(f.above, 2);
+    EXPECT_EQ(f.diagonals, 4u); // -2 -1 0 2
+    EXPECT_EQ(f.unmatched, 3u); // (1, 0), (2, 1) and (3, 2)
+    EXPECT_EQ(f.unequal, 0u);   // (1, 3) is (3, 1)
+    a.val[1] = 3;
+    EXPECT_EQ(tool::facts_of(a).unequal, 2u);
+    EXPECT_EQ(tool::histogram_of(a).size(), 4u);
+
+    const peers::CsrMatrix law = peers::generate("pow:500:9");
+    int rows = 0, after = -1;
+    for (const tool::Bar& bar : tool::histogram_of(law)) {
+        EXPECT_GT(bar.least, after);
+        EXPECT_GE(bar.most, bar.least);
+        after = bar.most;
+        rows += bar.rows;
+    }
+    EXPECT_EQ(rows, 500);
+    EXPECT_GT(after, 64);
 }
 
 class MatrixMarket : public testing::Test {

@@ -108,7 +108,8 @@ TEST_F(Tool, DemoShowsNothingOfAWrongComputation)
                                        {"system", "recognised that"},
                                        {"ecg", "by the median of"},
                                        {"blur", "PSNR"},
-                                       {"structure", "iterations"}})
+                                       {"structure", "iterations"},
+                                       {"pagerank", "most typical"}})
         for (const char* fault : {"nan", "small"}) {
             const ChildResult run = ork({"demo", demo, "--out", folder},
                                         {"LD_PRELOAD=" ORK_WRONG_BLAS, std::string("ORK_TEST_FAULT=") + fault});
@@ -202,6 +203,38 @@ TEST_F(Tool, DemoSolvesForAStructure)
         std::ofstream(folder / "bcsstk15.mtx") << text;
         EXPECT_THAT(ork({"demo", "structure", "--data", folder, "--out", folder}).err, HasSubstr(says));
     }
+}
+
+TEST_F(Tool, DemoRanksDigitsAndGraphs)
+{
+    const std::string file = folder / "three.mtx";
+    std::ofstream(file) << "%%MatrixMarket matrix coordinate pattern general\n3 3 4\n1 2\n2 1\n3 1\n3 3\n";
+    const ChildResult run = ork({"demo", "pagerank", file, "--out", folder, "--checks"});
+    ASSERT_TRUE(run.ok()) << run.describe();
+    // 18/37, 343/740 and 1/20, times three; a link to oneself is none
+    EXPECT_THAT(run.out, HasSubstr("three.mtx: 3 nodes, 3 links, 0 dead ends"));
+    EXPECT_THAT(run.out, HasSubstr("highest ranks (x n): 1 (1.46), 2 (1.39), 3 (0.15)\n"));
+    std::istringstream lines(run.out);
+    std::vector<double> high, low;
+    for (std::string line; std::getline(lines, line);) {
+        std::smatch ranks;
+        if (!std::regex_search(line, ranks, std::regex("its rank x n +(.*)"))) continue;
+        std::istringstream in(ranks[1]);
+        auto& all = high.empty() ? high : low;
+        all.assign(std::istream_iterator<double>(in), std::istream_iterator<double>());
+    }
+    ASSERT_EQ(high.size(), 10u) << run.out;
+    ASSERT_EQ(low.size(), 10u) << run.out;
+    for (size_t digit = 0; digit < 10; ++digit) {
+        EXPECT_GT(high[digit], 1);
+        EXPECT_LT(low[digit], 1);
+        EXPECT_GE(low[digit], 0.15);
+    }
+    EXPECT_EQ(xml_fault(read(folder / "ork-demo-pagerank.svg")), "");
+
+    std::ofstream(file) << "%%MatrixMarket matrix coordinate pattern general\n3 2 1\n1 2\n";
+    EXPECT_THAT(ork({"demo", "pagerank", file, "--out", folder}).err, HasSubstr("as many rows as columns"));
+    EXPECT_THAT(ork({"demo", "pca", file, "--out", folder}).err, HasSubstr("three.mtx"));
 }
 
 TEST_F(Tool, DemoNamesTheLineOfABadInputFile)
@@ -336,6 +369,57 @@ TEST_F(Tool, BenchMeasuresSparseMatrices)
     }
 }
 
+TEST_F(Tool, BenchMeasuresHandles)
+{
+    const std::string json = folder / "bench.json", file = folder / "small.mtx";
+    std::ofstream(file) << "%%MatrixMarket matrix coordinate real symmetric\n3 3 4\n1 1 4\n2 2 4\n3 3 4\n3 1 -1\n";
+    const ChildResult run = ork({"bench", "handles", "--routine", "dmv,smv64,ddotmv,sdotmv64,dmm,dsv,dsymgs", "--trans",
+                                 "N,T,S,R8,L", "--sizes", "lap2d:9,pow:40:5," + file, "--quick", "--json", json});
+    ASSERT_TRUE(run.ok()) << run.describe();
+    EXPECT_THAT(run.out, ContainsRegex("ork: [0-9.]+ times as fast as legacy; its analysis lasts [0-9.]+ calls"));
+    const auto root = nlohmann::json::parse(read(json));
+    ASSERT_EQ(root["cases"].size(), 34u);
+    for (const auto& c : root["cases"]) {
+        SCOPED_TRACE(c.dump());
+        EXPECT_EQ(c["figures"][0]["name"], "ork");
+        EXPECT_EQ(c["figures"].back()["name"] == "legacy", c["routine"] != "dsymgs");
+        for (const auto& figure : c["figures"]) EXPECT_TRUE(figure["right"].get<bool>());
+        EXPECT_GT(c["figures"][0]["analysis_seconds"].get<double>(), 0);
+        EXPECT_GT(c["speed_up"].get<double>(), 0);
+    }
+}
+
+TEST_F(Tool, SparseAnalysesAMatrix)
+{
+    for (const std::vector<std::string>& options :
+         {std::vector<std::string>{}, {"--precision", "s", "--index", "64", "--calls", "10", "--trans", "T"}}) {
+        std::vector<std::string> arguments = {"sparse", "analyse", "lap2d:30"};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        const ChildResult run = ork(arguments);
+        ASSERT_TRUE(run.ok()) << run.describe();
+        EXPECT_THAT(run.out, HasSubstr("lap2d:30: 900 x 900, 4380 entries\n"));
+        EXPECT_THAT(run.out,
+                    HasSubstr("least 3, quarter 5, half 5, three quarters 5, most 5; mean 4.87; 0 empty rows\n"));
+        EXPECT_THAT(run.out, ContainsRegex("4 \\|#+ +112\n"));
+        EXPECT_THAT(run.out, HasSubstr("30 below and 30 above the diagonal; 5 diagonals"));
+        EXPECT_THAT(run.out, HasSubstr("of structure and values"));
+        EXPECT_THAT(run.out, HasSubstr(options.empty() ? "optimize for 1000 products" : "optimize for 10 products"));
+        for (const char* row : {"plain csr in the caller's arrays", "handle as it was created", "handle after optimize",
+                                "handle after optimize, two threads"}) {
+            std::smatch rates;
+            ASSERT_TRUE(std::regex_search(run.out, rates, std::regex(std::string(row) + " +([0-9.]+) +([0-9.]+)")))
+                << row;
+            EXPECT_GT(std::stod(rates[2]), 0) << row;
+        }
+        EXPECT_THAT(run.out, ContainsRegex("analysis lasts as long as [0-9.]+ products"));
+    }
+    const std::string file = folder / "wide.mtx";
+    std::ofstream(file) << "%%MatrixMarket matrix coordinate real general\n2 9 3\n1 1 1\n1 9 1\n2 2 1\n";
+    EXPECT_THAT(ork({"sparse", "analyse", file}).out, HasSubstr("not square"));
+    std::ofstream(file) << "%%MatrixMarket matrix coordinate real general\n2 9 3\n1 1 1\n1 9 x\n2 2 1\n";
+    EXPECT_THAT(ork({"sparse", "analyse", file}).err, HasSubstr("wide.mtx:4: "));
+}
+
 // Counted independently: by the same rule in plain loops over the file.
 TEST_F(Tool, ExampleNamesAsManyDigitsAsPlainLoopsDo)
 {
@@ -373,6 +457,24 @@ TEST_F(Tool, ExampleFindsTheTemperatureOfAPlate)
     EXPECT_THAT(run.out, ContainsRegex("^10000 unknowns, [1-9][0-9]+ iterations, largest error [0-9.]+e-1[0-9]"));
 }
 
+TEST_F(Tool, ExampleCoolsAPlate)
+{
+    const ChildResult run = run_program({ORK_EXAMPLE_HEAT});
+    EXPECT_TRUE(run.ok()) << run.describe();
+    EXPECT_THAT(run.out, ContainsRegex("^20 steps, [1-9][0-9]+ iterations, 15.8 % of the heat left, largest error "
+                                       "[0-9.]+e-1[0-9]"));
+}
+
+// The first example of a page is a program, and prints what its last comment says.
+TEST_F(Tool, ExamplesOfDocumentsCompileAndPrintWhatTheySay)
+{
+    for (const char* example : {ORK_EXAMPLE_DOC_SPBLAS, ORK_EXAMPLE_DOC_SPARSE}) {
+        const ChildResult run = run_program({example});
+        EXPECT_TRUE(run.ok()) << run.describe();
+        EXPECT_EQ(run.out, "7 4 10\n");
+    }
+}
+
 TEST_F(Tool, BadArgumentsAreNamedAndFail)
 {
     struct Case {
@@ -398,7 +500,13 @@ TEST_F(Tool, BadArgumentsAreNamedAndFail)
         {{"bench", "sparse", "--sizes", "lap4d:10"}, "lap4d:10"},
         {{"bench", "sparse", "--trans", "R3"}, "R3"},
         {{"bench", "sparse", "--routine", "dmv", "--trans", "N", "--sizes", folder / "none.mtx"}, "none.mtx"},
+        {{"bench", "sparse", "--routine", "ddotmv"}, "ddotmv"},
+        {{"bench", "handles", "--routine", "dsymgs", "--sizes", ORK_SOURCE_DIR "/examples/data/west0479.mtx"},
+         "west0479.mtx: row 1 has no diagonal"},
         {{"bench", "--threads", "0"}, "--threads"},
+        {{"sparse"}, "subcommand is required"},
+        {{"sparse", "analyse", "lap4d:3"}, "lap4d:3"},
+        {{"sparse", "analyse", "lap2d:3", "--precision", "z"}, "--precision"},
         {{"bench", "--also", "/nonexistent/libblas.so"}, "/nonexistent/libblas.so"},
         {{"bench", "level1", "--routine", "ddot", "--sizes", "8", "--quick", "--json", folder / "missing" / "x.json"},
          "x.json"},
@@ -411,7 +519,8 @@ TEST_F(Tool, BadArgumentsAreNamedAndFail)
     const ChildResult nothing = ork({});
     EXPECT_GT(nothing.exit_code, 0);
     EXPECT_THAT(nothing.err, HasSubstr("demo"));
-    for (const char* help : {"info", "demo", "bench", "check"}) EXPECT_TRUE(ork({help, "--help"}).ok()) << help;
+    for (const char* help : {"info", "demo", "bench", "sparse", "check"})
+        EXPECT_TRUE(ork({help, "--help"}).ok()) << help;
 }
 
 } // namespace

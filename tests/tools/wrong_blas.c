@@ -1,6 +1,7 @@
 /* SPDX-License-Identifier: MIT */
 /* Preloaded in front of ork: a dgemm and a sparse product whose last element is NaN or off by one part in a million,
-   and transforms of which that holds for the third number. */
+   transforms of which that holds for the third number, and a product through a handle of which it does for the first.
+ */
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <math.h>
@@ -48,6 +49,9 @@ int64_t ork_dft_backward_out(const void* descriptor, const void* in, void* out)
 struct kind {
     int type, uplo, diag, base;
 };
+struct handle_kind {
+    int type, uplo, diag;
+};
 typedef int64_t product(int, struct kind, int32_t, int32_t, double, const double*, const int32_t*, const int32_t*,
                         const int32_t*, const double*, double, double*);
 
@@ -61,5 +65,16 @@ int64_t ork_spblas_lp64_dcsrmv(int op, struct kind kind, int32_t m, int32_t n, d
     const char* fault = getenv("ORK_TEST_FAULT");
     if (fault && *fault == 'n') y[m - 1] = NAN;
     if (fault && *fault == 's') y[m - 1] *= 1.000001;
+    return status;
+}
+
+int64_t ork_sparse_d_mv(int op, double alpha, void* a, struct handle_kind kind, const double* x, double beta, double* y)
+{
+    int64_t (*right)(int, double, void*, struct handle_kind, const double*, double, double*);
+    *(void**)&right = dlsym(RTLD_NEXT, "ork_sparse_d_mv");
+    const int64_t status = right(op, alpha, a, kind, x, beta, y);
+    const char* fault = getenv("ORK_TEST_FAULT");
+    if (fault && *fault == 'n') y[0] = NAN;
+    if (fault && *fault == 's') y[0] *= 1.000001;
     return status;
 }

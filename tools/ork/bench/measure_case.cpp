@@ -53,7 +53,8 @@ const Figure* Result::find(const std::string& name) const
 double Result::pays_after(const Figure& figure) const
 {
     const Figure* legacy = find("legacy");
-    if (legacy == nullptr || !(legacy->seconds > figure.seconds)) return -1;
+    constexpr double noise = 1.02; // what gains less can't be told from nothing
+    if (legacy == nullptr || !(legacy->seconds > noise * figure.seconds)) return -1;
     return figure.analysis / (legacy->seconds - figure.seconds);
 }
 

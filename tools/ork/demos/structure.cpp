@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The stiffness matrix of a structure, solved by conjugate gradients without a preconditioner and with two.
+// The stiffness matrix of a structure, solved by conjugate gradients without a preconditioner and with two; with
+// symmetric Gauss-Seidel also through an analysed handle.
 //
 // The right-hand side belongs to displacements that are known, so the error of every solution is too. Errors are
 // measured as the energy sqrt(e' A e): the norm that conjugate gradients make least, and the one in which a small
@@ -11,8 +12,10 @@
 #include <fmt/format.h>
 #include <stdexcept>
 
+#include "demos/cg_handle.h"
 #include "demos/demo.h"
 #include "matrix_market.h"
+#include "ork/cblas.h"
 #include "peers/measure.h"
 
 namespace ork::tool {
@@ -86,14 +89,17 @@ double true_residual(const Problem& p, const Vector& x)
     return static_cast<double>(std::sqrt(squares / size));
 }
 
-double energy_error(const Problem& p, const Vector& x)
+// Of the difference of two vectors, relative to the known displacements.
+double energy_between(const Problem& p, const Vector& a, const Vector& b)
 {
     const LongVector known(p.displacements.begin(), p.displacements.end());
-    LongVector e = known;
-    for (size_t i = 0; i < e.size(); ++i) e[i] -= x[i];
+    LongVector e(a.begin(), a.end());
+    for (size_t i = 0; i < e.size(); ++i) e[i] -= b[i];
     return static_cast<double>(
         std::sqrt(long_dot(e, long_product(p.whole, e)) / long_dot(known, long_product(p.whole, known))));
 }
+
+double energy_error(const Problem& p, const Vector& x) { return energy_between(p, p.displacements, x); }
 
 void verify_product(const Problem& p, Report& report)
 {
@@ -173,6 +179,56 @@ double seconds_of(const Call& call)
     return peers::median(std::move(seconds));
 }
 
+// The handle beside the legacy interface: the same result, and how much sooner, in turn with medians of the ratios.
+void compare_handle(const Problem& p, const Solution& legacy, int most, Report& report)
+{
+    const HandleSolver solver(p.whole, legacy.iterations());
+    const GaussSeidel gauss_seidel(p.lower);
+    const Solution handle = solver.solve(p.load, tolerance, most);
+    report.check("through the handle: |b - A x| / |b| in long double", true_residual(p, handle.x), 10 * tolerance);
+    report.check("through the handle: energy of the error", energy_error(p, handle.x), 1e-6);
+    report.check("through the handle: energy of the difference from the legacy solution",
+                 energy_between(p, handle.x, legacy.x), 1e-6);
+    report.check("through the handle: steps more or less than by the legacy interface",
+                 std::abs(handle.iterations() - legacy.iterations()), 2 + 0.05 * legacy.iterations());
+
+    Vector y, z;
+    const std::vector<peers::Entrant> entrants = {
+        [&](long calls) {
+            for (; calls > 0; --calls) conjugate_gradients(p.lower, p.load, gauss_seidel, tolerance, most);
+        },
+        [&](long calls) {
+            for (; calls > 0; --calls) solver.solve(p.load, tolerance, most);
+        },
+        [&](long calls) {
+            for (; calls > 0; --calls) {
+                multiply(p.lower, p.load, y);
+                cblas_ddot(static_cast<int>(y.size()), p.load.data(), 1, y.data(), 1);
+            }
+        },
+        [&](long calls) {
+            for (; calls > 0; --calls) solver.multiply(p.load, y);
+        },
+        [&](long calls) {
+            for (; calls > 0; --calls) gauss_seidel.apply(p.load, z);
+        },
+        [&](long calls) {
+            for (; calls > 0; --calls) solver.sweep(p.load, z);
+        }};
+    peers::Effort effort;
+    effort.clock = peers::Clock::wall;
+    effort.fewest = 9;
+    const peers::Samples seconds = peers::interleave(entrants, effort);
+    report.line(fmt::format(
+        "  symmetric Gauss-Seidel through a handle ({}): {} iterations, {:.3f} s after {:.1f} ms of analysis; "
+        "{:.2f} times as fast as by ork/spblas.h",
+        solver.describe().layout, handle.iterations(), peers::median(seconds[1]), 1e3 * solver.analysis_seconds(),
+        peers::speed_ratio(seconds[1], seconds[0])));
+    report.line(
+        fmt::format("    product with its dot product {:.2f} times, the sweep {:.2f} times as fast as two solves",
+                    peers::speed_ratio(seconds[3], seconds[2]), peers::speed_ratio(seconds[5], seconds[4])));
+}
+
 // Values, indices and pointers of a stored triangle, two vectors.
 double bytes(const peers::CsrMatrix& lower)
 {
@@ -207,6 +263,7 @@ void run(const Places& places, Report& report)
                                 true_residual(p, m.solution.x), energy_error(p, m.solution.x), m.solution.seconds));
     report.line(fmt::format("  incomplete Cholesky of A + {:g} D, the least shift tried that has positive pivots",
                             cholesky.shift()));
+    compare_handle(p, methods[1].solution, most, report);
     Vector y;
     const double product = seconds_of([&] { multiply(p.lower, p.load, y); }),
                  forward = seconds_of([&] { solve(cholesky.factor(), false, p.load, y); }),
