@@ -89,10 +89,6 @@ void describe(Analysis& analysis, const char* line, ...)
     if (now + 1 < sizeof text) std::strcpy(text + now, "\n");
 }
 
-// Until their owners' files define them.
-[[gnu::weak]] std::int64_t analyse_mv(Matrix&, Analysis&) { return ORK_SPARSE_SUCCESS; }
-[[gnu::weak]] std::int64_t analyse_solve(Matrix&, Analysis&) { return ORK_SPARSE_SUCCESS; }
-
 } // namespace ork::sparse
 
 ORK_EXPORT int64_t ork_sparse_optimize(ork_sparse_matrix_t a) { return ork::sparse::optimize(a); }
