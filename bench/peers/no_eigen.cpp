@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "peers/eigen.h"
 #include "peers/sparse.h"
+#include "peers/spgemm.h"
 
 namespace ork::peers {
 
@@ -8,5 +9,6 @@ const char* eigen_version() { return nullptr; }
 void* eigen_symbol(const char*) { return nullptr; }
 std::unique_ptr<Transform> eigen_transform(const FftCase&, void*, void*) { return nullptr; }
 std::unique_ptr<SparseOperation> eigen_sparse(const SparseOperands&) { return nullptr; }
+std::unique_ptr<Spgemm> eigen_spgemm(const CsrMatrix&) { return nullptr; }
 
 } // namespace ork::peers

@@ -43,6 +43,8 @@ const std::vector<Family>& families()
          Field::sparse, sparse_cases},
         {"handles", "the same through analysed handles, peers in storage of their choice; also ddotmv, dsymgs", "GF/s",
          Field::handles, handle_cases},
+        {"spgemm", "squares of sparse matrices through handles; --sizes lap3d:110,pow:8000:16", "GF/s", Field::handles,
+         spgemm_cases},
     };
     return all;
 }

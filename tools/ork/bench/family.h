@@ -74,6 +74,7 @@ const std::vector<Family>& families();
 std::vector<Case> gemm_cases(const Selection& selection);
 std::vector<Case> sparse_cases(const Selection& selection);
 std::vector<Case> handle_cases(const Selection& selection);
+std::vector<Case> spgemm_cases(const Selection& selection);
 std::vector<Case> level1_cases(const Selection& selection);
 std::vector<Case> level2_cases(const Selection& selection);
 std::vector<Case> level3_cases(const Selection& selection);

@@ -71,28 +71,36 @@ void print_choice(const peers::SparseOperation& operation, int64_t calls)
     fmt::print("  why            {}\n", operation.storage());
 }
 
-void measure(peers::SparseProblem& problem, const std::vector<Way>& ways, const Options& options)
+peers::Entrant entrant(const Way& way)
 {
-    std::vector<peers::Entrant> entrants;
-    for (const Way& way : ways)
-        entrants.push_back([&way](long calls) {
-            ork_set_num_threads_local(way.threads);
-            for (; calls > 0; --calls) way.operation->run();
-        });
+    return [&way](long calls) {
+        ork_set_num_threads_local(way.threads);
+        for (; calls > 0; --calls) way.operation->run();
+    };
+}
+
+void print_row(const peers::SparseProblem& problem, const Way& way, double seconds, double ratio)
+{
+    fmt::print("  {:<42}{:>10.2f}{:>10.2f}{:>10.1f}{:>14.2f}\n", way.name, 1e6 * seconds,
+               problem.flops() / seconds / 1e9, problem.bytes() / seconds / 1e9, ratio);
+}
+
+// The ways on one thread by processor time, so that a busy machine does little harm; two threads beside the first by
+// the wall clock.
+void measure(const peers::SparseProblem& problem, const std::vector<Way>& ways, const Options& options)
+{
     peers::Effort effort;
-    effort.clock = peers::Clock::wall;
     effort.budget = 1;
-    const peers::Samples seconds = peers::interleave(entrants, effort);
-    fmt::print("\n{}, {} precision, {}-bit indices; medians of {} rounds in turn, wall clock:\n",
+    const peers::Samples seconds = peers::interleave({entrant(ways[0]), entrant(ways[1]), entrant(ways[2])}, effort);
+    effort.clock = peers::Clock::wall;
+    const peers::Samples wall = peers::interleave({entrant(ways[0]), entrant(ways[3])}, effort);
+    fmt::print("\n{}, {} precision, {}-bit indices; medians of {} rounds in turn:\n",
                options.trans == "N" ? "y = A x" : "y = A' x", options.precision == "d" ? "double" : "single",
                options.index, seconds.front().size());
     fmt::print("  {:<42}{:>10}{:>10}{:>10}{:>14}\n", "", "us", "GF/s", "GB/s", "over plain");
-    for (size_t e = 0; e < ways.size(); ++e) {
-        const double median = peers::median(seconds[e]);
-        fmt::print("  {:<42}{:>10.2f}{:>10.2f}{:>10.1f}{:>14.2f}\n", ways[e].name, 1e6 * median,
-                   problem.flops() / median / 1e9, problem.bytes() / median / 1e9,
-                   peers::speed_ratio(seconds[e], seconds[0]));
-    }
+    for (size_t e = 0; e < 3; ++e)
+        print_row(problem, ways[e], peers::median(seconds[e]), peers::speed_ratio(seconds[e], seconds[0]));
+    print_row(problem, ways[3], peers::median(wall[1]), peers::speed_ratio(wall[1], wall[0]));
     const double plain = peers::median(seconds[0]), best = peers::median(seconds[2]),
                  analysis = ways[2].operation->analysis().seconds;
     fmt::print("The analysis lasts as long as {:.1f} products in plain csr", analysis / plain);
