@@ -77,6 +77,11 @@ const Plan* plan_for(const Matrix& a, const Product& p)
     check.given("beta", p.beta);
     check.dense("c", p.c, "ldc", p.ldc, p.layout, across ? cols_of(*a) : rows_of(*a), p.columns);
     if (check.failed()) return check.status();
+    // A single column without gaps is the same in both layouts; kernels add its rows in registers in column-major only.
+    if (p.columns == 1 && p.ldb == 1 && p.ldc == 1 && a->block == 1) {
+        p.layout = ORK_SPBLAS_COL_MAJOR;
+        p.ldb = p.ldc = rows_of(*a) + cols_of(*a);
+    }
     if (const Plan* plan = plan_for(*a, p)) {
         p.op = ORK_SPBLAS_NO_TRANS;
         return multiply(r, *plan->rows, p);
