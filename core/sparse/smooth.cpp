@@ -315,7 +315,7 @@ void relax_rows(const Matrix& a, const Relaxation& s)
         scale_x();
         return relax_triangle(r, *a, s);
     }
-    const InRows rows(*a, ORK_SPBLAS_NO_TRANS, s.kind, true);
+    const InRows rows(*a, ORK_SPBLAS_NO_TRANS, s.kind, true, false);
     if (rows.get() == nullptr) return no_memory(r);
     scale_x();
     relax_rows(*rows.get(), s);

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::int64_t far_bytes = 8 << 20;
 // Padding costs what entries cost, and slices save about half of it.
-constexpr double most_padding = 1.6;
+constexpr double most_padding = 1.3;
 // Entries, and two for each row: shorter work is done before another thread is awake.
 constexpr std::int64_t least_for_threads = 400'000;
 constexpr int most_threads = 8;
@@ -50,13 +50,28 @@ bool invert(std::complex<R> d, std::complex<R>& inverse)
     return true;
 }
 
-// Fills slices of `height` rows in the order of the plan.
-template <class Int, class T>
+template <class Int>
+class Middle {
+public:
+    explicit Middle(std::int64_t rows) : memory_(ork_serv_malloc(static_cast<std::size_t>(rows + 1) * sizeof(Int), 64))
+    {
+    }
+    ~Middle() { ork_serv_free(memory_); }
+    Middle(const Middle&) = delete;
+    Middle& operator=(const Middle&) = delete;
+    Int* get() const { return static_cast<Int*>(memory_); }
+
+private:
+    void* memory_;
+};
+
+// Slices of `height` rows in the order of a plan.
+template <class Int>
 class Packer {
 public:
-    Packer(const Matrix& rows, SolvePlan& plan, bool unit)
-        : rows_(rows), values_(static_cast<const T*>(rows.values)), plan_(plan), height_(plan.packed.height),
-          order_(reinterpret_cast<const Int*>(plan.packed.order)), unit_(unit)
+    Packer(const SolveRows<Int>& rows, const SolvePlan& plan)
+        : rows_(rows), slices_(plan.packed.slices), height_(plan.packed.height),
+          order_(reinterpret_cast<const Int*>(plan.packed.order))
     {
     }
 
@@ -65,97 +80,112 @@ public:
     std::int64_t begin(bool upper, Int* begin, std::int64_t& entries) const
     {
         std::int64_t stored = 0;
-        for (std::int64_t s = 0; s < plan_.packed.slices; ++s) {
+        for (std::int64_t s = 0; s < slices_; ++s) {
             std::int64_t width = 0;
             for (std::int64_t l = 0; l < height_; ++l) {
-                std::int64_t count = 0;
-                rows_.each(row(s, l), [&](std::int64_t column, std::int64_t) {
-                    count += upper ? column > row(s, l) : column < row(s, l);
-                });
+                const std::int64_t count = rows_.side(upper, order_[s * height_ + l]).size();
                 width = std::max(width, count);
                 entries += count;
             }
             begin[s] = static_cast<Int>(stored);
             stored += width * height_;
-            if (stored > most()) return -1;
+            if (stored > (sizeof(Int) == 4 ? INT32_MAX : INT64_MAX)) return -1;
         }
-        begin[plan_.packed.slices] = static_cast<Int>(stored);
+        begin[slices_] = static_cast<Int>(stored);
         return stored;
     }
 
-    void fill(bool upper, const Int* begin, T* vals, Int* cols) const
+    // E is anything of the numbers' size.
+    template <class E>
+    void fill(bool upper, const void* numbers, const Int* begin, E* vals, Int* cols) const
     {
-        for (std::int64_t s = 0; s < plan_.packed.slices; ++s) {
+        const E* const values = static_cast<const E*>(numbers);
+        for (std::int64_t s = 0; s < slices_; ++s) {
+            fetch_rows(s, values);
             const std::int64_t at = begin[s], end = begin[s + 1];
-            Int any = -1; // a column of the slice, for rows that have none
+            Int any = 0; // a column of the slice, for rows that have none
             for (std::int64_t l = 0; l < height_; ++l) {
-                const std::int64_t i = row(s, l);
-                std::int64_t k = at + l;
-                rows_.each(i, [&](std::int64_t column, std::int64_t position) {
-                    if (upper ? column <= i : column >= i) return;
-                    vals[k] = values_[position], cols[k] = static_cast<Int>(column);
-                    any = cols[k];
-                    k += height_;
-                });
-                const Int own = k > at + l ? cols[at + l] : Int{-1};
-                for (; k < end; k += height_) vals[k] = T{}, cols[k] = own;
+                const auto range = rows_.side(upper, order_[s * height_ + l]);
+                std::int64_t to = at + l;
+                for (std::int64_t k = range.begin; k < range.end; ++k, to += height_)
+                    vals[to] = values[k], cols[to] = static_cast<Int>(rows_.column(k));
+                if (range.size() > 0) any = cols[at + l];
+                for (; to < end; to += height_) vals[to] = E{}, cols[to] = cols[at + l];
             }
-            for (std::int64_t k = at; k < end; ++k)
-                if (cols[k] < 0) cols[k] = any;
+            for (std::int64_t l = 0; l < height_ && at < end; ++l)
+                if (rows_.side(upper, order_[s * height_ + l]).size() == 0)
+                    for (std::int64_t to = at + l; to < end; to += height_) cols[to] = any;
         }
     }
 
-    bool fill_diagonal(T* diagonal, T* inverse) const
+    template <class T>
+    bool fill_diagonal(const void* numbers, T* diagonal, T* inverse) const
     {
-        for (std::int64_t p = 0; p < plan_.lanes(); ++p) {
-            const std::int64_t i = order_[p];
-            int found = 0;
-            T d = T(1);
-            if (!unit_)
-                rows_.each(i, [&](std::int64_t column, std::int64_t position) {
-                    if (column == i) d = values_[position], ++found;
-                });
-            if (!unit_ && (found != 1 || !invert(d, inverse[p]))) return false;
-            if (unit_) inverse[p] = d;
-            if (diagonal != nullptr) diagonal[p] = d;
+        const T* const values = static_cast<const T*>(numbers);
+        for (std::int64_t p = 0; p < slices_ * height_; ++p) {
+            const auto range = rows_.diagonal(order_[p]);
+            if (range.size() != 1 || !invert(values[range.begin], inverse[p])) return false;
+            if (diagonal != nullptr) diagonal[p] = values[range.begin];
         }
         return true;
     }
 
 private:
-    static constexpr std::int64_t most() { return sizeof(Int) == 4 ? INT32_MAX : INT64_MAX; }
-    std::int64_t row(std::int64_t s, std::int64_t l) const { return order_[s * height_ + l]; }
+    // What slices ahead will copy: rows that follow each other in a slice's order stand apart.
+    template <class E>
+    void fetch_rows(std::int64_t s, const E* values) const
+    {
+        constexpr std::int64_t ahead = 8;
+        if (s + 2 * ahead >= slices_) return;
+        for (std::int64_t l = 0; l < height_; ++l) {
+            const std::int64_t later = order_[(s + 2 * ahead) * height_ + l], soon = order_[(s + ahead) * height_ + l];
+            __builtin_prefetch(rows_.first + later), __builtin_prefetch(rows_.last + later);
+            __builtin_prefetch(rows_.middle + later);
+            __builtin_prefetch(values + rows_.middle[soon]), __builtin_prefetch(rows_.index + rows_.middle[soon]);
+        }
+    }
 
-    const SolveRows<Int> rows_;
-    const T* values_;
-    SolvePlan& plan_;
-    const std::int64_t height_;
+    const SolveRows<Int>& rows_;
+    const std::int64_t slices_, height_;
     const Int* order_;
-    const bool unit_;
 };
 
 bool takes_unit(const SolveKey& key) { return !key.whole && key.kind.diag == ORK_SPBLAS_UNIT; }
 
-template <class Int, class T>
-Planned fill_plan(const Matrix& rows, SolvePlan& plan)
+template <class Int>
+Planned fill_plan(const Matrix& a, const SolveRows<Int>& rows, SolvePlan& plan)
 {
-    const Packer<Int, T> packer(rows, plan, takes_unit(plan.key));
-    const auto typed = [](const void* p) { return static_cast<T*>(const_cast<void*>(p)); };
-    const auto ints = [](const void* p) { return static_cast<Int*>(const_cast<void*>(p)); };
+    struct Wide {
+        std::uint64_t half[2];
+    };
+    const Packer<Int> packer(rows, plan);
+    const auto fill = [&](auto element, bool upper, const PackedTriangle<std::int64_t, double>& t) {
+        packer.fill(upper, a.values, reinterpret_cast<const Int*>(t.begin),
+                    reinterpret_cast<decltype(element)*>(const_cast<double*>(t.vals)),
+                    reinterpret_cast<Int*>(const_cast<std::int64_t*>(t.cols)));
+    };
     for (const bool upper : {false, true}) {
         const auto& t = upper ? plan.packed.upper : plan.packed.lower;
-        if (t.vals != nullptr) packer.fill(upper, ints(t.begin), typed(t.vals), ints(t.cols));
+        if (t.vals == nullptr) continue;
+        const std::int64_t size = element_size(a.precision);
+        size == 4   ? fill(std::uint32_t{}, upper, t)
+        : size == 8 ? fill(std::uint64_t{}, upper, t)
+                    : fill(Wide{}, upper, t);
     }
     if (plan.packed.inverse == nullptr) return Planned::done;
-    return packer.fill_diagonal(typed(plan.packed.diagonal), typed(plan.packed.inverse)) ? Planned::done
-                                                                                         : Planned::diagonal;
+    return with_type(a.precision, [&](auto t) {
+        const auto typed = [&](const double* p) { return reinterpret_cast<decltype(t)*>(const_cast<double*>(p)); };
+        return packer.fill_diagonal(a.values, typed(plan.packed.diagonal), typed(plan.packed.inverse))
+                   ? Planned::done
+                   : Planned::diagonal;
+    });
 }
 
 // Takes the memory of a plan whose order is known, and fills it.
-template <class Int, class T>
-Planned pack(const Matrix& rows, const Schedule<Int>& schedule, int height, SolvePlan& plan)
+template <class Int>
+Planned pack(const Matrix& a, const SolveRows<Int>& rows, const Schedule<Int>& schedule, int height, SolvePlan& plan)
 {
-    const std::int64_t n = rows.rows, slices = height == 1 ? n : schedule.slices, lanes = slices * height;
+    const std::int64_t n = a.rows, slices = height == 1 ? n : schedule.slices, lanes = slices * height;
     plan.packed.slices = slices, plan.packed.height = height;
     plan.rows = n, plan.chunks = schedule.chunks, plan.threads = schedule.threads;
     const int triangles = plan.key.whole ? 2 : 1;
@@ -182,7 +212,7 @@ Planned pack(const Matrix& rows, const Schedule<Int>& schedule, int height, Solv
     plan.chunk_begin = chunk_begin;
     plan.packed.order = reinterpret_cast<std::int64_t*>(order);
 
-    const Packer<Int, T> packer(rows, plan, takes_unit(plan.key));
+    const Packer<Int> packer(rows, plan);
     std::int64_t stored[2] = {}, entries = 0;
     for (int t = 0; t < triangles; ++t) {
         Int* const begin = reinterpret_cast<Int*>(head + order_bytes + t * begin_bytes);
@@ -193,26 +223,25 @@ Planned pack(const Matrix& rows, const Schedule<Int>& schedule, int height, Solv
     }
     plan.padding = entries > 0 ? static_cast<double>(stored[0] + stored[1]) / static_cast<double>(entries) : 1;
     if (plan.padding > most_padding) return Planned::useless;
-    const std::size_t vals_bytes = size(stored[0], sizeof(T)) + size(stored[1], sizeof(T));
+    const auto number = static_cast<std::size_t>(element_size(a.precision));
+    const std::size_t vals_bytes = size(stored[0], number) + size(stored[1], number);
     const std::size_t cols_bytes = size(stored[0], sizeof(Int)) + size(stored[1], sizeof(Int));
-    const std::size_t lane_bytes = size(lanes, sizeof(T));
+    const std::size_t lane_bytes = size(lanes, number);
     char* at = static_cast<char*>(ork_serv_malloc(vals_bytes + cols_bytes + 2 * lane_bytes, 64));
     if (at == nullptr) return Planned::no_memory;
     plan.values_memory = at;
     const auto take = [&](std::size_t bytes) { return std::exchange(at, at + bytes); };
     for (int t = 0; t < triangles; ++t) {
         auto& triangle = (plan.key.whole ? t == 1 : plan.upper) ? plan.packed.upper : plan.packed.lower;
-        triangle.vals = reinterpret_cast<double*>(take(size(stored[t], sizeof(T))));
+        triangle.vals = reinterpret_cast<double*>(take(size(stored[t], number)));
         triangle.cols = reinterpret_cast<std::int64_t*>(take(size(stored[t], sizeof(Int))));
     }
-    plan.packed.inverse = reinterpret_cast<double*>(take(lane_bytes));
+    plan.packed.inverse = takes_unit(plan.key) ? nullptr : reinterpret_cast<double*>(take(lane_bytes));
     plan.packed.diagonal = plan.key.whole ? reinterpret_cast<double*>(take(lane_bytes)) : nullptr;
     plan.bytes = static_cast<std::int64_t>(order_bytes + triangles * begin_bytes + chunk_bytes + vals_bytes +
                                            cols_bytes + 2 * lane_bytes);
     plan.packed.far = plan.bytes > far_bytes;
-    const Planned status = fill_plan<Int, T>(rows, plan);
-    if (status == Planned::done && takes_unit(plan.key)) plan.packed.inverse = nullptr;
-    return status;
+    return fill_plan(a, rows, plan);
 }
 
 void release_memory(SolvePlan& plan)
@@ -226,10 +255,12 @@ void release_memory(SolvePlan& plan)
 template <class Int>
 Planned make(const Matrix& rows, bool lasting, SolvePlan& plan)
 {
-    const SolveRows<Int> view(rows);
+    const Middle<Int> middle(rows.rows);
+    if (middle.get() == nullptr) return Planned::no_memory;
+    const SolveRows<Int> view(rows, middle.get());
     const Triangle triangle = plan.key.whole ? Triangle::both : plan.upper ? Triangle::upper : Triangle::lower;
     const auto packed = [&](const Schedule<Int>& schedule, int height) {
-        return with_type(rows.precision, [&](auto t) { return pack<Int, decltype(t)>(rows, schedule, height, plan); });
+        return pack(rows, view, schedule, height, plan);
     };
     int threads = rows.entries + 2 * rows.rows >= least_for_threads ? std::min(threads::limit(), most_threads) : 1;
     while (lasting) {
@@ -248,6 +279,13 @@ Planned make(const Matrix& rows, bool lasting, SolvePlan& plan)
     Schedule<Int> in_turn;
     in_turn.chunks = 1;
     return packed(in_turn, 1);
+}
+
+template <class Int>
+bool refill(const Matrix& rows, SolvePlan& plan)
+{
+    const Middle<Int> middle(rows.rows);
+    return middle.get() != nullptr && fill_plan(rows, SolveRows<Int>(rows, middle.get()), plan) == Planned::done;
 }
 
 struct Plans {
@@ -318,7 +356,7 @@ SolveKey solve_key(const Matrix& a, int op, ork_sparse_kind kind, bool whole)
 
 Planned make_plan(const Matrix& a, const SolveKey& key, bool lasting, SolvePlan*& result)
 {
-    const InRows rows(a, key.op, key.kind, key.whole);
+    const InRows rows(a, key.op, key.kind, key.whole, true);
     void* const memory = rows.get() != nullptr ? ork_serv_malloc(sizeof(SolvePlan), 64) : nullptr;
     if (memory == nullptr) return Planned::no_memory;
     auto* const plan = new (memory) SolvePlan{};
@@ -341,13 +379,9 @@ void release_plan(SolvePlan* plan)
 
 bool refresh_plan(const Matrix& a, SolvePlan& plan)
 {
-    const InRows rows(a, plan.key.op, plan.key.kind, plan.key.whole);
+    const InRows rows(a, plan.key.op, plan.key.kind, plan.key.whole, true);
     if (rows.get() == nullptr) return false;
-    return with_type(a.precision, [&](auto t) {
-        using T = decltype(t);
-        return (a.index_bytes == 4 ? fill_plan<std::int32_t, T>(*rows.get(), plan)
-                                   : fill_plan<std::int64_t, T>(*rows.get(), plan)) == Planned::done;
-    });
+    return a.index_bytes == 4 ? refill<std::int32_t>(*rows.get(), plan) : refill<std::int64_t>(*rows.get(), plan);
 }
 
 const SolvePlan* find_plan(const Matrix& a, const SolveKey& key)

@@ -12,7 +12,7 @@
 namespace ork::sparse {
 namespace {
 
-constinit Kernels<2> convert_csr("convert_csr");
+constinit Kernels<2> convert_csr("convert_csr"), sort_rows("optimize");
 
 // Whether a number, or each part of it, is 0.
 bool is_zero(char precision, const void* value)
@@ -41,17 +41,18 @@ bool InRows::stands(const Matrix& a, int op, const ork_sparse_kind& kind, bool w
     return same && a.format == Format::csr && (!whole || kind.type == ORK_SPBLAS_GENERAL);
 }
 
-InRows::InRows(const Matrix& a, int op, const ork_sparse_kind& kind, bool whole)
+InRows::InRows(const Matrix& a, int op, const ork_sparse_kind& kind, bool whole, bool sorted)
     : upper_((kind.uplo == ORK_SPBLAS_UPPER) != transposes(op))
 {
-    using Convert = HandleCalls<std::int64_t>::convert_csr;
-    if (stands(a, op, kind, whole)) {
+    using Handles = HandleCalls<std::int64_t>;
+    if (stands(a, op, kind, whole) && (a.sorted || !sorted)) {
         rows_ = &a;
-    } else if (whole && kind.type != ORK_SPBLAS_GENERAL) {
-        if (expand(a, kind, op, &copy_) == 0) rows_ = copy_;
-    } else if (convert_csr.get<Convert>(a)(&a, op - ORK_SPBLAS_NO_TRANS, 0, &copy_) == 0) {
-        rows_ = copy_;
+        return;
     }
+    const int status = whole && kind.type != ORK_SPBLAS_GENERAL
+                           ? expand(a, kind, op, &copy_)
+                           : convert_csr.get<Handles::convert_csr>(a)(&a, op - ORK_SPBLAS_NO_TRANS, 0, &copy_);
+    if (status == 0 && (!sorted || sort_rows.get<Handles::optimize>(a)(copy_, 0) == 0)) rows_ = copy_;
 }
 
 InRows::~InRows() { destroy(copy_); }

@@ -7,30 +7,44 @@
 
 namespace ork::sparse {
 
-// Rows and columns from 0; entry(column, position of the value).
+// Rows whose columns ascend; rows, columns and positions of values from 0.
 template <class Int>
 struct SolveRows {
     std::int64_t count, base;
     const Int *index, *first, *last;
+    Int* middle; // of each row the position of the first entry that is not left of the diagonal
 
-    explicit SolveRows(const Matrix& a)
+    SolveRows(const Matrix& a, Int* middle)
         : count(a.rows), base(a.base), index(static_cast<const Int*>(a.index)), first(static_cast<const Int*>(a.first)),
-          last(static_cast<const Int*>(a.last))
+          last(static_cast<const Int*>(a.last)), middle(middle)
     {
+        for (std::int64_t i = 0; i < count; ++i) {
+            std::int64_t k = first[i] - base;
+            for (const std::int64_t end = last[i] - base, own = i + base; k < end && index[k] < own;) ++k;
+            middle[i] = static_cast<Int>(k);
+        }
     }
-    template <class Entry>
-    void each(std::int64_t row, Entry&& entry) const
+    struct Range {
+        std::int64_t begin, end;
+        std::int64_t size() const { return end - begin; }
+    };
+    Range lower(std::int64_t row) const { return {first[row] - base, middle[row]}; }
+    Range diagonal(std::int64_t row) const
     {
-        for (std::int64_t k = first[row] - base, end = last[row] - base; k < end; ++k)
-            entry(std::int64_t{index[k]} - base, k);
+        std::int64_t k = middle[row];
+        for (const std::int64_t end = last[row] - base; k < end && index[k] == row + base;) ++k;
+        return {middle[row], k};
     }
+    Range upper(std::int64_t row) const { return {diagonal(row).end, last[row] - base}; }
+    Range side(bool is_upper, std::int64_t row) const { return is_upper ? upper(row) : lower(row); }
+    std::int64_t column(std::int64_t k) const { return index[k] - base; }
 };
 
 // The matrix itself where it is of that form, or a copy. whole: what `kind` says it stands for, as a general matrix;
-// otherwise all that is stored, of which the triangle is_upper() counts.
+// otherwise all that is stored, of which the triangle is_upper() counts. sorted: columns ascend.
 class InRows {
 public:
-    InRows(const Matrix& a, int op, const ork_sparse_kind& kind, bool whole);
+    InRows(const Matrix& a, int op, const ork_sparse_kind& kind, bool whole, bool sorted);
     ~InRows();
     InRows(const InRows&) = delete;
     InRows& operator=(const InRows&) = delete;

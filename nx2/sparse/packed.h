@@ -4,6 +4,7 @@
 
 #include "ork/abi/sparse/solve.h"
 #include "sparse/row_solve.h"
+#include "spblas/csr_fetch.h"
 
 namespace ork::sparse {
 
@@ -117,20 +118,29 @@ template <int h, class Int, class T>
 struct PackedSlices {
     using Row = Lanes<h, T>;
     Packed<Int, T> a;
+    std::int64_t ahead =
+        0; // bytes, of a matrix that comes from memory: those that each() will want, this far on its way
 
     explicit PackedSlices(const Packed<Int, T>& packed) : a(packed) {}
 
     const Int* rows(Position s) const { return a.order + s * h; }
 
+    [[gnu::always_inline]] void fetch_slice(const PackedTriangle<Int, T>& t, Position s) const
+    {
+        if (ahead != 0)
+            spblas::fetch_row(spblas::Csr<Int, T>{t.vals, t.cols, nullptr, nullptr}, t.begin[s], t.begin[s + 1], ahead);
+    }
     // sum - (the triangle's rows of slice s) x.
     [[gnu::always_inline]] Row less(Row sum, const PackedTriangle<Int, T>& t, Position s, const T* x) const
     {
+        fetch_slice(t, s);
         for (Position k = t.begin[s], end = t.begin[s + 1]; k < end; k += h)
             sum = sum - Row::at(t.vals + k) * Row::gathered(x, t.cols + k);
         return sum;
     }
     [[gnu::always_inline]] Row more(Row sum, const PackedTriangle<Int, T>& t, Position s, const T* x) const
     {
+        fetch_slice(t, s);
         for (Position k = t.begin[s], end = t.begin[s + 1]; k < end; k += h)
             sum = sum + Row::at(t.vals + k) * Row::gathered(x, t.cols + k);
         return sum;
@@ -143,18 +153,26 @@ struct PackedSlices {
     bool counts(Position s, int l) const { return l == 0 || rows(s)[l] != rows(s)[0]; }
 
     // body(s), of a matrix that comes from memory with what slices ahead need of the vectors on its way: their rows are
-    // scattered, which no hardware foresees.
+    // scattered, which no hardware foresees. x_begin, x_cols: of the triangle that names elements of x before their own
+    // slices have touched them, of which those of its last entries are the furthest ahead.
     template <class Body>
     [[gnu::always_inline]] void each(Position first, Position last, bool descending, const T* b, const T* x,
-                                     Body&& body) const
+                                     Body&& body, const Int* x_begin = nullptr, const Int* x_cols = nullptr)
     {
-        constexpr Position ahead = 64 / h;
+        ahead = a.far == 0 ? 0 : descending ? -far_ahead : far_ahead;
+        constexpr Position rows_ahead = 64 / h;
         const Position step = descending ? -1 : 1, end = descending ? first - 1 : last;
         const Position fetched = a.far == 0 || a.height != h ? 0 : a.slices;
         for (Position s = descending ? last - 1 : first; s != end; s += step) {
-            if (const Position next = s + step * ahead; 0 <= next && next < fetched)
+            if (const Position next = s + step * rows_ahead; 0 <= next && next < fetched)
 #pragma GCC unroll 4
-                for (int l = 0; l < h; ++l) fetch_at(b + rows(next)[l], 0), fetch_at(x + rows(next)[l], 0);
+                for (int l = 0; l < h; ++l) {
+                    fetch_at(b + rows(next)[l], 0);
+                    if (x_begin == nullptr)
+                        fetch_at(x + rows(next)[l], 0);
+                    else if (x_begin[next] != x_begin[next + 1])
+                        fetch_at(x + x_cols[x_begin[next + 1] - h + l], 0);
+                }
             body(s);
         }
     }

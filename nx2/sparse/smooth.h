@@ -18,15 +18,19 @@ template <class Int, class T>
             if (first >= last) return;
             switch (phase) {
             case phase_from_zero:
-            case phase_forward:
+            case phase_forward: {
+                const bool reads = phase == phase_forward;
                 slices.each(
-                    first, last, false, b, x, [&](Position s) __attribute__((always_inline)) {
+                    first, last, false, b, x,
+                    [&](Position s) __attribute__((always_inline)) {
                         Row sum = slices.less(alpha * Row::gathered(b, slices.rows(s)), slices.a.lower, s, x);
                         sum.store_at(rest + s * h);
-                        if (phase == phase_forward) sum = slices.less(sum, slices.a.upper, s, x);
+                        if (reads) sum = slices.less(sum, slices.a.upper, s, x);
                         slices.times_inverse(sum, s).scatter_to(x, slices.rows(s));
-                    });
+                    },
+                    reads ? slices.a.upper.begin : nullptr, slices.a.upper.cols);
                 break;
+            }
             case phase_backward:
                 slices.each(
                     first, last, true, x, x, [&](Position s) __attribute__((always_inline)) {
