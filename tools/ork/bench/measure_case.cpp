@@ -50,12 +50,19 @@ const Figure* Result::find(const std::string& name) const
     return nullptr;
 }
 
+const Figure* Result::without_analysis() const
+{
+    for (const char* name : {"legacy", "plain"})
+        if (const Figure* figure = find(name); figure != nullptr && figure->fault.empty()) return figure;
+    return nullptr;
+}
+
 double Result::pays_after(const Figure& figure) const
 {
-    const Figure* legacy = find("legacy");
+    const Figure* other = without_analysis();
     constexpr double noise = 1.02; // what gains less can't be told from nothing
-    if (legacy == nullptr || !(legacy->seconds > noise * figure.seconds)) return -1;
-    return figure.analysis / (legacy->seconds - figure.seconds);
+    if (other == nullptr || !(other->seconds > noise * figure.seconds)) return -1;
+    return figure.analysis / (other->seconds - figure.seconds);
 }
 
 Result measure(const Family& family, const Case& c, const std::vector<peers::Library>& libraries, peers::Effort effort)

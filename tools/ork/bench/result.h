@@ -36,7 +36,9 @@ struct Result {
 
     const Figure* subject() const;
     const Figure* find(const std::string& name) const;
-    // Of a figure with an analysis: after how many calls instead of the legacy kernels' it has paid; below 0: never.
+    // What is called where nothing is analysed: ork's own kernels, plain loops where it has none, or null.
+    const Figure* without_analysis() const;
+    // Of a figure with an analysis: after how many calls instead of that it has paid; below 0: never.
     double pays_after(const Figure& figure) const;
 };
 

@@ -26,9 +26,8 @@ std::string rate_of(const Figure* figure)
 std::string cost(const Result& result, const Figure& figure)
 {
     std::string text = figure.name + ": ";
-    const Figure* legacy = result.find("legacy");
-    if (legacy != nullptr && legacy->fault.empty())
-        text += fmt::format("{:.2f} times as fast as legacy; ", legacy->seconds / figure.seconds);
+    if (const Figure* other = result.without_analysis())
+        text += fmt::format("{:.2f} times as fast as {}; ", other->seconds / figure.seconds, other->name);
     text += fmt::format("its analysis lasts {:.1f} calls", figure.analysis / figure.seconds);
     if (result.pays_after(figure) >= 0)
         text += fmt::format(" and has paid after {:.0f}", std::ceil(result.pays_after(figure)));
