@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // C = alpha op(A) B + beta C. Rows of compressed rows or blocks are what threads divide and what is fastest, so an
 // analysis keeps op(A) in that form where A is not.
+#include <algorithm>
 #include <new>
 
 #include "export.h"
@@ -80,7 +81,7 @@ const Plan* plan_for(const Matrix& a, const Product& p)
     // A single column without gaps is the same in both layouts; kernels add its rows in registers in column-major only.
     if (p.columns == 1 && p.ldb == 1 && p.ldc == 1 && a->block == 1) {
         p.layout = ORK_SPBLAS_COL_MAJOR;
-        p.ldb = p.ldc = rows_of(*a) + cols_of(*a);
+        p.ldb = p.ldc = std::max({a->rows, a->cols, std::int64_t{1}});
     }
     if (const Plan* plan = plan_for(*a, p)) {
         p.op = ORK_SPBLAS_NO_TRANS;
@@ -121,17 +122,18 @@ std::int64_t analyse_mm(Matrix& a, Analysis& analysis)
     if (hint == nullptr) return ORK_SPARSE_SUCCESS;
     const int op = hint->op - ORK_SPBLAS_NO_TRANS;
     Matrix* rows = nullptr;
-    const int status = a.format == Format::bsr
-                           ? convert_bsr.get<Handles::convert_bsr>(a)(&a, op, a.block,
-                                                                      hint->layout == ORK_SPBLAS_COL_MAJOR, &rows)
-                           : convert_csr.get<Handles::convert_csr>(a)(&a, op, 0, &rows);
+    const int status =
+        a.format == Format::bsr
+            ? convert_bsr.get<Handles::convert_bsr>(a)(&a, op, a.block, hint->layout == ORK_SPBLAS_COL_MAJOR, &rows)
+            : convert_csr.get<Handles::convert_csr>(a)(&a, op, 0, &rows);
     void* const memory = rows != nullptr ? ork_serv_malloc(sizeof(Plan), 16) : nullptr;
     if (memory == nullptr) {
         destroy(rows);
         return status == 2 ? ORK_SPARSE_SUCCESS : ORK_SPARSE_NO_MEMORY; // 2: too large; works without
     }
     analysis.mm.set(new (memory) Plan{hint->op, hint->layout, rows}, release);
-    analysis.description.bytes += rows->entries * (rows->block * rows->block * element_size(a.precision) + a.index_bytes);
+    analysis.description.bytes +=
+        rows->entries * (rows->block * rows->block * element_size(a.precision) + a.index_bytes);
     describe(analysis, "mm: %s of op(A) in rows, since %lld calls are expected",
              rows->block > 1 ? "a copy in blocks" : "a copy", static_cast<long long>(hint->calls));
     return ORK_SPARSE_SUCCESS;

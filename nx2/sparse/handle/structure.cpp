@@ -16,11 +16,11 @@ int found(Matrix* a, Fault* fault, const Fault& f)
     return 1;
 }
 
-int right(Matrix* a, std::int64_t entries)
+int right(Matrix* a, std::int64_t entries, bool ascending, bool distinct)
 {
     a->entries = entries;
     a->wrong_row = a->wrong_position = -1;
-    if (a->index != nullptr || entries == 0) note_order<Int>(*a);
+    a->sorted = ascending, a->distinct = ascending && distinct;
     return 0;
 }
 
@@ -33,6 +33,25 @@ Int first_outside(const Int* values, Int count, Int base, Int limit)
     return count;
 }
 
+struct Look {
+    bool inside, ascending, distinct;
+};
+// The same and the order at once, without branches: creation reads the indices once.
+Look look_at(const Int* values, Int count, Int base, Int limit)
+{
+    using U = std::make_unsigned_t<Int>;
+    Look look = {true, true, true};
+    Int previous = static_cast<Int>(base - 1);
+    for (Int k = 0; k < count; ++k) {
+        const Int value = values[k];
+        look.inside &= static_cast<U>(value) - static_cast<U>(base) < static_cast<U>(limit);
+        look.ascending &= previous <= value;
+        look.distinct &= previous != value;
+        previous = value;
+    }
+    return look;
+}
+
 int look_at_lines(Matrix* a, Fault* fault)
 {
     const Int *const first = static_cast<const Int*>(a->first), *const last = static_cast<const Int*>(a->last),
@@ -40,6 +59,7 @@ int look_at_lines(Matrix* a, Fault* fault)
     const Int base = static_cast<Int>(a->base);
     const Int limit = static_cast<Int>(a->format == Format::csc ? a->rows : a->cols);
     std::int64_t entries = 0;
+    bool ascending = true, distinct = true;
     Int end = base;
     for (std::int64_t i = 0; i < lines_of(*a); ++i) {
         const std::int64_t row = i + base;
@@ -52,13 +72,18 @@ int look_at_lines(Matrix* a, Fault* fault)
         const Int count = static_cast<Int>(last[i] - first[i]);
         entries += count;
         if (index == nullptr) continue;
-        const Int start = static_cast<Int>(first[i] - base), k = first_outside(index + start, count, base, limit);
-        if (k < count)
+        const Int start = static_cast<Int>(first[i] - base);
+        const Look look = look_at(index + start, count, base, limit);
+        if (!look.inside) {
+            const Int k = first_outside(index + start, count, base, limit);
             return found(a, fault,
                          {Rule::outside, Array::index, row, std::int64_t{start} + k, index[start + k], base,
                           std::int64_t{base} + limit - 1});
+        }
+        ascending &= look.ascending;
+        distinct &= look.distinct;
     }
-    return right(a, entries);
+    return right(a, entries, ascending, distinct);
 }
 
 int look_at_places(Matrix* a, Fault* fault)
@@ -72,7 +97,8 @@ int look_at_places(Matrix* a, Fault* fault)
     if (column < count)
         return found(a, fault,
                      {Rule::outside, Array::index, rows[column], column, columns[column], base, base + a->cols - 1});
-    return right(a, a->entries);
+    const Order order = order_of(*a, line<Int>(*a, 0));
+    return right(a, a->entries, order.ascending, order.distinct);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include <ork/blas.h>
 #include <ork/cblas.h>
 #include <ork/ork.h>
+#include <ork/sparse.h>
 #include <ork/spblas.h>
 
 int main(void)
@@ -21,6 +22,14 @@ int main(void)
         y[1] != 6) {
         puts(ork_spblas_last_error()->text);
         return 2;
+    }
+    ork_sparse_matrix_t handle;
+    const ork_sparse_kind general = {ORK_SPBLAS_GENERAL, ORK_SPBLAS_LOWER, ORK_SPBLAS_NON_UNIT};
+    if (ork_sparse_d_create_csr_i8(&handle, ORK_SPBLAS_BASE_0, 2, 2, rows, rows + 1, columns, diagonal) ||
+        ork_sparse_optimize(handle) || ork_sparse_d_mv(ORK_SPBLAS_NO_TRANS, 2, handle, general, a, 0, y) ||
+        y[1] != 12 || ork_sparse_destroy(handle)) {
+        puts(ork_sparse_last_error()->text);
+        return 3;
     }
     return !(c[0] == 23 && c[1] == 34 && c[2] == 31 && c[3] == 46);
 }
