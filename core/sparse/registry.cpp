@@ -19,8 +19,8 @@ struct Slot {
     std::atomic<Matrix*> matrix;
 };
 
-constexpr std::uint32_t first_slots = 64; // of block 0; each further block has twice as many
-constinit std::atomic<Slot*> blocks[26] = {};
+constexpr std::uint32_t first_slots = 64;     // of block 0; each further block has twice as many
+constinit std::atomic<Slot*> blocks[27] = {}; // the last for numbers that no slot has
 constinit std::atomic<std::uint32_t> slots_used = 0;
 constinit std::atomic<std::uint64_t> free_slots = 0; // lower half: slot + 1 or 0, upper half: count of changes
 
