@@ -9,6 +9,7 @@
 
 #include "ork/abi/services.h"
 #include "sparse/handle.h"
+#include "sparse/kernels.h"
 #include "spblas/split.h"
 #include "threads/pool.h"
 
@@ -20,6 +21,19 @@ constexpr double infinite = std::numeric_limits<double>::infinity();
 
 constexpr Index chunk = 32;          // rows of a chunk of diagonals: whole blocks of every precision's kernel
 constexpr Index far_bytes = 8 << 20; // a matrix of more comes from memory in every product
+
+// What an entry costs by precision, s d c z, and where the matrix comes from, near caches or memory. Fitted on AMD
+// family 26 to what the kernels took on grids of 5, 7 and 27 points and on finite elements.
+struct Rates {
+    double entry;    // of a row; 1 is a long row from near caches
+    double brief;    // the same in rows below eight, against longer ones: complex products one by one
+    double slice;    // with those that fill up
+    double diagonal; // likewise
+};
+constexpr Rates rates[4][2] = {{{1.00, 1.00, 0.80, 0.45}, {1.50, 1.00, 1.00, 0.52}},
+                               {{1.00, 1.00, 0.95, 0.80}, {1.50, 1.00, 1.10, 1.05}},
+                               {{1.00, 2.20, 0.82, 0.80}, {1.15, 2.00, 0.92, 0.82}},
+                               {{1.00, 1.85, 0.90, 1.35}, {1.22, 1.60, 1.10, 1.50}}};
 
 template <class Int>
 struct RowArrays {
@@ -139,10 +153,14 @@ Costs costs_of(const MvPlan& plan, bool distinct)
     const Index size = element_size(plan.precision);
     const double n = static_cast<double>(plan.rows), nnz = static_cast<double>(plan.entries);
     const bool far = plan.entries * (size + plan.index_bytes) > far_bytes;
-    Index changes = 0; // rows of another length than the one before
+    Index changes = 0, brief = 0; // rows of another length than the one before, entries of rows below eight
     with_width(plan, [&](auto width) {
         const RowArrays<decltype(width)> rows(plan);
-        for (Index i = 1; i < rows.count; ++i) changes += rows.length(i) != rows.length(i - 1);
+        for (Index i = 0; i < rows.count; ++i) {
+            const Index length = rows.length(i);
+            changes += i > 0 && length != rows.length(i - 1);
+            brief += length < 8 ? length : 0;
+        }
         costs.stored4 = stored_in_slices(rows, 4);
         costs.stored8 = stored_in_slices(rows, 8);
         if (!distinct || plan.entries == 0) return;
@@ -152,16 +170,15 @@ Costs costs_of(const MvPlan& plan, bool distinct)
             ork_serv_free(mark);
         }
     });
-    // Values that stand side by side against gathered ones, and what a row or slice costs beside.
-    const double row_entry = far ? 1.5 : 1.0, slice_entry = far ? 1.1 : 0.95;
-    costs.rows = row_entry * nnz + 2 * n + 3 * static_cast<double>(changes);
-    costs.slices4 = slice_entry * static_cast<double>(costs.stored4) + 0.7 * n;
-    costs.slices8 = slice_entry * static_cast<double>(costs.stored8) + 0.6 * n;
+    const Rates& rate = rates[precision_number(plan.precision)][far];
+    costs.rows =
+        rate.entry * (nnz + (rate.brief - 1) * static_cast<double>(brief)) + 2 * n + 3 * static_cast<double>(changes);
+    costs.slices4 = rate.slice * static_cast<double>(costs.stored4) + 0.7 * n;
+    costs.slices8 = rate.slice * static_cast<double>(costs.stored8) + 0.6 * n;
     if (costs.diagonal_count > 0) {
-        const double entry = (far ? 1.05 : 0.8) * static_cast<double>(size) / 8;
         const Index reach = costs.distance[costs.diagonal_count - 1] - costs.distance[0];
         const double edge = std::min(n, static_cast<double>(reach)); // rows that are done one by one
-        costs.diagonals = static_cast<double>(costs.diagonal_count) * (entry * n + edge);
+        costs.diagonals = static_cast<double>(costs.diagonal_count) * (rate.diagonal * n + edge);
     }
     return costs;
 }
