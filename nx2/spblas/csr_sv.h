@@ -28,7 +28,9 @@ struct Walk {
         // A matrix that holds nothing but the triangle ends on the diagonal.
         const std::int64_t nearest = first + (count - 1) * step;
         if (a.indx[nearest] == row) {
-            --count;
+            do // more than once only where ones are taken for it
+                --count;
+            while (count > 0 && a.indx[first + (count - 1) * step] == row);
         } else if (!in_triangle<r>(row, std::int64_t{a.indx[nearest]})) {
             count = 0;
             while (in_triangle<r>(row, std::int64_t{a.indx[first + count * step]})) ++count;
