@@ -174,7 +174,9 @@ void run(const Places& places, Report& report)
     verify_known(report);
     for (const std::string& file :
          places.matrices.empty() ? std::vector{places.data + "/west0479.mtx"} : places.matrices) {
-        const Graph graph = links_of(read_matrix_market(file));
+        const peers::CsrMatrix matrix = read_matrix_market(file);
+        if (matrix.rows != matrix.columns) throw std::runtime_error(file + ": a graph has as many rows as columns");
+        const Graph graph = links_of(matrix);
         const Ranking ranking = rank_by_handle(graph);
         const std::string name = file.substr(file.rfind('/') + 1);
         verify_ranks(name, graph, ranking, report);

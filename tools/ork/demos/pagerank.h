@@ -25,7 +25,7 @@ struct Graph {
 // ones the first.
 Graph nearest_neighbours(const Images& images, int count);
 // A link for each entry of a square matrix off its diagonal.
-Graph links_of(peers::CsrMatrix matrix);
+Graph links_of(const peers::CsrMatrix& matrix);
 
 struct Ranking {
     std::vector<double> rank; // sums up to 1

@@ -84,9 +84,8 @@ Graph nearest_neighbours(const Images& images, int count)
     return graph;
 }
 
-Graph links_of(peers::CsrMatrix matrix)
+Graph links_of(const peers::CsrMatrix& matrix)
 {
-    if (matrix.rows != matrix.columns) throw std::runtime_error("a graph has as many rows as columns");
     Graph graph;
     graph.links.rows = graph.links.columns = matrix.rows;
     for (int i = 0; i < matrix.rows; ++i) {
