@@ -233,7 +233,8 @@ TEST_F(Tool, DemoRanksDigitsAndGraphs)
     EXPECT_EQ(xml_fault(read(folder / "ork-demo-pagerank.svg")), "");
 
     std::ofstream(file) << "%%MatrixMarket matrix coordinate pattern general\n3 2 1\n1 2\n";
-    EXPECT_THAT(ork({"demo", "pagerank", file, "--out", folder}).err, HasSubstr("three.mtx: a graph has as many rows as columns"));
+    EXPECT_THAT(ork({"demo", "pagerank", file, "--out", folder}).err,
+                HasSubstr("three.mtx: a graph has as many rows as columns"));
     EXPECT_THAT(ork({"demo", "pca", file, "--out", folder}).err, HasSubstr("three.mtx"));
 }
 
