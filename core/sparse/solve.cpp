@@ -12,6 +12,8 @@
 namespace ork::sparse {
 namespace {
 
+using Handles = HandleCalls<std::int64_t>;
+constinit Kernels<2> copy("copy"), sort_rows("optimize");
 constinit Kernels<8> forward("sv_fwd_ker0_high_opt"), backward("sv_bwd_ker0_high_opt");
 
 struct Solve {
@@ -40,7 +42,8 @@ void run(const Matrix& a, const SolvePlan& plan, const Solve& s)
     });
 }
 
-std::int64_t run_plain(const Routine& r, const Matrix& a, const Solve& s)
+// The routines on callers' arrays look for the diagonal where it is in rows that ascend.
+std::int64_t run_sorted(const Routine& r, const Matrix& a, const Solve& s)
 {
     PlainCall plain(a, s.layout != 0 ? spblas::Routine::smout : spblas::Routine::svout, s.op, s.kind, s.layout);
     if (!plain.has_memory()) return no_memory(r);
@@ -50,6 +53,17 @@ std::int64_t run_plain(const Routine& r, const Matrix& a, const Solve& s)
     call.b = s.b, call.ldb = s.ldb;
     call.c = s.c, call.ldc = s.ldc;
     return told_as(r, spblas::solve(call));
+}
+
+std::int64_t run_plain(const Routine& r, const Matrix& a, const Solve& s)
+{
+    if (a.sorted || a.format == Format::coo) return run_sorted(r, a, s);
+    Matrix* sorted = nullptr;
+    const bool done =
+        copy.get<Handles::copy>(a)(&a, &sorted) == 0 && sort_rows.get<Handles::optimize>(a)(sorted, 0) == 0;
+    const std::int64_t status = done ? run_sorted(r, *sorted, s) : no_memory(r);
+    destroy(sorted);
+    return status;
 }
 
 [[gnu::noinline]] std::int64_t solve(const Routine& r, ork_sparse_matrix_t handle, Solve s)
