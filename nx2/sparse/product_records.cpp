@@ -410,10 +410,11 @@ std::int64_t dense_square(const DenseFactors& d)
 std::int64_t dense_triple(const DenseFactors& d)
 {
     Operand<Int> left;
-    const int status = left.take(*d.f.a, {.op = d.f.op_a == 0 ? 0 : hermitian, .numbers = true});
+    const int op = d.f.op_a == 0 ? 0 : hermitian, status = left.take(*d.f.a, {.op = op, .numbers = true});
     if (status != record_done) return status_of(status);
     const Rows<Int, T> a = left.rows<T>();
-    const std::int64_t order = left.record().rows, columns = left.record().cols;
+    // Not those of the record, which may be columns in place of the rows of its transpose.
+    const std::int64_t order = rows_of_op(*d.f.a, op) * d.f.a->block, columns = cols_of_op(*d.f.a, op) * d.f.a->block;
     const double products = static_cast<double>(left.record().entries) * static_cast<double>(columns + order / 2);
     return in_shares(d.team, &left, order, products, columns * std::int64_t{sizeof(T)},
                      [&](Int first, Int last, void* work) {

@@ -72,7 +72,8 @@ private:
         for_triangle([&](std::int64_t i, std::int64_t j, std::int64_t k) {
             const std::int64_t here = next[i]++;
             index[here] = static_cast<Int>(j + c.base);
-            copy_block(block_, false, conjugate_here_, from + k * size, to + here * size);
+            // The diagonal as it is stored, were it complex.
+            copy_block(block_, false, conjugate_here_ && i != j, from + k * size, to + here * size);
             if (i == j) return mirror(to + here * size);
             const std::int64_t there = next[j]++;
             index[there] = static_cast<Int>(i + c.base);
