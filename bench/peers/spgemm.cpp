@@ -64,7 +64,7 @@ public:
     void run() override
     {
         make();
-        ptr_ = {}, col_ = {}, val_ = {};
+        std::vector<int>().swap(ptr_), std::vector<int>().swap(col_), std::vector<double>().swap(val_);
     }
     std::vector<double> times(const std::vector<double>& x) override
     {
