@@ -105,7 +105,6 @@ TYPED_TEST(ProductsOfHandles, MatchDenseOnes)
         const auto expect_dense = [&](const Dense<T>& expected, bool triangle, auto run) {
             const Index m = expected.rows, n = expected.cols, by_rows = layout == ORK_SPBLAS_ROW_MAJOR;
             const Index ld = (by_rows ? n : m) + 1;
-            const Dense<T> old{m, n};
             std::vector<T> d(static_cast<std::size_t>((by_rows ? m : n) * ld), T(3));
             run(d.data(), ld);
             for (Index i = 0; i < m; ++i)
