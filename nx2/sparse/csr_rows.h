@@ -43,7 +43,6 @@ template <bool far, class Int, class T, class Put>
                                               Put put)
 {
     do {
-        if constexpr (far) fetch(a.vals + k), fetch(a.cols + k);
         put(i, spblas::row_dot<0, false, far, Fold::crossed>(a.vals + k, a.cols + k, length, x));
         k += length > 0 ? length : 0;
         if (++i == a.rows) break;
