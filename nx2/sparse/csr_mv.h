@@ -36,8 +36,6 @@ template <bool dots, bool far, class Int, class T>
             const T result = scaling.apply(s, y[i]);
             y[i] = result;
             if constexpr (dots) sum = sum + conjugate(x[row_first + i]) * result;
-            if constexpr (far)
-                if (i % line<T> == 0) fetch(y + i);
         });
     if constexpr (dots) *dot = sum;
 }
