@@ -33,8 +33,8 @@ void block_product(Int row_first, Int row_last, Int base, Int block, Int layout,
                       pointers(rows_ptr) + 1, x, y, &beta);
 }
 
-void partial_product(Int row_first, Int row_last, Int base, Int block, Int layout, Part part, bool unit, T alpha, T* y,
-                     const T* x, const T* vals, const U* rows_ptr, const Int* cols, T beta)
+void partial_product(Int row_first, Int row_last, Int base, Int block, Int layout, BlockPart part, bool unit, T alpha,
+                     T* y, const T* x, const T* vals, const U* rows_ptr, const Int* cols, T beta)
 {
     partial_rows<Int, T>({vals, cols, rows_ptr, Index{row_last} - row_first}, row_first, base, {block, layout}, part,
                          unit, {alpha, beta}, x, y);
@@ -117,7 +117,7 @@ GENERAL(bsr_ng_avx512_sp_mv, 0)
     (Int row_first, Int row_last, Int block, Int layout, T alpha, T * y, const T* x, const T* vals, const U* rows_ptr, \
      const Int* cols, T beta)                                                                                          \
     {                                                                                                                  \
-        partial_product(row_first, row_last, base, block, layout, Part::lower_blocks, false, alpha, y, x, vals,        \
+        partial_product(row_first, row_last, base, block, layout, BlockPart::lower_blocks, false, alpha, y, x, vals,   \
                         rows_ptr, cols, beta);                                                                         \
     }
 LOWER_BLOCKS(bsr0nblt_n_mv_ker, 0)
@@ -129,8 +129,8 @@ LOWER_BLOCKS(bsr1nblt_n_mv_ker, 1)
     (Int row_first, Int row_last, Int block, Int layout, T alpha, T * y, const T* x, const T* vals, const U* rows_ptr, \
      const Int* cols, T beta, Int upper, Int unit)                                                                     \
     {                                                                                                                  \
-        partial_product(row_first, row_last, base, block, layout, upper != 0 ? Part::upper : Part::lower, unit != 0,   \
-                        alpha, y, x, vals, rows_ptr, cols, beta);                                                      \
+        partial_product(row_first, row_last, base, block, layout, upper != 0 ? BlockPart::upper : BlockPart::lower,    \
+                        unit != 0, alpha, y, x, vals, rows_ptr, cols, beta);                                           \
     }
 TRIANGLE(bsr0nt_n_mv_ker, 0)
 TRIANGLE(bsr1nt_n_mv_ker, 1)

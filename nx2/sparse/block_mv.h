@@ -8,7 +8,7 @@
 namespace ork::sparse {
 
 // Which entries of block row i count: blocks left of `low` and right of `high` whole, a block at i by its entries.
-enum class Part { lower_blocks, lower, upper };
+enum class BlockPart { lower_blocks, lower, upper };
 
 // The numbers of a block by row and column.
 struct BlockShape {
@@ -58,7 +58,7 @@ template <class T, class Sums>
 }
 
 template <class Int, class T>
-[[gnu::noinline]] void partial_rows(Share<Int, T> a, Index row_first, Index base, BlockShape shape, Part part,
+[[gnu::noinline]] void partial_rows(Share<Int, T> a, Index row_first, Index base, BlockShape shape, BlockPart part,
                                     bool unit, Scaling<T> scaling, const T* x, T* y)
 {
     for (Index i = 0, k = 0; i < a.rows; ++i) {
@@ -69,9 +69,9 @@ template <class Int, class T>
             for (Index e = k; e < end; ++e) {
                 const Index j = Index{a.cols[e]} - base;
                 const T *block = a.vals + e * shape.size(), *from = x + j * shape.order;
-                if (part == Part::upper ? j > row : j < row || (j == row && part == Part::lower_blocks))
+                if (part == BlockPart::upper ? j > row : j < row || (j == row && part == BlockPart::lower_blocks))
                     s.add(block, shape, first, count, from);
-                else if (j == row && part == Part::lower)
+                else if (j == row && part == BlockPart::lower)
                     s.add(
                         block, shape, first, count, from, [](Index) { return Index{0}; },
                         [&](Index r) { return r + !unit; });
