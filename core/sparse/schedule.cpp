@@ -12,8 +12,8 @@ namespace {
 
 constexpr int delay = 4;
 // Work is counted in entries and two for each row. A stage ends with threads waiting for each other, some 200 ns; a
-// chunk takes several microseconds.
-constexpr std::int64_t work_of_chunk = 10'000;
+// chunk takes several microseconds, and in large matrices more, of which there are some hundred stages still.
+constexpr std::int64_t least_work = 10'000, most_work = 40'000, chunks_of_most = 200;
 // Slices are useless when they are less than two thirds full.
 constexpr double most_lanes = 1.5;
 // Threads are useless below this.
@@ -70,7 +70,8 @@ template <class Int>
 class Scheduler {
 public:
     Scheduler(const SolveRows<Int>& rows, Triangle triangle, int threads, Schedule<Int>& schedule)
-        : rows_(rows), n_(rows.count), triangle_(triangle), threads_(threads), schedule_(schedule)
+        : rows_(rows), n_(rows.count), triangle_(triangle), threads_(threads), schedule_(schedule),
+          work_of_chunk_(std::clamp((entries() + 2 * n_) / chunks_of_most, least_work, most_work))
     {
     }
     ~Scheduler() { ork_serv_free(memory_); }
@@ -104,6 +105,7 @@ private:
     const Triangle triangle_;
     const int threads_;
     Schedule<Int>& schedule_;
+    const std::int64_t work_of_chunk_;
 
     void* memory_ = nullptr;
     Int* open_; // how many entries wait for rows that are not solved
@@ -114,6 +116,7 @@ private:
     std::int64_t solved_ = 0, work_ = 0, span_ = 0, capacity_;
     std::int64_t waiting_[delay];
 
+    std::int64_t entries() const { return n_ > 0 ? rows_.last[n_ - 1] - rows_.first[0] : 0; } // at least the triangle's
     double lanes() const { return static_cast<double>(schedule_.slices) * slice_height; }
     std::int64_t row_of(std::int64_t i) const { return triangle_ == Triangle::upper ? n_ - 1 - i : i; }
     std::int64_t needed(std::int64_t k) const { return row_of(rows_.column(k)); }
@@ -124,13 +127,12 @@ private:
 
     bool take_memory()
     {
-        const std::int64_t entries = n_ > 0 ? rows_.last[n_ - 1] - rows_.first[0] : 0; // more than enough
-        capacity_ = n_ + n_ / 2 + 64 * std::int64_t{1 + threads_} + slice_height * work_of_chunk;
+        capacity_ = n_ + n_ / 2 + 64 * std::int64_t{1 + threads_} + slice_height * most_work;
         const std::int64_t wide = threads_ > 1 ? n_ : 0, words = Ascending::words(n_);
         const auto size = [](std::int64_t count, std::size_t element) {
             return static_cast<std::size_t>(count) * element;
         };
-        memory_ = ork_serv_malloc(size(wide + 2 * words, 8) + size(entries + 4 * n_ + 2, sizeof(Int)), 64);
+        memory_ = ork_serv_malloc(size(wide + 2 * words, 8) + size(entries() + 4 * n_ + 2, sizeof(Int)), 64);
         schedule_.order = static_cast<Int*>(ork_serv_malloc(size(capacity_, sizeof(Int)), 64));
         const std::int64_t chunks = threads_ > 1 ? n_ * threads_ : 1; // every stage solves a row
         schedule_.chunk_begin = static_cast<std::int64_t*>(ork_serv_malloc(size(chunks + 1, 8), 64));
@@ -143,7 +145,7 @@ private:
         Int* at = reinterpret_cast<Int*>(seen_ + wide);
         const auto take = [&](std::int64_t count) { return std::exchange(at, at + count); };
         followers_begin_ = take(n_ + 2);
-        open_ = take(n_), pool_ = take(n_), link_ = take(n_), followers_ = take(entries);
+        open_ = take(n_), pool_ = take(n_), link_ = take(n_), followers_ = take(entries());
         schedule_.threads = threads_;
         return true;
     }
@@ -198,7 +200,7 @@ private:
         schedule_.chunk_begin[schedule_.chunks++] = schedule_.slices;
         std::fill(waiting_, waiting_ + delay, std::int64_t{-1});
         std::int64_t work = 0;
-        for (std::int64_t slice = 0; threads_ == 1 || work < work_of_chunk; ++slice) {
+        for (std::int64_t slice = 0; threads_ == 1 || work < work_of_chunk_; ++slice) {
             if (lanes() + slice_height > static_cast<double>(capacity_)) break; // run() sees that it is useless
             Int* const lane = schedule_.order + schedule_.slices * slice_height;
             std::int64_t& list = waiting_[slice % delay];

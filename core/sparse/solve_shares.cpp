@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Threads take the chunks of a plan in their order, from one counter, and wait for those of former stages: which
-// running threads have taken before. So one thread alone gets through as well.
-#include <sched.h>
+// Threads take the chunks of a plan in their order, from one counter, each when all of former stages are done. So one
+// thread alone gets through as well, and a thread may leave at any time.
 #include <x86intrin.h>
 
 #include <algorithm>
@@ -12,16 +11,41 @@
 namespace ork::sparse {
 namespace {
 
-struct Progress {
-    alignas(64) std::atomic<std::int64_t> next = 0;
-    alignas(64) std::atomic<std::int64_t> done = 0;
+class Progress {
+public:
+    Progress(const SolvePlan& plan, int threads) : chunks_(plan.chunks), stage_(plan.threads), active_(threads) {}
 
-    // Of all chunks before the stage: until then none of the stage itself is done.
-    void wait_for(std::int64_t chunks) const
+    // The next chunk; -1 when there is none, or none for this thread.
+    std::int64_t take()
     {
-        for (int turn = 0; done.load(std::memory_order_acquire) < chunks; ++turn)
-            turn < 4096 ? _mm_pause() : static_cast<void>(sched_yield());
+        for (;;) {
+            std::int64_t chunk = next_.load(std::memory_order_relaxed);
+            if (chunk >= chunks_) return -1;
+            if (!wait_for(chunk / stage_ * stage_)) return -1;
+            if (next_.compare_exchange_strong(chunk, chunk + 1, std::memory_order_relaxed)) return chunk;
+        }
     }
+    void finish() { done_.fetch_add(1, std::memory_order_release); }
+
+private:
+    // Chunks of a stage begin when all before it are done, so as many being done means that it is these. A thread that
+    // waits for long, because another one has lost its processor, leaves: else it would wait at every stage to come.
+    // The last one has nobody to wait for.
+    bool wait_for(std::int64_t chunks)
+    {
+        constexpr int patience = 2000; // some 50 microseconds
+        for (int turn = 0; done_.load(std::memory_order_acquire) < chunks; ++turn) {
+            _mm_pause();
+            int active = active_.load(std::memory_order_relaxed);
+            if (turn >= patience && active > 1 && active_.compare_exchange_strong(active, active - 1)) return false;
+        }
+        return true;
+    }
+
+    const std::int64_t chunks_, stage_;
+    alignas(64) std::atomic<std::int64_t> next_ = 0;
+    alignas(64) std::atomic<std::int64_t> done_ = 0;
+    alignas(64) std::atomic<int> active_; // threads that have not left; some may not have begun
 };
 
 } // namespace
@@ -37,13 +61,11 @@ void run_shares(const SolvePlan& plan, Direction direction,
     if (direction == Direction::free)
         return threads::run(parts,
                             [&](int part) { body(context, slices * part / parts, slices * (part + 1) / parts, part); });
-    Progress progress;
+    Progress progress(plan, parts);
     threads::run(parts, [&](int part) {
-        for (std::int64_t c; (c = progress.next.fetch_add(1, std::memory_order_relaxed)) < plan.chunks;) {
+        for (std::int64_t c; (c = progress.take()) >= 0; progress.finish()) {
             const std::int64_t chunk = direction == Direction::ascending ? c : plan.chunks - 1 - c;
-            progress.wait_for(c / plan.threads * plan.threads);
             body(context, plan.chunk_begin[chunk], plan.chunk_begin[chunk + 1], part);
-            progress.done.fetch_add(1, std::memory_order_release);
         }
     });
 }
