@@ -80,6 +80,11 @@ TEST(SparseMemory, MayRunOutAtAnyPoint)
          [](auto a, auto* c) { return ork_sparse_convert_bsr(a, 3, ORK_SPBLAS_COL_MAJOR, ORK_SPBLAS_TRANS, c); }},
         {"square", [](auto a, auto* c) { return ork_sparse_spmm(ORK_SPBLAS_NO_TRANS, a, a, c); }},
         {"rank k", [](auto a, auto* c) { return ork_sparse_syrk(ORK_SPBLAS_NO_TRANS, a, c); }},
+        {"triple product",
+         [](auto a, auto* c) {
+             constexpr ork_sparse_kind symmetric = {ORK_SPBLAS_SYMMETRIC, ORK_SPBLAS_UPPER, ORK_SPBLAS_NON_UNIT};
+             return ork_sparse_sypr(ORK_SPBLAS_TRANS, a, a, symmetric, ORK_SPARSE_COUNT, c);
+         }},
         {"sum", [](auto a, auto* c) { return ork_sparse_d_add(ORK_SPBLAS_NO_TRANS, a, 1, a, c); }},
         {"order", [](auto a, auto*) { return ork_sparse_order(a); }},
     };
