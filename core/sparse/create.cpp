@@ -5,6 +5,7 @@
 #include "sparse/environment.h"
 #include "sparse/handle.h"
 #include "sparse/kernels.h"
+#include "sparse/sized.h"
 
 namespace ork::sparse {
 namespace {
@@ -128,6 +129,38 @@ void make(const Routine& r, Format format, std::int64_t base, int layout, const 
     return publish(r, a, result);
 }
 
+Routine routine_of(unsigned code)
+{
+    static constexpr const char* functions[] = {"create_csr", "create_csc", "create_coo", "create_bsr"};
+    static constexpr const char* arguments[] = {
+        "a base rows columns rows_start rows_end column_index values",
+        "a base rows columns columns_start columns_end row_index values",
+        "a base rows columns count row_index column_index values",
+        "a base layout rows columns block rows_start rows_end column_index values"};
+    return sparse::routine_of(code, functions, arguments);
+}
+
+[[gnu::noinline]] std::int64_t create_lines(ork_sparse_matrix_t* a, int base, std::int64_t rows, std::int64_t columns,
+                                            const void* first, const void* last, const void* index, const void* values,
+                                            unsigned code)
+{
+    return create(routine_of(code), format_of(code), a, base, 0, {rows, columns, 0, 1}, {first, last, index, values});
+}
+[[gnu::noinline]] std::int64_t create_places(ork_sparse_matrix_t* a, int base, std::int64_t rows, std::int64_t columns,
+                                             std::int64_t count, const void* row_index, const void* column_index,
+                                             const void* values, unsigned code)
+{
+    return create(routine_of(code), Format::coo, a, base, 0, {rows, columns, count, 1},
+                  {row_index, nullptr, column_index, values});
+}
+[[gnu::noinline]] std::int64_t create_blocks(ork_sparse_matrix_t* a, int base, int layout, std::int64_t rows,
+                                             std::int64_t columns, std::int64_t block, const void* first,
+                                             const void* last, const void* index, const void* values, unsigned code)
+{
+    return create(routine_of(code), Format::bsr, a, base, layout, {rows, columns, 0, block},
+                  {first, last, index, values});
+}
+
 } // namespace
 } // namespace ork::sparse
 
@@ -138,33 +171,29 @@ using namespace ork::sparse;
         ork_sparse_matrix_t* a, ork_spblas_base base, Int rows, Int columns, const Int* rows_start,                    \
         const Int* rows_end, const Int* column_index, const Element* values)                                           \
     {                                                                                                                  \
-        return create(                                                                                                 \
-            {"create_csr", "a base rows columns rows_start rows_end column_index values", #letter[0], bytes},          \
-            Format::csr, a, base, 0, {rows, columns, 0, 1}, {rows_start, rows_end, column_index, values});             \
+        return create_lines(a, base, rows, columns, rows_start, rows_end, column_index, values,                        \
+                            code(#letter[0], bytes, Format::csr));                                                     \
     }                                                                                                                  \
     ORK_EXPORT int64_t ork_sparse_##letter##_create_csc_i##bytes(                                                      \
         ork_sparse_matrix_t* a, ork_spblas_base base, Int rows, Int columns, const Int* columns_start,                 \
         const Int* columns_end, const Int* row_index, const Element* values)                                           \
     {                                                                                                                  \
-        return create(                                                                                                 \
-            {"create_csc", "a base rows columns columns_start columns_end row_index values", #letter[0], bytes},       \
-            Format::csc, a, base, 0, {rows, columns, 0, 1}, {columns_start, columns_end, row_index, values});          \
+        return create_lines(a, base, rows, columns, columns_start, columns_end, row_index, values,                     \
+                            code(#letter[0], bytes, Format::csc));                                                     \
     }                                                                                                                  \
     ORK_EXPORT int64_t ork_sparse_##letter##_create_coo_i##bytes(                                                      \
         ork_sparse_matrix_t* a, ork_spblas_base base, Int rows, Int columns, Int count, const Int* row_index,          \
         const Int* column_index, const Element* values)                                                                \
     {                                                                                                                  \
-        return create({"create_coo", "a base rows columns count row_index column_index values", #letter[0], bytes},    \
-                      Format::coo, a, base, 0, {rows, columns, count, 1}, {row_index, nullptr, column_index, values}); \
+        return create_places(a, base, rows, columns, count, row_index, column_index, values,                           \
+                             code(#letter[0], bytes, Format::coo));                                                    \
     }                                                                                                                  \
     ORK_EXPORT int64_t ork_sparse_##letter##_create_bsr_i##bytes(                                                      \
         ork_sparse_matrix_t* a, ork_spblas_base base, ork_spblas_layout layout, Int rows, Int columns, Int block,      \
         const Int* rows_start, const Int* rows_end, const Int* column_index, const Element* values)                    \
     {                                                                                                                  \
-        return create({"create_bsr", "a base layout rows columns block rows_start rows_end column_index values",       \
-                       #letter[0], bytes},                                                                             \
-                      Format::bsr, a, base, layout, {rows, columns, 0, block},                                         \
-                      {rows_start, rows_end, column_index, values});                                                   \
+        return create_blocks(a, base, layout, rows, columns, block, rows_start, rows_end, column_index, values,        \
+                             code(#letter[0], bytes, Format::bsr));                                                    \
     }
 #define MEMBER(letter, Element, Scalar)                                                                                \
     ORK_SPARSE_CREATION(letter, 4, int32_t, Element)                                                                   \

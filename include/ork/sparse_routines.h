@@ -14,7 +14,8 @@ int64_t ORK_NAME(mm)(ork_spblas_operation op, ORK_SCALAR alpha, ork_sparse_matri
                      ork_spblas_layout layout, const ORK_ELEMENT* b, int64_t columns, int64_t ldb, ORK_SCALAR beta,
                      ORK_ELEMENT* c, int64_t ldc);
 
-/* y = alpha op(A)^-1 x, A triangular or diagonal; x and y may be the same array. */
+/* y = alpha op(A)^-1 x, A triangular or diagonal; x and y may be the same array. Rows (csc: columns) are sorted, see
+   ork_sparse_order, and the diagonal stands once, numbers unless ones are taken for them, blocks always. */
 int64_t ORK_NAME(sv)(ork_spblas_operation op, ORK_SCALAR alpha, ork_sparse_matrix_t a, ork_sparse_kind kind,
                      const ORK_ELEMENT* x, ORK_ELEMENT* y);
 /* C = alpha op(A)^-1 B; B and C may be the same array. */

@@ -201,13 +201,12 @@ private:
     void solve()
     {
         if (dense_.rows != dense_.cols) return;
-        ok(ork_sparse_order(handle_)); // solves want sorted rows, and no place of the diagonal twice
-        std::vector<int> on_diagonal(static_cast<std::size_t>(dense_.rows));
-        bool twice = false;
-        exported<Int, T>(handle_, form_.format).for_each([&](Index i, Index j, T) {
-            twice = twice || (i == j && on_diagonal[static_cast<std::size_t>(i)]++ > 0);
-        });
-        if (twice) return;
+        ok(ork_sparse_order(handle_)); // solves want sorted rows, and diagonal blocks once
+        const auto now = exported<Int, T>(handle_, form_.format);
+        for (std::size_t i = 0; form_.block > 1 && i < now.last.size(); ++i)
+            if (std::count(now.index.begin() + (now.first[i] - form_.base),
+                           now.index.begin() + (now.last[i] - form_.base), static_cast<Int>(i) + form_.base) > 1)
+                return;
         const int op = operation();
         const ork_sparse_kind k = kind(true);
         const Dense<T> x = random_dense(dense_.rows, 1);
