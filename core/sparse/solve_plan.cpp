@@ -95,39 +95,24 @@ public:
         return stored;
     }
 
-    // E is anything of the numbers' size.
+    // Copies the triangles that there are and the diagonal, if wanted, row by row; false when a row has not one
+    // diagonal entry. E is anything of the numbers' size.
     template <class E>
-    void fill(bool upper, const void* numbers, const Int* begin, E* vals, Int* cols) const
+    bool fill(const Matrix& a, const SolvePlan& plan, E* diagonal) const
     {
-        const E* const values = static_cast<const E*>(numbers);
+        const E* const values = static_cast<const E*>(a.values);
+        bool right = true;
         for (std::int64_t s = 0; s < slices_; ++s) {
             fetch_rows(s, values);
-            const std::int64_t at = begin[s], end = begin[s + 1];
-            Int any = 0; // a column of the slice, for rows that have none
-            for (std::int64_t l = 0; l < height_; ++l) {
-                const auto range = rows_.side(upper, order_[s * height_ + l]);
-                std::int64_t to = at + l;
-                for (std::int64_t k = range.begin; k < range.end; ++k, to += height_)
-                    vals[to] = values[k], cols[to] = static_cast<Int>(rows_.column(k));
-                if (range.size() > 0) any = cols[at + l];
-                for (; to < end; to += height_) vals[to] = E{}, cols[to] = cols[at + l];
+            if (plan.packed.lower.vals != nullptr) fill_slice(s, false, values, plan.packed.lower);
+            if (plan.packed.upper.vals != nullptr) fill_slice(s, true, values, plan.packed.upper);
+            for (std::int64_t p = s * height_; diagonal != nullptr && p < (s + 1) * height_; ++p) {
+                const auto range = rows_.diagonal(order_[p]);
+                right &= range.size() == 1;
+                diagonal[p] = range.size() == 1 ? values[range.begin] : E{};
             }
-            for (std::int64_t l = 0; l < height_ && at < end; ++l)
-                if (rows_.side(upper, order_[s * height_ + l]).size() == 0)
-                    for (std::int64_t to = at + l; to < end; to += height_) cols[to] = any;
         }
-    }
-
-    template <class T>
-    bool fill_diagonal(const void* numbers, T* diagonal, T* inverse) const
-    {
-        const T* const values = static_cast<const T*>(numbers);
-        for (std::int64_t p = 0; p < slices_ * height_; ++p) {
-            const auto range = rows_.diagonal(order_[p]);
-            if (range.size() != 1 || !invert(values[range.begin], inverse[p])) return false;
-            if (diagonal != nullptr) diagonal[p] = values[range.begin];
-        }
-        return true;
+        return right;
     }
 
 private:
@@ -145,6 +130,32 @@ private:
         }
     }
 
+    template <class E>
+    void fill_slice(std::int64_t s, bool upper, const E* values, const PackedTriangle<std::int64_t, double>& t) const
+    {
+        const Int* const begin = reinterpret_cast<const Int*>(t.begin);
+        E* const vals = reinterpret_cast<E*>(const_cast<double*>(t.vals));
+        Int* const cols = reinterpret_cast<Int*>(const_cast<std::int64_t*>(t.cols));
+        const std::int64_t at = begin[s], end = begin[s + 1];
+        Int any = 0; // a column of the slice, for rows that have none
+        bool none = false;
+        for (std::int64_t l = 0; l < height_; ++l) {
+            const auto range = rows_.side(upper, order_[s * height_ + l]);
+            std::int64_t to = at + l;
+            for (std::int64_t k = range.begin; k < range.end; ++k, to += height_)
+                vals[to] = values[k], cols[to] = static_cast<Int>(rows_.column(k));
+            if (range.size() > 0)
+                any = cols[at + l];
+            else
+                none = true;
+            for (; to < end; to += height_) vals[to] = E{}, cols[to] = cols[at + l];
+        }
+        if (!none || at == end) return;
+        for (std::int64_t l = 0; l < height_; ++l)
+            if (rows_.side(upper, order_[s * height_ + l]).size() == 0)
+                for (std::int64_t to = at + l; to < end; to += height_) cols[to] = any;
+    }
+
     const SolveRows<Int>& rows_;
     const std::int64_t slices_, height_;
     const Int* order_;
@@ -159,25 +170,20 @@ Planned fill_plan(const Matrix& a, const SolveRows<Int>& rows, SolvePlan& plan)
         std::uint64_t half[2];
     };
     const Packer<Int> packer(rows, plan);
-    const auto fill = [&](auto element, bool upper, const PackedTriangle<std::int64_t, double>& t) {
-        packer.fill(upper, a.values, reinterpret_cast<const Int*>(t.begin),
-                    reinterpret_cast<decltype(element)*>(const_cast<double*>(t.vals)),
-                    reinterpret_cast<Int*>(const_cast<std::int64_t*>(t.cols)));
+    const double* const diagonal = plan.packed.diagonal != nullptr ? plan.packed.diagonal : plan.packed.inverse;
+    const auto fill = [&](auto element) {
+        return packer.fill(a, plan, reinterpret_cast<decltype(element)*>(const_cast<double*>(diagonal)));
     };
-    for (const bool upper : {false, true}) {
-        const auto& t = upper ? plan.packed.upper : plan.packed.lower;
-        if (t.vals == nullptr) continue;
-        const std::int64_t size = element_size(a.precision);
-        size == 4   ? fill(std::uint32_t{}, upper, t)
-        : size == 8 ? fill(std::uint64_t{}, upper, t)
-                    : fill(Wide{}, upper, t);
-    }
+    const std::int64_t size = element_size(a.precision);
+    const bool right = size == 4 ? fill(std::uint32_t{}) : size == 8 ? fill(std::uint64_t{}) : fill(Wide{});
     if (plan.packed.inverse == nullptr) return Planned::done;
+    if (!right) return Planned::diagonal;
     return with_type(a.precision, [&](auto t) {
-        const auto typed = [&](const double* p) { return reinterpret_cast<decltype(t)*>(const_cast<double*>(p)); };
-        return packer.fill_diagonal(a.values, typed(plan.packed.diagonal), typed(plan.packed.inverse))
-                   ? Planned::done
-                   : Planned::diagonal;
+        const auto* const d = reinterpret_cast<const decltype(t)*>(diagonal);
+        auto* const inverse = reinterpret_cast<decltype(t)*>(const_cast<double*>(plan.packed.inverse));
+        for (std::int64_t p = 0; p < plan.lanes(); ++p)
+            if (!invert(d[p], inverse[p])) return Planned::diagonal;
+        return Planned::done;
     });
 }
 
