@@ -33,6 +33,50 @@ bool is_zero(char precision, const void* value)
     }
 }
 
+using Kind = DiagonalFault::Kind;
+
+DiagonalFault fault_of_entries(const Matrix& a)
+{
+    const spblas::Integers row_of(a.first, a.index_bytes == 8), column_of(a.index, a.index_bytes == 8);
+    const std::int64_t size = element_size(a.precision);
+    char* const seen = static_cast<char*>(ork_serv_calloc(static_cast<std::size_t>(a.rows) + 1, 1, 16, 0));
+    if (seen == nullptr) return {Kind::no_memory, 0};
+    DiagonalFault fault = {Kind::none, 0};
+    for (std::int64_t k = 0; k < a.entries; ++k) {
+        const std::int64_t row = row_of[k] - a.base;
+        if (row != column_of[k] - a.base) continue;
+        if (is_zero(a.precision, static_cast<const char*>(a.values) + k * size)) fault = {Kind::zero, row + a.base};
+        if (seen[row]++ != 0) fault = {Kind::repeated, row + a.base}, seen[row] = 1;
+    }
+    for (std::int64_t row = a.rows; row-- > 0;)
+        if (seen[row] == 0) fault = {Kind::missing, row + a.base};
+    ork_serv_free(seen);
+    return fault;
+}
+
+template <class Int>
+DiagonalFault fault_of_lines(const Matrix& a)
+{
+    const Int *index = static_cast<const Int*>(a.index), *first = static_cast<const Int*>(a.first),
+              *last = static_cast<const Int*>(a.last);
+    const std::int64_t size = element_size(a.precision), block = a.block, base = a.base;
+    for (std::int64_t i = 0; i < a.rows; ++i) {
+        std::int64_t own = -1;
+        for (std::int64_t k = first[i] - base, end = last[i] - base; k < end; ++k) {
+            if (index[k] - base != i) continue;
+            if (own >= 0) return {Kind::repeated, i * block + base};
+            own = k;
+            if (a.distinct) break;
+        }
+        if (own < 0) return {Kind::missing, i * block + base};
+        for (std::int64_t r = 0; r < block; ++r)
+            if (is_zero(a.precision,
+                        static_cast<const char*>(a.values) + (own * block * block + r * (block + 1)) * size))
+                return {Kind::zero, i * block + r + base};
+    }
+    return {Kind::none, 0};
+}
+
 } // namespace
 
 bool InRows::stands(const Matrix& a, int op, const ork_sparse_kind& kind, bool whole)
@@ -59,39 +103,8 @@ InRows::~InRows() { destroy(copy_); }
 
 DiagonalFault diagonal_fault(const Matrix& a)
 {
-    using Kind = DiagonalFault::Kind;
-    const spblas::Integers index(a.index, a.index_bytes == 8), first(a.first, a.index_bytes == 8),
-        last(a.last, a.index_bytes == 8);
-    const std::int64_t size = element_size(a.precision), block = a.block;
-    const char* const values = static_cast<const char*>(a.values);
-    if (a.format == Format::coo) {
-        char* const seen = static_cast<char*>(ork_serv_calloc(static_cast<std::size_t>(a.rows) + 1, 1, 16, 0));
-        if (seen == nullptr) return {Kind::no_memory, 0};
-        DiagonalFault fault = {Kind::none, 0};
-        for (std::int64_t k = 0; k < a.entries; ++k) {
-            const std::int64_t row = first[k] - a.base;
-            if (row != index[k] - a.base) continue;
-            if (is_zero(a.precision, values + k * size)) fault = {Kind::zero, row + a.base};
-            if (seen[row]++ != 0) fault = {Kind::repeated, row + a.base}, seen[row] = 1;
-        }
-        for (std::int64_t row = a.rows; row-- > 0;)
-            if (seen[row] == 0) fault = {Kind::missing, row + a.base};
-        ork_serv_free(seen);
-        return fault;
-    }
-    for (std::int64_t i = 0; i < a.rows; ++i) {
-        std::int64_t own = -1;
-        for (std::int64_t k = first[i] - a.base, end = last[i] - a.base; k < end; ++k) {
-            if (index[k] - a.base != i) continue;
-            if (own >= 0) return {Kind::repeated, i * block + a.base};
-            own = k;
-        }
-        if (own < 0) return {Kind::missing, i * block + a.base};
-        for (std::int64_t r = 0; r < block; ++r)
-            if (is_zero(a.precision, values + (own * block * block + r * (block + 1)) * size))
-                return {Kind::zero, i * block + r + a.base};
-    }
-    return {Kind::none, 0};
+    if (a.format == Format::coo) return fault_of_entries(a);
+    return a.index_bytes == 4 ? fault_of_lines<std::int32_t>(a) : fault_of_lines<std::int64_t>(a);
 }
 
 } // namespace ork::sparse

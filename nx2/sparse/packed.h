@@ -4,7 +4,6 @@
 
 #include "ork/abi/sparse/solve.h"
 #include "sparse/row_solve.h"
-#include "spblas/csr_fetch.h"
 
 namespace ork::sparse {
 

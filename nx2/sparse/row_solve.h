@@ -5,7 +5,7 @@
 #include "blas/divide.h"
 #include "ork/abi/sparse/solve.h"
 #include "simd/scale.h"
-#include "spblas/csr.h"
+#include "spblas/csr_fetch.h"
 
 namespace ork::sparse {
 
@@ -29,6 +29,15 @@ struct FourArrays {
     {
         for (std::int64_t k = row_first[i] - base, end = row_last[i] - base; k < end; ++k)
             entry(std::int64_t{index[k]}, vals[k]);
+    }
+    std::int64_t bytes(std::int64_t rows) const
+    {
+        const std::int64_t entries = std::int64_t{row_last[rows - 1]} - row_first[0];
+        return entries * static_cast<std::int64_t>(sizeof(T) + sizeof(Int));
+    }
+    void fetch_ahead(std::int64_t i) const
+    {
+        spblas::fetch_row(spblas::Csr<Int, T>{vals, index, nullptr, nullptr}, row_first[i] - base, row_last[i] - base);
     }
     T* counted(T* x) const { return spblas::counted_from(base, x); }
     const T* counted(const T* x) const { return spblas::counted_from(base, x); }
@@ -64,12 +73,15 @@ template <class Int, class T>
 {
     if (rows <= 0) return;
     if (from_zero) scale(rows, T{}, x);
+    // What lies ahead of a backward sweep is behind in memory; the hardware has to find that by itself.
+    const bool far = !backward && a.bytes(rows) > far_bytes;
     const bool relaxed = !(omega == T(1));
     x = a.counted(x);
     b = a.counted(b);
     for (std::int64_t s = 0; s < rows; ++s) {
         const std::int64_t i = backward ? rows - 1 - s : s, own = i + a.base;
         T sum = alpha * b[own], diagonal{};
+        if (far) a.fetch_ahead(i);
         a.each(i, [&](std::int64_t column, T value) {
             if (column == own)
                 diagonal = diagonal + value;
