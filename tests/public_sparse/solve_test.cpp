@@ -310,6 +310,34 @@ Stored<Int, T> laplacian(Index side)
     return s;
 }
 
+TYPED_TEST(Solves, TheSmallest)
+{
+    TYPES;
+    for (Index n = 0; n <= 9; ++n) {
+        const auto stored = solvable<Int, T>({Format::csr, n, n, 1}, this->random);
+        const auto dense = stored.dense();
+        const Handle a(stored);
+        const auto kinds = triangular_kinds();
+        for (const auto& kind : kinds) ork_sparse_set_sv_hint(a, ORK_SPBLAS_NO_TRANS, kind, 100);
+        ork_sparse_set_symgs_hint(a, ORK_SPBLAS_NO_TRANS, general_kind, 100);
+        ASSERT_EQ(ork_sparse_optimize(a), ORK_SPARSE_SUCCESS);
+        const auto b = random_vector<T>(n, this->random);
+        auto x = random_vector<T>(n, this->random);
+        for (const auto& kind : kinds) {
+            auto y = b;
+            EXPECT_EQ(call<T>("sv", int{ORK_SPBLAS_NO_TRANS}, scalar_argument(this->alpha),
+                              static_cast<ork_sparse_matrix_t>(a), kind, b.data(), y.data()),
+                      ORK_SPARSE_SUCCESS);
+            expect_near(y, solved(dense.of_kind(kind), wide(this->alpha), widened(b)));
+        }
+        const auto half = swept(dense, 1, wide(this->alpha), b, widened(x), false);
+        EXPECT_EQ(call<T>("symgs", int{ORK_SPBLAS_NO_TRANS}, static_cast<ork_sparse_matrix_t>(a), general_kind,
+                          scalar_argument(this->alpha), b.data(), x.data()),
+                  ORK_SPARSE_SUCCESS);
+        expect_near(x, swept(dense, 1, wide(this->alpha), b, half, true));
+    }
+}
+
 // Schedules for any number of threads, run by any number of them, and no schedule at all but for what it divides by.
 TYPED_TEST(Solves, ThreadsGiveTheSameBits)
 {
