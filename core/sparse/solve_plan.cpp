@@ -16,8 +16,8 @@ namespace ork::sparse {
 namespace {
 
 constexpr std::int64_t far_bytes = 8 << 20;
-// Padding costs what entries cost, and slices save about half of it.
-constexpr double most_padding = 1.3;
+// Padding costs what entries cost, of which the registers of a slice save about half; from memory little.
+constexpr double most_padding = 1.5, most_padding_far = 1.3;
 // Entries, and two for each row: shorter work is done before another thread is awake.
 constexpr std::int64_t least_for_threads = 400'000;
 constexpr int most_threads = 8;
@@ -71,7 +71,7 @@ class Packer {
 public:
     Packer(const SolveRows<Int>& rows, const SolvePlan& plan)
         : rows_(rows), slices_(plan.packed.slices), height_(plan.packed.height),
-          order_(reinterpret_cast<const Int*>(plan.packed.order))
+          order_(reinterpret_cast<const Int*>(plan.packed.order)), from_far_(!plan.key.whole)
     {
     }
 
@@ -142,7 +142,9 @@ private:
         for (std::int64_t l = 0; l < height_; ++l) {
             const auto range = rows_.side(upper, order_[s * height_ + l]);
             std::int64_t to = at + l;
-            for (std::int64_t k = range.begin; k < range.end; ++k, to += height_)
+            const std::int64_t step = upper && from_far_ ? -1 : 1;
+            for (std::int64_t k = step < 0 ? range.end - 1 : range.begin; to < at + l + range.size() * height_;
+                 k += step, to += height_)
                 vals[to] = values[k], cols[to] = static_cast<Int>(rows_.column(k));
             if (range.size() > 0)
                 any = cols[at + l];
@@ -159,6 +161,8 @@ private:
     const SolveRows<Int>& rows_;
     const std::int64_t slices_, height_;
     const Int* order_;
+    // Of a triangle alone the entries towards the diagonal come last: of rows in turn they have just been solved.
+    const bool from_far_;
 };
 
 bool takes_unit(const SolveKey& key) { return !key.whole && key.kind.diag == ORK_SPBLAS_UNIT; }
@@ -228,7 +232,8 @@ Planned pack(const Matrix& a, const SolveRows<Int>& rows, const Schedule<Int>& s
         (upper ? plan.packed.upper : plan.packed.lower).begin = reinterpret_cast<std::int64_t*>(begin);
     }
     plan.padding = entries > 0 ? static_cast<double>(stored[0] + stored[1]) / static_cast<double>(entries) : 1;
-    if (plan.padding > most_padding) return Planned::useless;
+    const bool far = (stored[0] + stored[1]) * (element_size(a.precision) + std::int64_t{sizeof(Int)}) > far_bytes;
+    if (plan.padding > (far ? most_padding_far : most_padding)) return Planned::useless;
     const auto number = static_cast<std::size_t>(element_size(a.precision));
     const std::size_t vals_bytes = size(stored[0], number) + size(stored[1], number);
     const std::size_t cols_bytes = size(stored[0], sizeof(Int)) + size(stored[1], sizeof(Int));
