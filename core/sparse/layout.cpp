@@ -75,34 +75,75 @@ void with_sizes(const MvPlan& plan, Body body)
     });
 }
 
-// Large pieces lie in large pages if the system has them to give: the pages of 4 KiB of a copy take longer to make than
-// the copy.
+// Memory that is about to be written whole. Making its pages one by one would take as long as writing it: large pieces
+// lie in large pages, if the system has them to give, and small ones are made in one call.
 void* take(Index bytes)
 {
-    constexpr Index page = 2 << 20;
-    const bool large = bytes >= 2 * page;
-    void* const memory = ork_serv_malloc(static_cast<std::size_t>(std::max<Index>(bytes, 64)), large ? page : 64);
-    if (large && memory != nullptr) madvise(memory, static_cast<std::size_t>(bytes), MADV_HUGEPAGE);
+    constexpr Index page = 4096, large_page = 2 << 20;
+    const bool large = bytes >= 2 * large_page;
+    const auto size = static_cast<std::size_t>(std::max<Index>(bytes, 64));
+    void* const memory = ork_serv_malloc(size, large ? large_page : 64);
+    if (memory == nullptr) return nullptr;
+    if (large) {
+        madvise(memory, size, MADV_HUGEPAGE);
+    } else if (bytes >= 16 * page) {
+#ifdef MADV_POPULATE_WRITE // Linux 5.14; elsewhere pages come as they are written
+        char* const first = static_cast<char*>(memory) - reinterpret_cast<std::uintptr_t>(memory) % page;
+        madvise(first, static_cast<std::size_t>(static_cast<char*>(memory) + bytes - first), MADV_POPULATE_WRITE);
+#endif
+    }
     return memory;
 }
 constexpr Index rounded(Index bytes) { return (bytes + 63) / 64 * 64; }
 
-template <class Int>
-Index stored_in_slices(const RowArrays<Int>& rows, Index height)
-{
-    Index stored = 0;
-    for (Index first = 0; first < rows.count; first += height) {
-        Index width = 0;
-        for (Index i = first, last = std::min(first + height, rows.count); i < last; ++i)
-            width = std::max(width, rows.length(i));
-        stored += width * height;
+// What the lengths of rows say.
+struct Lengths {
+    Index stored4 = 0, stored8 = 0; // numbers in slices
+    Index changes = 0;              // rows of another length than the one before
+    Index brief = 0;                // entries of rows below eight
+
+    Lengths() = default;
+    template <class Int>
+    explicit Lengths(const RowArrays<Int>& rows)
+    {
+        Index before = rows.count > 0 ? rows.length(0) : 0;
+        for (Index first = 0; first < rows.count; first += 8) {
+            Index width[2] = {};
+            for (Index i = first, last = std::min(first + 8, rows.count); i < last; ++i) {
+                const Index length = rows.length(i);
+                width[i / 4 % 2] = std::max(width[i / 4 % 2], length);
+                changes += length != before;
+                brief += length < 8 ? length : 0;
+                before = length;
+            }
+            stored4 += 4 * (width[0] + width[1]);
+            stored8 += 8 * std::max(width[0], width[1]);
+        }
     }
-    return stored;
+};
+
+// Whether every column is that of the row before plus 1. Two narrow ones are compared at a time: columns are never so
+// large that one of a pair could reach into the other.
+inline bool shifted(const std::int32_t* cols, const std::int32_t* before, Index count)
+{
+    Index k = 0;
+    for (; k + 2 <= count; k += 2) {
+        std::uint64_t here, there;
+        std::memcpy(&here, cols + k, 8);
+        std::memcpy(&there, before + k, 8);
+        if (here - there != 0x1'0000'0001) return false;
+    }
+    return k == count || cols[k] == before[k] + 1;
+}
+inline bool shifted(const std::int64_t* cols, const std::int64_t* before, Index count)
+{
+    Index k = 0;
+    while (k < count && cols[k] == before[k] + 1) ++k;
+    return k == count;
 }
 
-// take(i, k, d) for every entry k of rows first .. last, the d-th of its row, when its diagonal is not that of the d-th
-// entry of the row before; same(i, k, d) when it is, as in most rows of grids. Rows have at most most_diagonals
-// entries, or take() ends the walk by returning false.
+// same(i, k, length) for a row i whose entries from k on lie on the diagonals of those of the row before, as most rows
+// of grids do; take(i, k, d) for each entry of other rows, the d-th, until it returns false.
 template <class Int, class Same, class Take>
 [[gnu::always_inline]] inline bool walk(const RowArrays<Int>& rows, Index first, Index last, Same same, Take take)
 {
@@ -111,12 +152,11 @@ template <class Int, class Same, class Take>
     for (Index i = first; i < last; ++i) {
         const Index begin = rows.begin(i), length = rows.length(i);
         const Int* const cols = rows.cols + begin;
-        for (Index d = 0; d < length; ++d) {
-            if (d < length_before && cols[d] == before[d] + 1)
-                same(i, begin + d, d);
-            else if (!take(i, begin + d, d))
-                return false;
-        }
+        if (length == length_before && shifted(cols, before, length))
+            same(i, begin, length);
+        else
+            for (Index d = 0; d < length; ++d)
+                if (!take(i, begin + d, d)) return false;
         before = cols, length_before = length;
     }
     return true;
@@ -153,16 +193,10 @@ Costs costs_of(const MvPlan& plan, bool distinct)
     const Index size = element_size(plan.precision);
     const double n = static_cast<double>(plan.rows), nnz = static_cast<double>(plan.entries);
     const bool far = plan.entries * (size + plan.index_bytes) > far_bytes;
-    Index changes = 0, brief = 0; // rows of another length than the one before, entries of rows below eight
+    Lengths lengths;
     with_width(plan, [&](auto width) {
         const RowArrays<decltype(width)> rows(plan);
-        for (Index i = 0; i < rows.count; ++i) {
-            const Index length = rows.length(i);
-            changes += i > 0 && length != rows.length(i - 1);
-            brief += length < 8 ? length : 0;
-        }
-        costs.stored4 = stored_in_slices(rows, 4);
-        costs.stored8 = stored_in_slices(rows, 8);
+        lengths = Lengths(rows);
         if (!distinct || plan.entries == 0) return;
         const Index all = plan.rows + plan.columns - 1;
         if (void* const mark = ork_serv_calloc(static_cast<std::size_t>(all), 1, 64, 0)) {
@@ -170,9 +204,10 @@ Costs costs_of(const MvPlan& plan, bool distinct)
             ork_serv_free(mark);
         }
     });
+    costs.stored4 = lengths.stored4, costs.stored8 = lengths.stored8;
     const Rates& rate = rates[precision_number(plan.precision)][far];
-    costs.rows =
-        rate.entry * (nnz + (rate.brief - 1) * static_cast<double>(brief)) + 2 * n + 3 * static_cast<double>(changes);
+    costs.rows = rate.entry * (nnz + (rate.brief - 1) * static_cast<double>(lengths.brief)) + 2 * n +
+                 3 * static_cast<double>(lengths.changes);
     costs.slices4 = rate.slice * static_cast<double>(costs.stored4) + 0.7 * n;
     costs.slices8 = rate.slice * static_cast<double>(costs.stored8) + 0.6 * n;
     if (costs.diagonal_count > 0) {
@@ -269,12 +304,16 @@ bool into_diagonals(MvPlan& plan, const Costs& costs)
                 Element* const to = vals + c * count * chunk;
                 std::memset(static_cast<void*>(to), 0, static_cast<std::size_t>(count * chunk) * sizeof(Element));
                 Index at[Costs::most_diagonals]; // of the row before
-                const auto put = [&](Index i, Index k, Index d) { to[at[d] + i % chunk] = from[k]; };
-                walk(rows, c * chunk, std::min((c + 1) * chunk, rows.count), put, [&](Index i, Index k, Index d) {
-                    at[d] = number[rows.column(k) - i + rows.count - 1] * chunk;
-                    put(i, k, d);
-                    return true;
-                });
+                walk(
+                    rows, c * chunk, std::min((c + 1) * chunk, rows.count),
+                    [&](Index i, Index k, Index length) {
+                        for (Index d = 0; d < length; ++d) to[at[d] + i % chunk] = from[k + d];
+                    },
+                    [&](Index i, Index k, Index d) {
+                        at[d] = number[rows.column(k) - i + rows.count - 1] * chunk;
+                        to[at[d] + i % chunk] = from[k];
+                        return true;
+                    });
             }
         });
     });

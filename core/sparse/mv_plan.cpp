@@ -140,7 +140,7 @@ Outcome build(const Matrix& a, MvPlan& plan, double calls, Costs& costs)
     if (!stands && (!may_copy(a) || calls < products_of_conversion)) return Outcome::useless;
     bool too_large = false;
     if (!stands && !convert(a, key, plan, too_large)) return too_large ? Outcome::useless : Outcome::no_memory;
-    if (plan.layout == Layout::blocks) return Outcome::useful;
+    if (plan.layout == Layout::blocks || plan.entries == 0) return Outcome::useful;
 
     costs = costs_of(plan, stands ? a.distinct : plan.source->distinct);
     const double plain = stands ? costs.rows : plain_cost(a, key, costs.rows);
@@ -232,7 +232,7 @@ bool add(const Matrix& a, Analysis& analysis, Plans& plans, const Key& key, doub
     if (memory == nullptr) return false;
     MvPlan* const plan = new (memory) MvPlan{};
     plan->op = key.op, plan->kind = key.kind;
-    Costs costs{};
+    Costs costs{1, 1, 1, 1, 0, 0, 0, {}}; // of what has no other layout
     const Outcome outcome = build(a, *plan, calls, costs);
     if (outcome != Outcome::useful) {
         ork_serv_free(plan);
