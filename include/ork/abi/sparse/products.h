@@ -75,8 +75,8 @@ enum class ProductForm : std::int32_t {
     triple   // the upper triangle of A B A^H (op_a none) or A^H B A; B stands for a Hermitian (real: symmetric) matrix
 };
 
-// The operands of a product of records; op as enum Operation (mv.h). Both of blocks of one order or neither, and alike in
-// precision and width of indices; B of a triple product not coo.
+// The operands of a product of records; op as enum Operation (mv.h). Both of blocks of one order or neither, and alike
+// in precision and width of indices; B of a triple product not coo.
 struct Factors {
     ProductForm form = ProductForm::product;
     std::int32_t op_a = 0, op_b = 0;
@@ -213,7 +213,8 @@ struct ProductCalls {
     //
     // A new record for the product: sizes, precision, base and, where both factors are row-major or both column-major,
     // the layout of A (otherwise row-major); rows without entries. The format is that of A, or csr
-    // for coo and, of square and triple products, for csc. Its arrays are one block each, first of rows + 1 numbers (last points into it), index and values null.
+    // for coo and, of square and triple products, for csc. Its arrays are one block each, first of rows + 1 numbers
+    // (last points into it), index and values null.
     using do_sp2m_allocate_C_handle = std::int64_t(const Factors*, Matrix** c);
     // The steps, into such a record.
     using do_sp2m = std::int64_t(const Team*, const Factors*, std::int32_t steps, Matrix* c);
