@@ -101,7 +101,6 @@ std::int64_t in_stage(const Routine& r, const Matrix& a, const Matrix& b, int st
     if (check.failed()) return check.status();
     check.same_numbers(&a, "c", c);
     if (!check.failed() && (c == &a || c == &b || !c->owns_arrays || c->sorted == 0 || !c->one_pointer_array() ||
-
                             rows_of(*c) != rows || cols_of(*c) != cols || c->block != a.block))
         check.fail(mismatch(r, "c", c->entries, "the handle is no result of such a product"));
     if (check.failed()) return check.status();

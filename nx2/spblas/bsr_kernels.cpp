@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Products and solves of blocks: every routine walks the stored block rows, and what it does to each is its rule's.
+#include "simd/scale.h"
 #include "spblas/bsr_calls.h"
 #include "spblas/bsr_diagonal.h"
 #include "spblas/bsr_panel.h"
 #include "spblas/bsr_rows.h"
 #include "spblas/members.h"
-#include "simd/scale.h"
 
 namespace ork::spblas::bsr {
 

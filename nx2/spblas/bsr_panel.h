@@ -5,9 +5,9 @@
 
 #include <algorithm>
 
+#include "simd/scale.h"
 #include "spblas/bsr.h"
 #include "spblas/bsr_sum.h"
-#include "simd/scale.h"
 
 namespace ork::spblas::bsr {
 

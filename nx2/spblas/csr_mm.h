@@ -5,10 +5,10 @@
 
 #include <bit>
 
+#include "simd/scale.h"
 #include "spblas/csr_mm_blocks.h"
 #include "spblas/csr_mm_general.h"
 #include "spblas/form.h"
-#include "simd/scale.h"
 
 namespace ork::spblas {
 

@@ -5,9 +5,9 @@
 // pass values for addresses.
 #pragma once
 
+#include "simd/scale.h"
 #include "spblas/form.h"
 #include "spblas/row_dot.h"
-#include "simd/scale.h"
 
 namespace ork::spblas {
 

@@ -2,9 +2,9 @@
 // y = alpha A x + beta y for a symmetric, Hermitian or skew matrix of which one triangle is read.
 #pragma once
 
+#include "simd/scale.h"
 #include "spblas/form.h"
 #include "spblas/row_dot.h"
-#include "simd/scale.h"
 
 namespace ork::spblas {
 

@@ -3,11 +3,11 @@
 // diagonal on it, is ignored.
 #pragma once
 
+#include "simd/scale.h"
 #include "spblas/csr.h"
 #include "spblas/csr_mv.h"
 #include "spblas/form.h"
 #include "spblas/rule.h"
-#include "simd/scale.h"
 
 namespace ork::spblas {
 

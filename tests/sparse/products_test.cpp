@@ -131,14 +131,22 @@ TYPED_TEST(SparseProducts, RowsOfNumbers)
             const Int n = static_cast<Int>(columns);
             expect_stems<Int>(
                 product(a, b), 0, sparse::product_work<Int, T>(columns),
-                [&](Int f, Int l, auto... more) { KERNEL(csr__g_n_spmm_notr_row_struct)
-                                                  (f, l, n, &va, &vb, more...); },
-                [&](Int f, Int l, auto... more) { KERNEL(csr__g_n_spmm_notr_row_pattern)
-                                                  (f, l, n, &va, &vb, more...); },
-                [&](Int f, Int l, auto... more) { KERNEL(csr__g_n_spmm_notr_row)
-                                                  (f, l, n, &va, &vb, more...); },
-                [&](Int f, Int l, auto... more) { KERNEL(csr__g_n_spmm_notr_row_values)
-                                                  (f, l, n, &va, &vb, more...); });
+                [&](Int f, Int l, auto... more) {
+                    KERNEL(csr__g_n_spmm_notr_row_struct)
+                    (f, l, n, &va, &vb, more...);
+                },
+                [&](Int f, Int l, auto... more) {
+                    KERNEL(csr__g_n_spmm_notr_row_pattern)
+                    (f, l, n, &va, &vb, more...);
+                },
+                [&](Int f, Int l, auto... more) {
+                    KERNEL(csr__g_n_spmm_notr_row)
+                    (f, l, n, &va, &vb, more...);
+                },
+                [&](Int f, Int l, auto... more) {
+                    KERNEL(csr__g_n_spmm_notr_row_values)
+                    (f, l, n, &va, &vb, more...);
+                });
         }
 }
 
@@ -177,10 +185,16 @@ TYPED_TEST(SparseProducts, UpperTrianglesOfSquares)
         const Int n = static_cast<Int>(order);
         expect_stems<Int>(
             upper(product(a, ah)), 0, sparse::product_work<Int, T>(order),
-            [&](Int f, Int l, auto... more) { KERNEL(csr__g_n_syrk_notr_struct)
-                                              (f, l, n, &va, &vh, more...); }, nullptr,
-            [&](Int f, Int l, auto... more) { KERNEL(csr__g_n_syrk_notr_row)
-                                              (f, l, n, &va, &vh, more...); }, nullptr);
+            [&](Int f, Int l, auto... more) {
+                KERNEL(csr__g_n_syrk_notr_struct)
+                (f, l, n, &va, &vh, more...);
+            },
+            nullptr,
+            [&](Int f, Int l, auto... more) {
+                KERNEL(csr__g_n_syrk_notr_row)
+                (f, l, n, &va, &vh, more...);
+            },
+            nullptr);
     }
     for (const Index layout : {0, 1}) {
         const auto a = Stored<Int, T>::random(9, 5, 3, 3, 3, layout), ah = a.hermitian();
@@ -204,14 +218,22 @@ TYPED_TEST(SparseProducts, UpperTrianglesOfTripleProducts)
         const Int n = static_cast<Int>(order);
         expect_stems<Int>(
             upper(product(ab, ah)), 0, sparse::triple_work<Int, T>(order, 90, 1),
-            [&](Int f, Int l, auto... m) { KERNEL(csr__g_n_sypr_notr_row_struct)
-                                           (f, l, n, 90, &va, &vb, &vh, m...); },
-            [&](Int f, Int l, auto... m) { KERNEL(csr__g_n_sypr_notr_row_pattern)
-                                           (f, l, n, 90, &va, &vb, &vh, m...); },
-            [&](Int f, Int l, auto... m) { KERNEL(csr__g_n_sypr_notr_row)
-                                           (f, l, n, 90, &va, &vb, &vh, m...); },
-            [&](Int f, Int l, auto... m) { KERNEL(csr__g_n_sypr_notr_row_values)
-                                           (f, l, n, 90, &va, &vb, &vh, m...); });
+            [&](Int f, Int l, auto... m) {
+                KERNEL(csr__g_n_sypr_notr_row_struct)
+                (f, l, n, 90, &va, &vb, &vh, m...);
+            },
+            [&](Int f, Int l, auto... m) {
+                KERNEL(csr__g_n_sypr_notr_row_pattern)
+                (f, l, n, 90, &va, &vb, &vh, m...);
+            },
+            [&](Int f, Int l, auto... m) {
+                KERNEL(csr__g_n_sypr_notr_row)
+                (f, l, n, 90, &va, &vb, &vh, m...);
+            },
+            [&](Int f, Int l, auto... m) {
+                KERNEL(csr__g_n_sypr_notr_row_values)
+                (f, l, n, 90, &va, &vb, &vh, m...);
+            });
     }
     using Row = typename sparse::Calls<Int, T>::bsr__g_n_sypr_notr_rr;
     using Values = typename sparse::Calls<Int, T>::bsr__g_n_sypr_notr_rr_values;

@@ -119,8 +119,8 @@ TYPED_TEST(SparseSmooth, SymmetricGaussSeidel)
                  {from_zero ? abi::phase_from_zero : abi::phase_forward, abi::phase_backward, abi::phase_product})
                 for (const bool second : {phase == abi::phase_backward, phase != abi::phase_backward})
                     KERNEL(dotmv_symgs_ker)
-                    (phase, second ? middle : 0, second ? slices : middle, &packed, this->alpha, b.data(), x.data(),
-                     rest.data(), y.data(), dots + second);
+            (phase, second ? middle : 0, second ? slices : middle, &packed, this->alpha, b.data(), x.data(),
+             rest.data(), y.data(), dots + second);
             expect_near(x, want);
             expect_near(y, product);
             expect_dot(static_cast<T>(dots[0] + dots[1]), x, y);
@@ -209,8 +209,8 @@ TYPED_TEST(SparseSmooth, StepsWithFactors)
         for (const int phase : {abi::phase_forward, abi::phase_backward})
             for (const bool second : {phase == abi::phase_backward, phase != abi::phase_backward})
                 KERNEL(csr_lu_smoother_opt_ker)
-                (phase, second ? middle : 0, second ? slices : middle, &packed, e.data(), inverse.data(), b.data(),
-                 x.data(), z.data());
+        (phase, second ? middle : 0, second ? slices : middle, &packed, e.data(), inverse.data(), b.data(), x.data(),
+         z.data());
         expect_near(x, want);
         KERNEL(csr_lu_smoother_def_ker)
         (static_cast<Int>(a.n), base, a.vals.data(), a.index.data(), a.first.data(), a.last.data(), e.data(),
