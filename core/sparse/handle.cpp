@@ -24,6 +24,7 @@ constinit Kernels<2> kernel_destroy("destroy");
 
 void drop_analysis(Matrix& a)
 {
+    a.divides = 0;
     if (Analysis* const analysis = analysis_of(a)) {
         analysis->~Analysis();
         ork_serv_free(analysis);

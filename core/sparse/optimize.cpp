@@ -35,6 +35,7 @@ std::int64_t analyse(Matrix& a)
     // Rows of arrays that are the handle's own may as well ascend; analyses then need not ask. What was analysed before
     // may know where entries stood.
     if (a.owns_arrays && !a.sorted) drop_analysis(a);
+    a.divides = 0; // the caller's values may have changed
     if (kernel_optimize.get<Handles::optimize>(a)(&a, 0) != 0 || !have_analysis(a)) return ORK_SPARSE_NO_MEMORY;
     Analysis& analysis = *analysis_of(a);
     for (auto* const step : {analyse_mv, analyse_mm, analyse_solve})

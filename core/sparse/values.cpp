@@ -14,6 +14,7 @@ constinit Kernels<8> kernel_set_value("set_value"), kernel_update_values("update
 
 void values_changed(const Matrix& a)
 {
+    a.divides = 0;
     if (Analysis* const analysis = analysis_of(a))
         for (Part* part : {&analysis->mv, &analysis->mm, &analysis->solve, &analysis->products})
             part->values_changed(a);

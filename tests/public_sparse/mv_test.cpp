@@ -168,8 +168,9 @@ void check_every_operation(const Stored<Int, T>& s, const std::string& layout)
                                  std::to_string(uplo) + ", diag " + std::to_string(diag));
                     ork_sparse_matrix_t a = create(s);
                     const auto description = optimised(a, op, kind);
-                    if (type == ORK_SPBLAS_GENERAL && op == ORK_SPBLAS_NO_TRANS)
+                    if (type == ORK_SPBLAS_GENERAL && op == ORK_SPBLAS_NO_TRANS) {
                         EXPECT_EQ(description.layout, layout) << description.text;
+                    }
                     const Index n = is_transposed(op) ? s.form.rows : s.form.cols;
                     const Index m = is_transposed(op) ? s.form.cols : s.form.rows;
                     const auto x = small_integers<T>(random, n), y = small_integers<T>(random, m);

@@ -43,6 +43,8 @@ struct Matrix {
     std::int8_t distinct;    // 1: sorted, and no place twice; 0: not known
     std::int8_t memory;      // 0: an analysis must not copy the matrix, 1: it may
     Format format;
+    mutable std::int8_t
+        divides; // 1: each diagonal entry is there once and not 0, as far as the core has seen; 0: not known
     std::int64_t rows, cols, block; // block 1 but for bsr
     std::int64_t entries;
     void *values, *index, *first, *last;
