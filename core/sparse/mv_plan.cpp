@@ -20,8 +20,8 @@ using Index = std::int64_t;
 using Handles = HandleCalls<std::int64_t>;
 constinit Kernels<2> convert_csr("convert_csr"), convert_bsr("convert_bsr");
 
-// What an analysis takes, in products: filling a layout, and a conversion before it.
-constexpr double products_of_layout = 4, products_of_conversion = 12;
+// What an analysis takes, in products: filling a layout, and before it op(A) or what a kind stands for in rows.
+constexpr double products_of_layout = 6, products_of_operation = 20, products_of_kind = 60;
 // A layout that promises less is not worth the memory, nor the risk that the model is wrong.
 constexpr double least_gain = 0.08;
 
@@ -107,8 +107,8 @@ constexpr const char* name_of(Layout layout)
     }
 }
 
-// op(A), general, in rows. `plan` is in Layout::rows or blocks afterwards; false without memory. Null where op and kind
-// make more entries than the integers count.
+// op(A), general, in rows: `plan` is in Layout::rows or blocks afterwards. False without memory, or too_large where op
+// and kind make more entries than the integers count.
 bool convert(const Matrix& a, const Key& key, MvPlan& plan, bool& too_large)
 {
     Matrix* rows = nullptr;
@@ -121,8 +121,7 @@ bool convert(const Matrix& a, const Key& key, MvPlan& plan, bool& too_large)
         status = convert_csr.get<Handles::convert_csr>(a)(&a, key.op - ORK_SPBLAS_NO_TRANS, 0, &rows);
     too_large = status == 2;
     if (status != 0) return false;
-    if (!rows->distinct) // slices do without, diagonals do not
-        rows->distinct = rows->sorted && key.kind.type == ORK_SPBLAS_GENERAL && a.distinct;
+    if (!rows->distinct) rows->distinct = rows->sorted && a.distinct; // slices do without, diagonals do not
     as_it_stands(*rows, ORK_SPBLAS_NO_TRANS, {}, plan);
     plan.source = rows;
     plan.bytes = rows->entries * (rows->block * rows->block * element_size(a.precision) + a.index_bytes) +
@@ -132,12 +131,14 @@ bool convert(const Matrix& a, const Key& key, MvPlan& plan, bool& too_large)
 
 enum class Outcome { useful, useless, no_memory };
 
-// Fills plan for its key, for so many calls.
-Outcome build(const Matrix& a, MvPlan& plan, double calls, Costs& costs)
+// Fills plan for its key and calls.
+Outcome build(const Matrix& a, MvPlan& plan, Costs& costs)
 {
     const Key key{plan.op, plan.kind};
+    const double calls = plan.calls;
     const bool stands = as_it_stands(a, plan.op, plan.kind, plan);
-    if (!stands && (!may_copy(a) || calls < products_of_conversion)) return Outcome::useless;
+    const double before = stands ? 0 : key.kind.type == ORK_SPBLAS_GENERAL ? products_of_operation : products_of_kind;
+    if (!stands && (!may_copy(a) || calls < before)) return Outcome::useless;
     bool too_large = false;
     if (!stands && !convert(a, key, plan, too_large)) return too_large ? Outcome::useless : Outcome::no_memory;
     if (plan.layout == Layout::blocks || plan.entries == 0) return Outcome::useful;
@@ -149,7 +150,6 @@ Outcome build(const Matrix& a, MvPlan& plan, double calls, Costs& costs)
         const double gain = 1 - cost / plain;
         return gain >= least_gain && gain * calls >= products;
     };
-    const double before = stands ? 0 : products_of_conversion;
     if (may_copy(a) && best < costs.rows * (1 - least_gain) && pays(best, before + products_of_layout)) {
         const Index most = a.index_bytes == 4 ? INT32_MAX : INT64_MAX;
         const bool by_four = costs.slices4 < costs.slices8;
@@ -218,7 +218,7 @@ bool refresh(const Matrix& a, void* data)
         if (plan->source == nullptr && plan->memory == nullptr) continue;
         release_arrays(*plan);
         Costs costs;
-        if (build(a, *plan, 1e9, costs) != Outcome::useful) return false;
+        if (build(a, *plan, costs) != Outcome::useful) return false;
     }
     return true;
 }
@@ -231,9 +231,9 @@ bool add(const Matrix& a, Analysis& analysis, Plans& plans, const Key& key, doub
     void* const memory = ork_serv_malloc(sizeof(MvPlan), 64);
     if (memory == nullptr) return false;
     MvPlan* const plan = new (memory) MvPlan{};
-    plan->op = key.op, plan->kind = key.kind;
+    plan->op = key.op, plan->kind = key.kind, plan->calls = calls;
     Costs costs{1, 1, 1, 1, 0, 0, 0, {}}; // of what has no other layout
-    const Outcome outcome = build(a, *plan, calls, costs);
+    const Outcome outcome = build(a, *plan, costs);
     if (outcome != Outcome::useful) {
         ork_serv_free(plan);
         return outcome == Outcome::useless;

@@ -21,6 +21,7 @@ struct MvPlan {
     MvPlan* next;
     int op; // public numbers
     ork_sparse_kind kind;
+    double calls; // expected
 
     Layout layout;
     char precision;
