@@ -90,7 +90,7 @@ double plain_cost(const Matrix& a, const Key& key, double rows)
         return transposes(key.op) == (a.format == Format::csc) ? rows : 1.7 * nnz + 3 * n;
     if (key.kind.type == ORK_SPBLAS_TRIANGULAR) return 1.5 * nnz + 3 * n;
     if (key.kind.type == ORK_SPBLAS_DIAGONAL) return nnz + n;
-    return 2.2 * nnz + 4 * n;
+    return 1.85 * nnz + 4 * n;
 }
 
 constexpr const char* name_of(Layout layout)
