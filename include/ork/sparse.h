@@ -45,9 +45,9 @@
 
    HANDLES. A handle is not a pointer that may be followed. One that was destroyed, and what never was one, are refused;
    only one that another thread destroys while it is in use is not. Any number of threads may apply a handle at once;
-   hints, optimize, values and destroy want it for themselves. An optimised handle may hold copies of the values, and one
-   that has solved does not look for zeros on the diagonal again: change values by update_values or set_value, or call
-   optimize after changing your arrays.
+   hints, optimize, values and destroy want it for themselves. An optimised handle may hold copies of the values, and
+   one that has solved does not look for zeros on the diagonal again: change values by update_values or set_value, or
+   call optimize after changing your arrays.
 
    ERRORS. Every function returns an ork_sparse_status; on failure outputs are as they were and the handle is usable.
    Nothing is printed.

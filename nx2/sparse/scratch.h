@@ -5,8 +5,8 @@
 // Of ways to make sorted rows these were measured in one run (squares of lap3d:20, lap3d:60, pow:8000:16; double, Zen
 // 5, nanoseconds a row, counting and page faults included): a bit a column, read in order, 120, 225, 1560; a byte a
 // column, so that marking loads nothing, 135, 280, 1840; a list that is sorted by counting the smaller ones in
-// registers, for rows to 32, 146, 268. Counting by bits instead of stamps takes twice as long in grids and five times in
-// power laws.
+// registers, for rows to 32, 146, 268. Counting by bits instead of stamps takes twice as long in grids and five times
+// in power laws.
 #pragma once
 
 #include <algorithm>
