@@ -80,14 +80,6 @@ std::complex<R> times(R a, std::complex<R> b)
     return {a * b.real(), a * b.imag()};
 }
 template <class T>
-T conjugated(T a)
-{
-    if constexpr (is_complex<T>)
-        return std::conj(a);
-    else
-        return a;
-}
-template <class T>
 Real<T> magnitude1(T a)
 {
     if constexpr (is_complex<T>)

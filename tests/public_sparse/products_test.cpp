@@ -51,15 +51,6 @@ Dense<T> read(ork_sparse_matrix_t c, Format format)
     return s.dense();
 }
 
-template <class T>
-T some(int re, int im)
-{
-    if constexpr (is_complex<T>)
-        return {static_cast<Real<T>>(re), static_cast<Real<T>>(im)};
-    else
-        return static_cast<T>(re);
-}
-
 Format format_of_product(Format a) { return a == Format::coo ? Format::csr : a; }
 Format format_of_square(Format a) { return a == Format::bsr ? a : Format::csr; }
 

@@ -64,7 +64,7 @@ struct Sums {
         for (Index r = 0; r < block; ++r)
             for (Index c = 0; c < block; ++c) {
                 const T got = vals[(k * block + (layout == 0 ? r : c)) * block + (layout == 0 ? c : r)];
-                const T scaled = i < 0 ? T(0) : times(alpha, a.at(static_cast<std::size_t>(i), block, r, c));
+                const T scaled = i < 0 ? T(0) : plain_product(alpha, a.at(static_cast<std::size_t>(i), block, r, c));
                 const T other = j < 0 ? T(0) : b.at(static_cast<std::size_t>(j), block, r, c);
                 ASSERT_TRUE(same_bits(got, i < 0   ? other
                                            : j < 0 ? scaled
@@ -125,8 +125,8 @@ TYPED_TEST(SparseSums, PlacesThatRepeatAndRowsWithoutEntries)
     // In any order: all of A's go to the one entry of B, and one of A to the last of B's.
     Sums<Int, T> into_one(1, 8, twice, one, 0, 0, alpha, 3);
     into_one.run(KERNEL(add_unsorted_ker), work.data());
-    EXPECT_TRUE(
-        same_bits<T>(into_one.vals[0], (one.vals[0] + times(alpha, twice.vals[0])) + times(alpha, twice.vals[1])));
+    EXPECT_TRUE(same_bits<T>(into_one.vals[0], (one.vals[0] + plain_product(alpha, twice.vals[0])) +
+                                                   plain_product(alpha, twice.vals[1])));
     into_one.expect(1, 7, -1, 1), into_one.expect(2, 6, 2, -1);
     Sums<Int, T> to_last(1, 8, one, twice, 0, 0, alpha, 4);
     to_last.run(KERNEL(add_unsorted_ker), work.data());

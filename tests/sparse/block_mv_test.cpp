@@ -92,15 +92,6 @@ struct Blocks {
     }
 };
 
-template <class T>
-T some(float re, float im)
-{
-    if constexpr (is_complex<T>)
-        return {re, im};
-    else
-        return re;
-}
-
 template <class C>
 class SparseBlocks : public testing::Test {
 };

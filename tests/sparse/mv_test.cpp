@@ -14,27 +14,10 @@ namespace {
 
 using Index = std::int64_t;
 
-// The plain formula, without the library's recovery of infinities.
-template <class T>
-T times(T a, T b)
-{
-    if constexpr (is_complex<T>)
-        return {a.real() * b.real() - a.imag() * b.imag(), a.real() * b.imag() + a.imag() * b.real()};
-    else
-        return a * b;
-}
-template <class T>
-T conjugated(T a)
-{
-    if constexpr (is_complex<T>)
-        return std::conj(a);
-    else
-        return a;
-}
 template <class T>
 T update(T sum, T alpha, T y, T beta)
 {
-    return beta == T(0) ? times(sum, alpha) : times(sum, alpha) + times(y, beta);
+    return beta == T(0) ? plain_product(sum, alpha) : plain_product(sum, alpha) + plain_product(y, beta);
 }
 
 // Compressed rows with every array flush with an inaccessible page.
@@ -75,7 +58,7 @@ struct Rows {
     // Row i times x in the stated order; x is indexed by the columns as they are stored.
     T sum(Index i, const T* x) const
     {
-        const auto product = [&](Index k) { return times(vals[k], x[cols[k]]); };
+        const auto product = [&](Index k) { return plain_product(vals[k], x[cols[k]]); };
         Index k = begin[i];
         const Index end = begin[i + 1];
         T s = 0;
@@ -140,7 +123,7 @@ TYPED_TEST(SparseMv, RowsInTheirOrder)
             T dot = 0;
             for (Index i = 0; i < a.rows(); ++i) {
                 want[i] = update(a.sum(i, from), alpha, old[i], beta);
-                dot += times(conjugated(from[row_first + i]), want[i]);
+                dot += plain_product(conjugated(from[row_first + i]), want[i]);
             }
             const auto unset = [&] { return beta == T(0) ? std::vector<T>(old.size(), T(this->nan)) : old; };
             Guarded<T> y(unset());
@@ -226,7 +209,7 @@ struct Slices {
         T s = 0;
         const Index slice = row / h, from = static_cast<Index>(begin[slice]) - 11,
                     to = static_cast<Index>(end[slice]) - 11;
-        for (Index k = from + row % h; k < to; k += h) s += times(vals[k], x[cols[k]]);
+        for (Index k = from + row % h; k < to; k += h) s += plain_product(vals[k], x[cols[k]]);
         return s;
     }
 };
@@ -268,7 +251,7 @@ TYPED_TEST(SparseMv, SlicesInTheirOrder)
                         std::vector<T> products;
                         for (Index r = s * h; r < std::min(written, s * h + h); ++r) {
                             want[r] = update(a.sum(r, x.data()), alpha, old[r], beta);
-                            products.push_back(times(conjugated(x[first * h + r]), want[r]));
+                            products.push_back(plain_product(conjugated(x[first * h + r]), want[r]));
                         }
                         if (s < full)
                             dot += slice_dot(products);
@@ -313,11 +296,11 @@ TYPED_TEST(SparseMv, TransposedScattersAndScalesAlways)
             const Guarded<T> x(uniform_values<T>(a.rows(), 4));
             const auto old = uniform_values<T>(n, 5);
             std::vector<T> want;
-            for (const T y : old) want.push_back(beta == T(0) ? T(0) : times(y, beta));
+            for (const T y : old) want.push_back(beta == T(0) ? T(0) : plain_product(y, beta));
             std::vector<T> scaled = want;
             for (Index i = 0; i < a.rows(); ++i)
                 for (Index k = a.begin[i]; k < a.begin[i + 1]; ++k)
-                    want[a.cols[k] - base] += times(a.vals[k], times(x[i], alpha));
+                    want[a.cols[k] - base] += plain_product(a.vals[k], plain_product(x[i], alpha));
             Guarded<T> out(beta == T(0) ? std::vector<T>(n, T(this->nan)) : old);
             const auto call = [&](Int rows) {
                 KERNEL(csr_ng_t_mv_ker)
@@ -347,7 +330,7 @@ TYPED_TEST(SparseMv, MergesPartsInTheirOrder)
             std::vector<T> want = old, added = old;
             for (Index i = first; i < last; ++i) {
                 want[i] = update(partials[i], alpha, old[i], beta);
-                for (Index p = 1; p < parts; ++p) want[i] += times(alpha, partials[p * stride + i]);
+                for (Index p = 1; p < parts; ++p) want[i] += plain_product(alpha, partials[p * stride + i]);
                 for (Index p = 0; p < parts; ++p) added[i] += partials[p * stride + i];
             }
             Guarded<T> y(old), sum(old);
@@ -392,7 +375,8 @@ TYPED_TEST(SparseMv, DiagonalsInTheirOrder)
                         for (Index i = first; i < last; ++i) {
                             T s = 0;
                             for (Index d = 0; d < count; ++d)
-                                if (const Index j = i + distance[d]; j >= 0 && j < cols) s += times(at(i, d), x[j]);
+                                if (const Index j = i + distance[d]; j >= 0 && j < cols)
+                                    s += plain_product(at(i, d), x[j]);
                             want.push_back(update(s, alpha, old[i - first], beta));
                         }
                         Guarded<T> y(beta == T(0) ? std::vector<T>(old.size(), T(this->nan)) : old);

@@ -3,47 +3,16 @@
 #pragma once
 
 #include <algorithm>
-#include <cstring>
 #include <vector>
 
 #include "sparse/kernel.h"
+#include "support/compare.h"
 #include "support/guarded.h"
 #include "support/random.h"
 
 namespace ork::test {
 
 using Index = std::int64_t;
-
-template <class T>
-T some(float re, float im)
-{
-    if constexpr (is_complex<T>)
-        return {re, im};
-    else
-        return re;
-}
-// Without the language's care for infinities.
-template <class T>
-T times(T a, T b)
-{
-    if constexpr (is_complex<T>)
-        return {a.real() * b.real() - a.imag() * b.imag(), a.real() * b.imag() + a.imag() * b.real()};
-    else
-        return a * b;
-}
-template <class T>
-T conjugate(T a)
-{
-    if constexpr (is_complex<T>)
-        return std::conj(a);
-    else
-        return a;
-}
-template <class T>
-bool same_bits(const T& a, const T& b)
-{
-    return std::memcmp(&a, &b, sizeof a) == 0;
-}
 
 // A dense matrix, and which of its blocks are places of the sparse one.
 template <class T>
@@ -127,7 +96,7 @@ struct Stored {
                 h.index.push_back(static_cast<Int>(i + h.base));
                 h.vals.resize(h.vals.size() + block * block);
                 for (Index r = 0; r < block; ++r)
-                    for (Index c = 0; c < block; ++c) h.at(h.entries() - 1, r, c) = conjugate(at(k, c, r));
+                    for (Index c = 0; c < block; ++c) h.at(h.entries() - 1, r, c) = conjugated(at(k, c, r));
             });
             h.last.push_back(static_cast<Int>(h.entries() + h.base));
         }
@@ -166,8 +135,8 @@ void accumulate(const Stored<Int, T>& a, const Stored<Int, T>& b, Dense<T>& c, T
                 for (Index s = 0; s < n; ++s) {
                     T& element = c(i * n + r, j * n + s);
                     for (Index t = 0; t < n; ++t) {
-                        const T left = factor == T(1) ? a.at(k, r, t) : times(factor, a.at(k, r, t));
-                        element = element + times(left, b.at(l, t, s));
+                        const T left = factor == T(1) ? a.at(k, r, t) : plain_product(factor, a.at(k, r, t));
+                        element = element + plain_product(left, b.at(l, t, s));
                     }
                 }
         }

@@ -288,7 +288,7 @@ TYPED_TEST(SparseProducts, DenseResults)
         return d;
     };
     const auto scaled = [](Dense<T> d, T beta) {
-        for (T& v : d.value) v = beta == T(0) ? T(0) : beta == T(1) ? v : times(beta, v);
+        for (T& v : d.value) v = beta == T(0) ? T(0) : beta == T(1) ? v : plain_product(beta, v);
         return d;
     };
     for (const Index layout : {0, 1})
@@ -324,9 +324,10 @@ TYPED_TEST(SparseProducts, DenseResults)
                 for (Index i = 0; i < rows; ++i)
                     for (Index k = a.begin(i); k < a.end(i); ++k)
                         for (Index l = a.begin(i); l < a.end(i); ++l) {
-                            const T left = conjugate(a.vals[k]);
+                            const T left = conjugated(a.vals[k]);
                             T& element = want(a.column(k), a.column(l));
-                            element = element + times(alpha == T(1) ? left : times(alpha, left), a.vals[l]);
+                            element =
+                                element + plain_product(alpha == T(1) ? left : plain_product(alpha, left), a.vals[l]);
                         }
                 expect_dense<Int>(other, want, layout, true, beta, [&](Int f, Int l, T* c, Int ld) {
                     IN_LAYOUT(csr__g_t_syrkd_alf)(f, l, inner, rows, alpha, &va, beta, c, ld);
@@ -344,13 +345,13 @@ TYPED_TEST(SparseProducts, DenseResults)
                     for (Index k = a.begin(i); k < a.end(i); ++k)
                         for (Index j = 0; j < inner; ++j) {
                             const Index p = a.column(k);
-                            ab[j] = ab[j] + times(a.vals[k], j < p ? conjugate(whole(j, p)) : whole(p, j));
+                            ab[j] = ab[j] + plain_product(a.vals[k], j < p ? conjugated(whole(j, p)) : whole(p, j));
                         }
                     for (Index j = 0; j < rows; ++j) {
                         T sum{};
                         for (Index k = a.begin(j); k < a.end(j); ++k)
-                            sum = sum + times(ab[a.column(k)], conjugate(a.vals[k]));
-                        want(i, j) = want(i, j) + (alpha == T(1) ? sum : times(alpha, sum));
+                            sum = sum + plain_product(ab[a.column(k)], conjugated(a.vals[k]));
+                        want(i, j) = want(i, j) + (alpha == T(1) ? sum : plain_product(alpha, sum));
                     }
                 }
                 for (const bool by_columns : {false, true}) {

@@ -30,15 +30,6 @@ Sparse<T> matrix_of(const Lengths& lengths, std::int64_t columns, std::uint64_t 
     return a;
 }
 
-template <class T>
-T conjugated(T value)
-{
-    if constexpr (is_complex<T>)
-        return std::conj(value);
-    else
-        return value;
-}
-
 // With the values conjugated where the operation says so.
 template <class T>
 std::vector<Row<T>> rows_of(const Sparse<T>& a, char op)

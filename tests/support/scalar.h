@@ -70,6 +70,33 @@ constexpr R magnitude(Wide<R> a)
     return (a.re < 0 ? -a.re : a.re) + (a.im < 0 ? -a.im : a.im);
 }
 
+// (re, im), or re alone in real types.
+template <class T>
+T some(float re, float im)
+{
+    if constexpr (is_complex<T>)
+        return {re, im};
+    else
+        return re;
+}
+// The plain formula, without the language's recovery of infinities.
+template <class T>
+T plain_product(T a, T b)
+{
+    if constexpr (is_complex<T>)
+        return {a.real() * b.real() - a.imag() * b.imag(), a.real() * b.imag() + a.imag() * b.real()};
+    else
+        return a * b;
+}
+template <class T>
+T conjugated(T a)
+{
+    if constexpr (is_complex<T>)
+        return std::conj(a);
+    else
+        return a;
+}
+
 template <class T>
 const char* precision_letter()
 {
