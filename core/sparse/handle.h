@@ -28,6 +28,7 @@
 #include "ork/abi/sparse.h"
 #include "ork/sparse.h"
 #include "sparse/error.h"
+#include "sparse/precision.h"
 
 #define ORK_SPARSE_PRECISIONS(MEMBER)                                                                                  \
     MEMBER(s, float, float)                                                                                            \
@@ -40,9 +41,6 @@ namespace ork::sparse {
 inline const void* address(const float& scalar) { return &scalar; }
 inline const void* address(const double& scalar) { return &scalar; }
 inline const void* address(const void* scalar) { return scalar; }
-
-constexpr bool is_complex(char precision) { return precision == 'c' || precision == 'z'; }
-constexpr std::int64_t element_size(char precision) { return precision == 's' ? 4 : precision == 'z' ? 16 : 8; }
 
 // The matrix behind a handle; null for what is none or is destroyed.
 Matrix* matrix_of(ork_sparse_matrix_t handle);

@@ -15,16 +15,12 @@
 #include <complex>
 
 #include "ork/abi/sparse.h"
+#include "sparse/precision.h"
 
 namespace ork::sparse {
 
 // Never null: without the kernel the process ends with a message. A precision of 0 stands for stems without one.
 void* find_kernel(const char* stem, char precision, int index_bytes);
-
-constexpr int precision_number(char precision)
-{
-    return precision == 's' ? 0 : precision == 'd' ? 1 : precision == 'c' ? 2 : 3;
-}
 
 // 8 members, or of a stem without precision 2.
 template <int members>

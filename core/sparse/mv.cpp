@@ -41,23 +41,6 @@ T dot_of(char precision, Index n, const T* x, const T* y)
                                                                                                          &one);
 }
 
-// Rows or slices before which part / parts of the entries stand; each counts as one entry more than it has.
-Index boundary(const MvPlan& plan, Index lines, int part, int parts)
-{
-    const spblas::Integers pointers(plan.pointers, plan.index_bytes == 8);
-    const double share = static_cast<double>(pointers[lines] - pointers[0] + lines) * part / parts;
-    if (part == parts) return lines;
-    Index low = 0, high = lines;
-    while (low < high) {
-        const Index middle = low + (high - low) / 2;
-        if (static_cast<double>(pointers[middle] - pointers[0] + middle) < share)
-            low = middle + 1;
-        else
-            high = middle;
-    }
-    return low;
-}
-
 template <class T>
 struct Product {
     using Kernel = Calls<Index, T>;
@@ -137,7 +120,10 @@ struct Product {
             return diagonals(part, range.first, range.end());
         }
         const Index lines = slicing ? plan.count : plan.rows;
-        const Index first = boundary(plan, lines, part, parts), last = boundary(plan, lines, part + 1, parts);
+        const spblas::Integers p(plan.pointers, plan.index_bytes == 8);
+        const auto total = static_cast<double>(lines > 0 ? p[lines] - p[0] + lines : 0);
+        const spblas::Range share = spblas::share(p, lines, total, parts, part);
+        const Index first = share.first, last = share.end();
         if (plan.layout == Layout::rows)
             rows(part, first, last);
         else if (slicing)
@@ -212,10 +198,9 @@ struct Operands {
     check.given("d", o.d, o.dots);
     if (check.failed()) return check.status();
 
-    const auto precision = static_cast<spblas::Precision>(precision_number(r.precision));
     MvPlan standing;
     const MvPlan* plan = nullptr;
-    if (rows > 0 && !spblas::is_zero(precision, o.alpha)) { // with alpha = 0 neither A nor x is read
+    if (rows > 0 && !spblas::is_zero(precision_of(r.precision), o.alpha)) { // with alpha = 0 neither A nor x is read
         plan = mv_plan(*a, o.op, o.kind);
         if (plan == nullptr && as_it_stands(*a, o.op, o.kind, standing)) plan = &standing;
     }

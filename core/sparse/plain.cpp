@@ -37,10 +37,7 @@ PlainCall::PlainCall(const Matrix& a, spblas::Routine routine, int op, const ork
 {
     const bool wide = a.index_bytes == 8, csc = a.format == Format::csc;
     call.routine = routine;
-    call.precision = a.precision == 's'   ? spblas::Precision::s
-                     : a.precision == 'd' ? spblas::Precision::d
-                     : a.precision == 'c' ? spblas::Precision::c
-                                          : spblas::Precision::z;
+    call.precision = precision_of(a.precision);
     call.wide = wide;
     call.op = op, call.layout = layout;
     call.kind = {kind.type, kind.uplo, kind.diag, static_cast<ork_spblas_base>(a.base)};

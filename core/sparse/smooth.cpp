@@ -27,11 +27,6 @@ constinit Kernels<8> symgs_phases("mv_symgs_ker"), symgs_rows("csr__g_n_symgs_de
 
 const Int* ints(const void* array) { return static_cast<const Int*>(array); }
 
-spblas::Precision precision_of(const Matrix& a)
-{
-    return static_cast<spblas::Precision>(precision_number(a.precision));
-}
-
 // Memory for `count` numbers, for the time of a call.
 class Work {
 public:
@@ -191,7 +186,7 @@ std::int64_t lu_blocks(const Routine& r, const Matrix& a, const Factors& f)
             solve->template get<typename Call<T>::bsr_ng_lu_smoother_lower_solve_def>(a)(
                 0, a.rows, &blocks, static_cast<const T*>(f.diagonal), static_cast<const T*>(f.inverse),
                 static_cast<T*>(z.get()), static_cast<T*>(work.get()));
-        spblas::add(precision_of(a), n, z.get(), f.x);
+        spblas::add(precision_of(a.precision), n, z.get(), f.x);
         return std::int64_t{ORK_SPARSE_SUCCESS};
     });
 }
@@ -309,7 +304,8 @@ void relax_rows(const Matrix& a, const Relaxation& s)
     if (needs_diagonal)
         if (const auto status = check_diagonal(r, *a)) return status;
     const auto scale_x = [&] {
-        if (!spblas::is_one(precision_of(*a), s.alpha)) spblas::scaled_copy(precision_of(*a), n, s.alpha, s.x, s.x);
+        if (!spblas::is_one(precision_of(a->precision), s.alpha))
+            spblas::scaled_copy(precision_of(a->precision), n, s.alpha, s.x, s.x);
     };
     if (triangle) {
         scale_x();

@@ -1,37 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "sparse/solve_rows.h"
 
-#include <cstring>
-
 #include "ork/abi/services.h"
 #include "sparse/expand.h"
 #include "sparse/handle.h"
 #include "sparse/kernels.h"
-#include "spblas/call.h"
+#include "spblas/vectors.h"
 
 namespace ork::sparse {
 namespace {
 
 constinit Kernels<2> convert_csr("convert_csr"), sort_rows("optimize");
-
-// Whether a number, or each part of it, is 0.
-bool is_zero(char precision, const void* value)
-{
-    const auto zero = [&](auto real) {
-        std::memcpy(&real, value, sizeof real);
-        return real == 0;
-    };
-    switch (precision) {
-    case 's':
-        return zero(float{});
-    case 'd':
-        return zero(double{});
-    case 'c':
-        return zero(float{}) && (value = static_cast<const char*>(value) + 4, zero(float{}));
-    default:
-        return zero(double{}) && (value = static_cast<const char*>(value) + 8, zero(double{}));
-    }
-}
 
 using Kind = DiagonalFault::Kind;
 
@@ -45,7 +24,8 @@ DiagonalFault fault_of_entries(const Matrix& a)
     for (std::int64_t k = 0; k < a.entries; ++k) {
         const std::int64_t row = row_of[k] - a.base;
         if (row != column_of[k] - a.base) continue;
-        if (is_zero(a.precision, static_cast<const char*>(a.values) + k * size)) fault = {Kind::zero, row + a.base};
+        if (spblas::is_zero(precision_of(a.precision), static_cast<const char*>(a.values) + k * size))
+            fault = {Kind::zero, row + a.base};
         if (seen[row]++ != 0) fault = {Kind::repeated, row + a.base}, seen[row] = 1;
     }
     for (std::int64_t row = a.rows; row-- > 0;)
@@ -70,8 +50,8 @@ DiagonalFault fault_of_lines(const Matrix& a)
         }
         if (own < 0) return {Kind::missing, i * block + base};
         for (std::int64_t r = 0; r < block; ++r)
-            if (is_zero(a.precision,
-                        static_cast<const char*>(a.values) + (own * block * block + r * (block + 1)) * size))
+            if (spblas::is_zero(precision_of(a.precision),
+                                static_cast<const char*>(a.values) + (own * block * block + r * (block + 1)) * size))
                 return {Kind::zero, i * block + r + base};
     }
     return {Kind::none, 0};

@@ -8,9 +8,8 @@
 namespace ork::spblas {
 namespace {
 
-// Rows before which `share` of the entries stand. A row counts as one entry more than it has, for what it costs when it
-// is empty. Rows with gaps or in another order are divided somehow, but without overlap: the search ends no earlier for
-// a larger share, whatever the pointers are.
+// Rows before which `share` of the entries stand. Rows with gaps or in another order are divided somehow, but without
+// overlap: the search ends no earlier for a larger share, whatever the pointers are.
 std::int64_t boundary(const Integers& pointers, std::int64_t lines, double total, double share)
 {
     std::int64_t low = 0, high = lines;
@@ -62,6 +61,11 @@ Range slice(const Call& call, int parts, int part)
     if (a.format == Format::coo || a.format == Format::dia) return strip(lines, 1, parts, part);
     const Integers pointers = call.integers(a.format == Format::sky ? 1 : 2);
     const double total = stored_entries(call) / static_cast<double>(a.block() * a.block()) + static_cast<double>(lines);
+    return share(pointers, lines, total, parts, part);
+}
+
+Range share(const Integers& pointers, std::int64_t lines, double total, int parts, int part)
+{
     const auto begin = [&](int p) {
         return p == 0 ? 0 : p == parts ? lines : boundary(pointers, lines, total, static_cast<double>(p) / parts);
     };

@@ -15,6 +15,10 @@ struct Range {
 // entries of coo.
 Range slice(const Call& call, int parts, int part);
 
+// The same of `lines` rows by their pointers. A row counts as one entry more than it has, for what it costs when it is
+// empty; total: entries and rows.
+Range share(const Integers& pointers, std::int64_t lines, double total, int parts, int part);
+
 // `count` things in parts whose lengths, but for the last, are multiples of `unit`.
 Range strip(std::int64_t count, std::int64_t unit, int parts, int part);
 

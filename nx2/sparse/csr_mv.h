@@ -3,6 +3,7 @@
 #pragma once
 
 #include "simd/scale.h"
+#include "sparse/conjugated.h"
 #include "sparse/csr_rows.h"
 
 namespace ork::sparse {
@@ -17,15 +18,6 @@ struct Scaling {
     T apply(T sum, const T& old) const { return clear ? sum * alpha : sum * alpha + old * beta; }
 };
 
-template <class T>
-inline T conjugate(T value)
-{
-    if constexpr (is_complex<T>)
-        return conj(value);
-    else
-        return value;
-}
-
 // y = alpha A x + beta y; with `dot` also the sum of conj(x_i) y_i, x_i at the rows of the share.
 template <bool dots, bool far, class Int, class T>
 [[gnu::noinline]] void row_products(Share<Int, T> a, Index row_first, Scaling<T> scaling, const T* x, T* y, T* dot)
@@ -35,7 +27,7 @@ template <bool dots, bool far, class Int, class T>
         a, x, [&](Index i, T s) __attribute__((always_inline)) {
             const T result = scaling.apply(s, y[i]);
             y[i] = result;
-            if constexpr (dots) sum = sum + conjugate(x[row_first + i]) * result;
+            if constexpr (dots) sum = sum + conjugated(x[row_first + i]) * result;
         });
     if constexpr (dots) *dot = sum;
 }

@@ -117,7 +117,7 @@ template <int h, bool dots, bool far, class Int, class T>
             T s{};
             for (Index k = r; k < length; k += h) s = s + vals[k] * x[cols[k]];
             y[r] = scaling.apply(s, y[r]);
-            if constexpr (dots) running = running + conjugate(own[r]) * y[r];
+            if constexpr (dots) running = running + conjugated(own[r]) * y[r];
         }
     }
     if constexpr (dots) *dot = running;

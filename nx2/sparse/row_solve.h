@@ -5,17 +5,10 @@
 #include "blas/divide.h"
 #include "ork/abi/sparse/solve.h"
 #include "simd/scale.h"
+#include "sparse/conjugated.h"
 #include "spblas/csr_fetch.h"
 
 namespace ork::sparse {
-
-inline double conjugated(double x) { return x; }
-inline float conjugated(float x) { return x; }
-template <class R>
-inline Complex<R> conjugated(Complex<R> x)
-{
-    return conj(x);
-}
 
 template <class Int, class T>
 struct FourArrays {
