@@ -3,6 +3,7 @@
 #pragma once
 
 #include "simd/scale.h"
+#include "sparse/conjugated.h"
 #include "sparse/product_rows.h"
 
 namespace ork::sparse {
@@ -82,9 +83,7 @@ template <class Int, class T>
         for (std::int64_t p = 0; p < row.count; ++p) {
             const std::int64_t i = std::int64_t{row.cols[p]} - row.base;
             if (i < first || i >= last) continue;
-            T factor = row.vals[p];
-            if constexpr (is_complex<T>) factor = conj(factor);
-            factor = scaled(alpha, factor);
+            const T factor = scaled(alpha, conjugated(row.vals[p]));
             for (std::int64_t q = 0; q < row.count; ++q) {
                 const std::int64_t j = std::int64_t{row.cols[q]} - row.base;
                 if (j >= i) c(i, j) = c(i, j) + factor * row.vals[q];
@@ -102,11 +101,7 @@ struct DenseHermitian {
     // y = y + a times row i.
     void add_row(T a, std::int64_t i, T* y) const
     {
-        for (std::int64_t j = 0; j < i; ++j) {
-            T element = b[j * row + i * column];
-            if constexpr (is_complex<T>) element = conj(element);
-            y[j] = y[j] + a * element;
-        }
+        for (std::int64_t j = 0; j < i; ++j) y[j] = y[j] + a * conjugated(b[j * row + i * column]);
         for (std::int64_t j = i; j < order; ++j) y[j] = y[j] + a * b[i * row + j * column];
     }
 };
@@ -124,11 +119,8 @@ template <class Int, class T>
         for (std::int64_t j = i; j < order; ++j) {
             const LeftRow<Int, T> other = left_row(a, j);
             T sum{};
-            for (std::int64_t k = 0; k < other.count; ++k) {
-                T element = other.vals[k];
-                if constexpr (is_complex<T>) element = conj(element);
-                sum = sum + ab[std::int64_t{other.cols[k]} - other.base] * element;
-            }
+            for (std::int64_t k = 0; k < other.count; ++k)
+                sum = sum + ab[std::int64_t{other.cols[k]} - other.base] * conjugated(other.vals[k]);
             c(i, j) = c(i, j) + scaled(alpha, sum);
         }
     }
