@@ -3,7 +3,7 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cmath>
+#include <bit>
 
 #include "export.h"
 #include "threads/limits.h"
@@ -56,8 +56,9 @@ std::int32_t alone(ork_dft_node* node, Direction direction, void* const* arrays)
 int useful_threads(const Parameters& p, const ork_dft_node& node)
 {
     const std::int64_t units = std::min(most_units(node, forward), most_units(node, backward));
-    const double n = static_cast<double>(numbers(p, most_numbers));
-    const double operations = (p.real() ? 2.5 : 5) * n * std::log2(n) * static_cast<double>(p.transforms);
+    const auto n = static_cast<std::uint64_t>(numbers(p, most_numbers));
+    const double operations =
+        (p.real() ? 2.5 : 5) * static_cast<double>(n) * std::bit_width(n) * static_cast<double>(p.transforms);
     const std::int64_t limit = p.thread_limit > 0 ? p.thread_limit : threads::most_threads;
     const auto allowed = static_cast<double>(std::max<std::int64_t>(std::min(limit, units), 1));
     const bool staged = node.stages[forward] > 1;

@@ -19,6 +19,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <initializer_list>
 
 #include "export.h"
 #include "loader/kernel.h"
@@ -38,6 +39,7 @@ constinit const KernelLibrary* library = nullptr;
 constinit char path[PATH_MAX] = "";
 constinit char error[sizeof Outcome::error] = "";
 constinit std::atomic<void*> handle = nullptr; // null once the core depends on the library
+constinit std::atomic<void*> libm = nullptr;   // null until a routine of it is wanted
 
 // Threads in here share this lock; a fork takes it whole, or the child would inherit a loader in the middle of its
 // work.
@@ -96,7 +98,8 @@ template <class... Values>
 // Until a routine is looked up nothing ties the library to the core but our handle.
 [[gnu::destructor]] void unload()
 {
-    if (void* opened = handle.exchange(nullptr)) dlclose(opened);
+    for (auto* library : {&handle, &libm})
+        if (void* opened = library->exchange(nullptr)) dlclose(opened);
 }
 
 // What ork_initialize found out, if it was called.
@@ -120,6 +123,24 @@ void* find_kernel(const char* domain, const char* routine)
         give_up("ork: no routine has a name as long as %s\n", routine);
     void* address = look_up(name);
     if (address == nullptr) give_up("ork: the kernel library %s has no %s\n", path, name);
+    return address;
+}
+
+void* find_in_libm(const char* routine)
+{
+    services::register_fork_handlers();
+    const Inside inside;
+    void* opened = libm.load(std::memory_order_acquire);
+    if (opened == nullptr) {
+        opened = dlopen("libm.so.6", RTLD_LAZY | RTLD_LOCAL);
+        void* known = nullptr;
+        if (opened != nullptr && !libm.compare_exchange_strong(known, opened, std::memory_order_acq_rel)) {
+            dlclose(opened);
+            opened = known;
+        }
+    }
+    void* address = opened == nullptr ? nullptr : dlsym(opened, routine);
+    if (address == nullptr) give_up("ork: no %s in the mathematics library of this system\n", routine);
     return address;
 }
 
