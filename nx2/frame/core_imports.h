@@ -6,6 +6,7 @@
 #pragma once
 
 #include "ork/abi/core_blas.h"
+#include "ork/abi/core_lapack.h"
 #include "ork/abi/dft.h"
 #include "ork/abi/services.h"
 
@@ -50,6 +51,12 @@ IMPORT(ork_blas_sgemv)
 IMPORT(ork_blas_dgemv)
 IMPORT(ork_blas_cgemv)
 IMPORT(ork_blas_zgemv)
+
+// The safe minimum, which decides whether a pivot's reciprocal may be used; what the processor has, which decides whether
+// compact matrices are in its own format
+IMPORT(ork_lapack_slamch)
+IMPORT(ork_lapack_dlamch)
+IMPORT(ork_serv_cpu_detect)
 
 // Targets of forwarding entries (frame/forward.cpp)
 IMPORT(ork_conv_copytask)

@@ -5,9 +5,11 @@
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
+#include <limits>
 #include <new>
 
 #include "ork/abi/core_blas.h"
+#include "ork/abi/core_lapack.h"
 #include "ork/abi/dft.h"
 #include "ork/abi/services.h"
 
@@ -127,6 +129,20 @@ int64_t ork_serv_cbwr_get(int64_t what)
 {
     ++fake_core().reproducibility_queries;
     return what == 1 ? fake_core().reproducibility.load() : 0;
+}
+
+int64_t ork_serv_cpu_detect() { return fake_core().processor; }
+
+// Kernels ask for the safe minimum only.
+float ork_lapack_slamch(const char* what)
+{
+    ++fake_core().lamch_queries;
+    return *what == 'S' ? std::numeric_limits<float>::min() : 0;
+}
+double ork_lapack_dlamch(const char* what)
+{
+    ++fake_core().lamch_queries;
+    return *what == 'S' ? std::numeric_limits<double>::min() : 0;
 }
 
 // A core's gemv is a kernel's, of whichever kernel library calls it.

@@ -18,6 +18,7 @@ struct FakeCore {
     std::atomic<int64_t> level2_size = 1 << 20;
 
     std::atomic<int64_t> reproducibility = 0; // the branch in force
+    std::atomic<int64_t> processor = 3;       // what the processor has, as ork_serv_cpu_detect answers
 
     // What the commit of transforms whose threads a core chooses does, and how often it has been asked.
     std::atomic<bool> threaded_commit_plans = true;
@@ -31,6 +32,7 @@ struct FakeCore {
     std::atomic<int> microarchitecture_queries = 0;
     std::atomic<int> cache_queries = 0;
     std::atomic<int> reproducibility_queries = 0;
+    std::atomic<int> lamch_queries = 0;
     std::atomic<int> gemv_calls = 0;
     std::atomic<int64_t> gemv_elements = 0; // m * n of all of them
 
