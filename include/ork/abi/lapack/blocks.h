@@ -22,8 +22,8 @@ template <class T>
 struct BlockCalls {
     using R = Part<T>;
 
-    // m - 1 rotations on the rows of the m x n matrix A, from the left: rows k and k + 1 (lv), 1 and k + 1 (lt), k and m
-    // (lb), for ascending k (f) or descending (b). Every column goes through all of them by itself.
+    // m - 1 rotations on the rows of the m x n matrix A, from the left: rows k and k + 1 (lv), 1 and k + 1 (lt), k and
+    // m (lb), for ascending k (f) or descending (b). Every column goes through all of them by itself.
     using lasr_lvf = void(const Int* m, const Int* n, const R* c, const R* s, T* a, const Int* lda);
     using lasr_lvb = lasr_lvf;
     using lasr_ltf = lasr_lvf;
@@ -67,13 +67,11 @@ struct BlockCalls {
     // B <- op(A)^-1 B with the factors of LAPACK's gttrf, ipiv included. itrans: 0 A, 1 A^T, 2 A^H.
     using gtts2 = void(const Int* itrans, const Int* n, const Int* nrhs, const T* dl, const T* d, const T* du,
                        const T* du2, const Int* ipiv, T* b, const Int* ldb);
-    // B <- A^-1 B with the factors of LAPACK's pttrf. Complex routines have iuplo first: 1: A = U^H D U with e above the
-    // diagonal of U; otherwise A = L D L^H with e below that of L.
-    using ptts2 =
-        std::conditional_t<std::is_same_v<T, R>,
-                           void(const Int* n, const Int* nrhs, const R* d, const T* e, T* b, const Int* ldb),
-                           void(const Int* iuplo, const Int* n, const Int* nrhs, const R* d, const T* e, T* b,
-                                const Int* ldb)>;
+    // B <- A^-1 B with the factors of LAPACK's pttrf. Complex routines have iuplo first: 1: A = U^H D U with e above
+    // the diagonal of U; otherwise A = L D L^H with e below that of L.
+    using ptts2 = std::conditional_t<
+        std::is_same_v<T, R>, void(const Int* n, const Int* nrhs, const R* d, const T* e, T* b, const Int* ldb),
+        void(const Int* iuplo, const Int* n, const Int* nrhs, const R* d, const T* e, T* b, const Int* ldb)>;
 
     // Many tridiagonal systems of order n without interchanges, one right-hand side each, for matrices that need none
     // (diagonally dominant ones). layout: I (case apart): equation i of system s stands at [(i - 1) ld + s - 1]; any
@@ -95,8 +93,9 @@ struct BlockCalls {
     using lacpy3 = void(const char* uplo, const Int* m, const Int* n, const Int* k, const T* a, const Int* lda, T* b,
                         const Int* ldb);
 
-    // The Hermitian (real: symmetric) product, rank-2 and rank-2k updates of blocked reductions, with the argument lists
-    // and the bits of hemv, her2 and her2k of the BLAS half; symv_nb exists for real elements only and is hemv_nb.
+    // The Hermitian (real: symmetric) product, rank-2 and rank-2k updates of blocked reductions, with the argument
+    // lists and the bits of hemv, her2 and her2k of the BLAS half; symv_nb exists for real elements only and is
+    // hemv_nb.
     using hemv_nb = void(const char* uplo, const Int* n, const T* alpha, const T* a, const Int* lda, const T* x,
                          const Int* incx, const T* beta, T* y, const Int* incy);
     using symv_nb = hemv_nb;
