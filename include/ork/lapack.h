@@ -8,9 +8,8 @@
    reported through xerbla_ or xerbla_64_ (ork/blas.h) before anything is touched. Fortran's hidden lengths of letters
    may be passed or not.
 
-   work has lwork elements, at least: n for getri,
-   getrinp, geqrf, orgqr, for ormqr n with side L and m with side R. More doesn't make them faster. With lwork = -1 the
-   number is stored in work(1) and nothing else is done.
+   work has lwork elements, at least n for getri, getrinp, geqrf and orgqr; for ormqr n with side L and m with side R.
+   More doesn't make them faster. With lwork = -1 that number is stored in work(1) and nothing else is done.
 
    liblapack_ork.so.3 has the same routines under LAPACK's own names, dgetrf_, with 32-bit integers. */
 #ifndef ORK_LAPACK_H

@@ -3,7 +3,7 @@
    names: ork/lapack.h includes this list with ORK_INT and ORK_NAME defined. */
 
 /* A = P L U: LU with partial pivoting of an m x n matrix, in place; row j was exchanged with row ipiv(j). info = j:
- * u(j, j) is zero; the factorisation is complete even so. */
+   u(j,j) is zero; the factorisation is complete even so. */
 void ORK_NAME(sgetrf)(const ORK_INT* m, const ORK_INT* n, float* a, const ORK_INT* lda, ORK_INT* ipiv, ORK_INT* info);
 void ORK_NAME(dgetrf)(const ORK_INT* m, const ORK_INT* n, double* a, const ORK_INT* lda, ORK_INT* ipiv, ORK_INT* info);
 void ORK_NAME(cgetrf)(const ORK_INT* m, const ORK_INT* n, ork_complex_float* a, const ORK_INT* lda, ORK_INT* ipiv,
@@ -11,8 +11,8 @@ void ORK_NAME(cgetrf)(const ORK_INT* m, const ORK_INT* n, ork_complex_float* a, 
 void ORK_NAME(zgetrf)(const ORK_INT* m, const ORK_INT* n, ork_complex_double* a, const ORK_INT* lda, ORK_INT* ipiv,
                       ORK_INT* info);
 
-/* A = L U without interchanges: for matrices that need none, diagonally dominant ones for instance. info = j: u(j, j)
- * is zero. */
+/* A = L U without interchanges: for matrices that need none, diagonally dominant ones for instance. info = j:
+   u(j,j) is zero. */
 void ORK_NAME(sgetrfnp)(const ORK_INT* m, const ORK_INT* n, float* a, const ORK_INT* lda, ORK_INT* info);
 void ORK_NAME(dgetrfnp)(const ORK_INT* m, const ORK_INT* n, double* a, const ORK_INT* lda, ORK_INT* info);
 void ORK_NAME(cgetrfnp)(const ORK_INT* m, const ORK_INT* n, ork_complex_float* a, const ORK_INT* lda, ORK_INT* info);
@@ -29,7 +29,7 @@ void ORK_NAME(zgetrs)(const char* trans, const ORK_INT* n, const ORK_INT* nrhs, 
                       const ORK_INT* lda, const ORK_INT* ipiv, ork_complex_double* b, const ORK_INT* ldb,
                       ORK_INT* info);
 
-/* The inverse from the factors of getrf or getrfnp, in place. info = j: u(j, j) is zero and there is none. */
+/* The inverse from the factors of getrf or getrfnp, in place. info = j: u(j,j) is zero and there is none. */
 void ORK_NAME(sgetri)(const ORK_INT* n, float* a, const ORK_INT* lda, const ORK_INT* ipiv, float* work,
                       const ORK_INT* lwork, ORK_INT* info);
 void ORK_NAME(dgetri)(const ORK_INT* n, double* a, const ORK_INT* lda, const ORK_INT* ipiv, double* work,
@@ -47,7 +47,7 @@ void ORK_NAME(cgetrinp)(const ORK_INT* n, ork_complex_float* a, const ORK_INT* l
 void ORK_NAME(zgetrinp)(const ORK_INT* n, ork_complex_double* a, const ORK_INT* lda, ork_complex_double* work,
                         const ORK_INT* lwork, ORK_INT* info);
 
-/* A X = B: factors A as getrf does and overwrites B by X. info = j: u(j, j) is zero and B is as it was. */
+/* A X = B: factors A as getrf does and overwrites B by X. info = j: u(j,j) is zero and B is as it was. */
 void ORK_NAME(sgesv)(const ORK_INT* n, const ORK_INT* nrhs, float* a, const ORK_INT* lda, ORK_INT* ipiv, float* b,
                      const ORK_INT* ldb, ORK_INT* info);
 void ORK_NAME(dgesv)(const ORK_INT* n, const ORK_INT* nrhs, double* a, const ORK_INT* lda, ORK_INT* ipiv, double* b,
@@ -57,8 +57,8 @@ void ORK_NAME(cgesv)(const ORK_INT* n, const ORK_INT* nrhs, ork_complex_float* a
 void ORK_NAME(zgesv)(const ORK_INT* n, const ORK_INT* nrhs, ork_complex_double* a, const ORK_INT* lda, ORK_INT* ipiv,
                      ork_complex_double* b, const ORK_INT* ldb, ORK_INT* info);
 
-/* A X = B for a tridiagonal A with partial pivoting: dl below, d on, du above the diagonal, overwritten by the factor
- * U: d, du, and dl for its second diagonal. info = j: u(j, j) is zero and there is no solution. */
+/* A X = B for a tridiagonal A with partial pivoting: dl below, d on, du above the diagonal, overwritten by the
+   factor U: d, du, and dl for its second diagonal. info = j: u(j,j) is zero and there is no solution. */
 void ORK_NAME(sgtsv)(const ORK_INT* n, const ORK_INT* nrhs, float* dl, float* d, float* du, float* b,
                      const ORK_INT* ldb, ORK_INT* info);
 void ORK_NAME(dgtsv)(const ORK_INT* n, const ORK_INT* nrhs, double* dl, double* d, double* du, double* b,
@@ -68,8 +68,8 @@ void ORK_NAME(cgtsv)(const ORK_INT* n, const ORK_INT* nrhs, ork_complex_float* d
 void ORK_NAME(zgtsv)(const ORK_INT* n, const ORK_INT* nrhs, ork_complex_double* dl, ork_complex_double* d,
                      ork_complex_double* du, ork_complex_double* b, const ORK_INT* ldb, ORK_INT* info);
 
-/* Cholesky, A = U^H U (uplo U) or L L^H (L), in place in that triangle; the other is not touched. info = j: the leading
- * minor of order j is not positive and the factorisation stopped there. */
+/* Cholesky, A = U^H U (uplo U) or L L^H (L), in place in that triangle; the other is not touched. info = j: the
+   leading minor of order j is not positive and the factorisation stopped there. */
 void ORK_NAME(spotrf)(const char* uplo, const ORK_INT* n, float* a, const ORK_INT* lda, ORK_INT* info);
 void ORK_NAME(dpotrf)(const char* uplo, const ORK_INT* n, double* a, const ORK_INT* lda, ORK_INT* info);
 void ORK_NAME(cpotrf)(const char* uplo, const ORK_INT* n, ork_complex_float* a, const ORK_INT* lda, ORK_INT* info);
@@ -111,8 +111,8 @@ void ORK_NAME(ctrtri)(const char* uplo, const char* diag, const ORK_INT* n, ork_
 void ORK_NAME(ztrtri)(const char* uplo, const char* diag, const ORK_INT* n, ork_complex_double* a, const ORK_INT* lda,
                       ORK_INT* info);
 
-/* A = Q R of an m x n matrix, in place: R on and above the diagonal, below it and in tau the reflectors whose product Q
- * is, H(j) = I - tau(j) v v^H with v(j) = 1. */
+/* A = Q R of an m x n matrix, in place: R on and above the diagonal, below it and in tau the reflectors whose
+   product Q is, H(j) = I - tau(j) v v^H with v(j) = 1. */
 void ORK_NAME(sgeqrf)(const ORK_INT* m, const ORK_INT* n, float* a, const ORK_INT* lda, float* tau, float* work,
                       const ORK_INT* lwork, ORK_INT* info);
 void ORK_NAME(dgeqrf)(const ORK_INT* m, const ORK_INT* n, double* a, const ORK_INT* lda, double* tau, double* work,

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+// The LAPACK kernels of the kernel library by their stems: getrf_small<double> is ..._dgetrf_small.
+#pragma once
+
+#include <complex>
+
+#include "loader/kernel.h"
+#include "ork/abi/lapack.h"
+
+namespace ork::lapack::kernels {
+
+template <class T>
+constexpr const char* of_precision(const char* s, const char* d, const char* c, const char* z)
+{
+    if constexpr (sizeof(Part<T>) == sizeof(T))
+        return sizeof(T) == sizeof(float) ? s : d;
+    else
+        return sizeof(Part<T>) == sizeof(float) ? c : z;
+}
+
+#define ORK_KERNEL(stem)                                                                                               \
+    template <class T>                                                                                                 \
+    inline constinit loader::Kernel<typename Calls<T>::stem> stem{                                                     \
+        "lapack_ps", of_precision<T>("s" #stem, "d" #stem, "c" #stem, "z" #stem)};
+ORK_KERNEL(getrf_small)
+ORK_KERNEL(getrfnp_small)
+ORK_KERNEL(getrs_small)
+ORK_KERNEL(getri_small)
+ORK_KERNEL(getrinp_small)
+ORK_KERNEL(potrf_small)
+ORK_KERNEL(geqrf_small)
+ORK_KERNEL(gtsv_small)
+#undef ORK_KERNEL
+
+} // namespace ork::lapack::kernels
