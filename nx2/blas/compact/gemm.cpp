@@ -1,61 +1,13 @@
 // SPDX-License-Identifier: MIT
 // C <- alpha op(A) op(B) + beta C for many small matrices in the compact layout. Each part of an element is the sum of
 // its real products over the depth, in order from zero; alpha times the sum is added to beta C.
-#include "blas/compact/layout.h"
+#include "blas/compact/lanes.h"
 #include "blas/gemm/product.h"
 #include "frame/export.h"
 
 namespace ork::compact {
 
 using gemm::with_flag;
-
-// Some matrices' element in a register, or two.
-template <class T>
-struct Lanes {
-    Vec<T> x{};
-
-    static Lanes at(const Matrix<const T>& m, Int i, Int j)
-    {
-        return {load(m.data + i * m.row_stride + j * m.column_stride)};
-    }
-    template <bool, bool>
-    void add_product(Lanes a, Lanes b)
-    {
-        x = x + a.x * b.x;
-    }
-    Lanes times(T a) const { return {x * broadcast(a)}; }
-    void put(T* p, Int) const { store(p, x); }
-    friend Lanes operator+(Lanes a, Lanes b) { return {a.x + b.x}; }
-};
-template <class R>
-struct Lanes<Complex<R>> {
-    Vec<R> re{}, im{};
-
-    static Lanes at(const Matrix<const R>& m, Int i, Int j)
-    {
-        const R* p = m.data + i * m.row_stride + j * m.column_stride;
-        return {load(p), load(p + m.imaginary)};
-    }
-    template <bool conjugate_a, bool conjugate_b>
-    void add_product(Lanes a, Lanes b)
-    {
-        const Vec<R> ii = a.im * b.im, ri = a.re * b.im, ir = a.im * b.re;
-        re = re + a.re * b.re;
-        re = conjugate_a == conjugate_b ? re - ii : re + ii;
-        im = conjugate_b ? im - ri : im + ri;
-        im = conjugate_a ? im - ir : im + ir;
-    }
-    Lanes times(Complex<R> a) const
-    {
-        return {re * broadcast(a.re) - im * broadcast(a.im), re * broadcast(a.im) + im * broadcast(a.re)};
-    }
-    void put(R* p, Int imaginary) const
-    {
-        store(p, re);
-        store(p + imaginary, im);
-    }
-    friend Lanes operator+(Lanes a, Lanes b) { return {a.re + b.re, a.im + b.im}; }
-};
 
 template <class T>
 struct Problem {

@@ -23,6 +23,15 @@ template <class R>
 struct Matrix {
     R* data;
     Int row_stride, column_stride, imaginary;
+
+    R* at(Int i, Int j) const { return data + i * row_stride + j * column_stride; }
+    // What begins at element (i, j).
+    Matrix from(Int i, Int j) const { return {at(i, j), row_stride, column_stride, imaginary}; }
+    Matrix transposed() const { return {data, column_stride, row_stride, imaginary}; }
+    operator Matrix<const R>() const requires(!std::is_const_v<R>)
+    {
+        return {data, row_stride, column_stride, imaginary};
+    }
 };
 
 // The matrices of all packs. `columns` and `ld` are those of the array, before any transposition.

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+// Choices lane by lane, without branches and without floating-point flags.
+#pragma once
+
+#include "blas/compact/lanes.h"
+
+namespace ork::lapack {
+
+using compact::Lanes;
+
+// All bits of the lanes where a > b; both are absolute values or sums of squares. A NaN is above every number.
+inline Vec<double> above(Vec<double> a, Vec<double> b)
+{
+    return {_mm_castsi128_pd(_mm_cmpgt_epi64(_mm_castpd_si128(a.v), _mm_castpd_si128(b.v)))};
+}
+inline Vec<float> above(Vec<float> a, Vec<float> b)
+{
+    return {_mm_castsi128_ps(_mm_cmpgt_epi32(_mm_castps_si128(a.v), _mm_castps_si128(b.v)))};
+}
+
+inline Vec<double> select(Vec<double> mask, Vec<double> yes, Vec<double> no)
+{
+    return {_mm_blendv_pd(no.v, yes.v, mask.v)};
+}
+inline Vec<float> select(Vec<float> mask, Vec<float> yes, Vec<float> no)
+{
+    return {_mm_blendv_ps(no.v, yes.v, mask.v)};
+}
+inline bool any(Vec<double> mask) { return _mm_movemask_pd(mask.v) != 0; }
+inline bool any(Vec<float> mask) { return _mm_movemask_ps(mask.v) != 0; }
+
+inline Vec<double> root(Vec<double> a) { return {_mm_sqrt_pd(a.v)}; }
+inline Vec<float> root(Vec<float> a) { return {_mm_sqrt_ps(a.v)}; }
+
+inline Vec<double> negated(Vec<double> a) { return {_mm_xor_pd(a.v, _mm_set1_pd(-0.0))}; }
+inline Vec<float> negated(Vec<float> a) { return {_mm_xor_ps(a.v, _mm_set1_ps(-0.0f))}; }
+
+template <class R>
+inline Lanes<R> reciprocal(Lanes<R> a)
+{
+    return {broadcast(R(1)) / a.x};
+}
+// Of (x, y), |x| >= |y|: r = y / x, q = 1 / (x + y r), (q, -r q); of (y, x): (r q, -q).
+template <class R>
+inline Lanes<Complex<R>> reciprocal(Lanes<Complex<R>> a)
+{
+    const Vec<R> exchange = above(abs(a.im), abs(a.re));
+    const Vec<R> x = select(exchange, a.im, a.re), y = select(exchange, a.re, a.im), r = y / x;
+    const Vec<R> q = broadcast(R(1)) / (x + y * r), rq = r * q;
+    return {select(exchange, rq, q), negated(select(exchange, q, rq))};
+}
+
+} // namespace ork::lapack
