@@ -8,9 +8,10 @@ install(TARGETS ork_core EXPORT orkTargets LIBRARY DESTINATION ${CMAKE_INSTALL_L
 install(TARGETS ork_nx2 LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY include/ork DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
-# The drop-ins carry the names of the system's BLAS and FFTW, so they keep to a folder that no program searches unasked.
+# The drop-ins carry the symbols of the system's BLAS, LAPACK and FFTW, so they keep to a folder that no program searches
+# unasked.
 set(ORK_DROP_IN_DIR ${CMAKE_INSTALL_LIBDIR}/ork)
-foreach(name blas blas64 fftw3 fftw3f)
+foreach(name blas blas64 lapack fftw3 fftw3f)
   # Both paths from the start: CMake would fill a shorter one up with colons, which stand for the working directory.
   set_target_properties(ork_${name} PROPERTIES EXPORT_NAME ${name} INSTALL_RPATH "$ORIGIN/..;$ORIGIN"
                         BUILD_WITH_INSTALL_RPATH ON)

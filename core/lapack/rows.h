@@ -16,6 +16,7 @@ using Complex = std::complex<R>;
         static constexpr char name[] = #routine;                                                                       \
         static_assert(count == n);                                                                                     \
     };
+#define OWN_ROUTINE ROUTINE
 #include "lapack/routines.inc"
 
 } // namespace ork::lapack::rows
