@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A = L U without pivoting. Blocks of columns and rows from the upper left on; every element first receives all products
-// of earlier blocks, in registers, which is the order of the textbook's loop by columns.
+// A = L U without pivoting. Blocks of columns and rows from the upper left on; every element first receives all
+// products of earlier blocks, in registers, which is the order of the textbook's loop by columns.
 #include "lapack/compact/tile.h"
 
 namespace ork::lapack {
@@ -73,7 +73,10 @@ void factor(const Shape& shape, Int m, Int n, Real<T>* data, Int lda)
         for (int g = 0; g < f.count; ++g)
             f.a[g] = array.matrix(group.slices[g].pack, group.slices[g].lane, shape.rows());
         in_tiles<edge<T>>(0, least, [&]<int size>(Int j) {
-            fetch(array, group, j, j + size < least ? j + size : lines, [](Int) { return Int{}; }, [=](Int) { return length; });
+            if (group.next_packs > 0)
+                fetch(
+                    array, group, j, j + size < least ? j + size : lines, [](Int) { return Int{}; },
+                    [=](Int) { return length; });
             f.template diagonal<size>(j);
             f.template beside<size>(j);
         });

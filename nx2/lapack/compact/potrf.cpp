@@ -72,11 +72,12 @@ void factor(const Shape& shape, bool upper, Int n, Real<T>* data, Int lda)
     in_groups<T>(shape, n * n, [&](const Group& group) {
         Matrix<R> a[slices_together];
         const int count = group.count;
-        for (int g = 0; g < count; ++g)
-            a[g] = array.matrix(group.slices[g].pack, group.slices[g].lane, along_rows);
+        for (int g = 0; g < count; ++g) a[g] = array.matrix(group.slices[g].pack, group.slices[g].lane, along_rows);
         in_tiles<side>(0, n, [&]<int size>(Int j) {
-            fetch(array, group, j, j + size, [=](Int line) { return along_rows ? 0 : line; },
-                  [=](Int line) { return along_rows ? line + 1 : n; });
+            if (group.next_packs > 0)
+                fetch(
+                    array, group, j, j + size, [=](Int line) { return along_rows ? 0 : line; },
+                    [=](Int line) { return along_rows ? line + 1 : n; });
             for (int g = 0; g < count; ++g) factor_corner<T, size>(a[g].from(j, 0), j);
             in_tiles<side>(j + size, n, [&]<int rows>(Int i) {
                 for (int g = 0; g < count; ++g) {

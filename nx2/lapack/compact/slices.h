@@ -55,8 +55,8 @@ void in_groups(const Shape& shape, Int elements, Work&& work)
     constexpr Int lanes = Vec<R>::lanes, first_level = 32768, second_level = 1 << 20;
     const Int bytes = elements * Int(sizeof(R)) * lanes * compact::Packs<T, R>::parts, own = shape.width / lanes;
     const Int most = slices_together * bytes <= first_level ? slices_together : own, packs = most / own;
-    // Fetching costs a fifth where everything is in a near cache or an order is below 12, and saves up to three quarters
-    // of the time where matrices come from memory.
+    // Fetching costs a fifth where everything is in a near cache or an order is below 12, and saves up to three
+    // quarters of the time where matrices come from memory.
     const bool fetches = most * bytes >= 8192 && shape.packs * own * bytes > second_level;
     Group g;
     for (Int pack = 0; pack < shape.packs; ++pack)
@@ -75,10 +75,9 @@ void in_groups(const Shape& shape, Int elements, Work&& work)
 // Brings lines (columns, or rows where they are stored by rows) first .. end - 1 of the next group nearer, of each the
 // elements from begin(line) up to stop(line).
 template <class T, class R, class Begin, class Stop>
-inline void fetch(const compact::Packs<T, R>& array, const Group& g, Int first, Int end, Begin begin, Stop stop)
+[[gnu::noinline]] void fetch(const compact::Packs<T, R>& array, const Group& g, Int first, Int end, Begin begin,
+                             Stop stop)
 {
-    if (g.next_packs == 0) [[likely]]
-        return;
     const Int element = array.width * array.parts;
     for (Int p = 0; p < g.next_packs; ++p)
         for (Int line = first; line < end; ++line) {
@@ -102,7 +101,7 @@ void one_by_one(const Shape& shape, bool transposed, const compact::Packs<T, Rea
 
 // f<size>() for a size of 1 to most.
 template <int most, class F>
-inline void with_size(Int size, F&& f)
+[[gnu::always_inline]] inline void with_size(Int size, F&& f)
 {
     if constexpr (most > 1)
         if (size < most) return with_size<most - 1>(size, f);
@@ -111,7 +110,7 @@ inline void with_size(Int size, F&& f)
 
 // Splits what is left of a side into tiles of at most `side`: f<size>(position) in order.
 template <int side, class F>
-inline void in_tiles(Int first, Int end, F&& f)
+[[gnu::always_inline]] inline void in_tiles(Int first, Int end, F&& f)
 {
     for (Int i = first; i < end;) {
         const Int rest = end - i;
