@@ -159,7 +159,14 @@ void add_reference(std::vector<Library>& found, std::vector<std::string>& notes)
         notes.push_back("reference BLAS: not found");
         return;
     }
-    found.push_back(library("REF", "reference BLAS, " + file->string(), Kind::peer, handle));
+    std::string detail = "reference BLAS, " + file->string();
+    // Its LAPACK wants the libblas.so.3 that is in already, and finds BLAS symbols too.
+    if (const auto lapack = locate({"lapack/liblapack.so.3"}))
+        if (void* both = dlopen(lapack->c_str(), isolated)) {
+            handle = both;
+            detail += ", reference LAPACK, " + lapack->string();
+        }
+    found.push_back(library("REF", detail, Kind::peer, handle));
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "peers/eigen.h"
+#include "peers/lapack.h"
 #include "peers/sparse.h"
 #include "peers/spgemm.h"
 
@@ -7,6 +8,7 @@ namespace ork::peers {
 
 const char* eigen_version() { return nullptr; }
 void* eigen_symbol(const char*) { return nullptr; }
+void* eigen_lapack_symbol(const std::string&, int) { return nullptr; }
 std::unique_ptr<Transform> eigen_transform(const FftCase&, void*, void*) { return nullptr; }
 std::unique_ptr<SparseOperation> eigen_sparse(const SparseOperands&) { return nullptr; }
 std::unique_ptr<Spgemm> eigen_spgemm(const CsrMatrix&) { return nullptr; }
