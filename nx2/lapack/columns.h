@@ -101,7 +101,7 @@ inline T dot(Int n, const T* x, const T* y)
     return even.total() + odd.total() + rest;
 }
 
-// The largest |x| of real numbers, 0 of none. A NaN may be passed over.
+// The largest |x| of real numbers, 0 of none. A NaN is passed over: of one, max gives the second operand.
 inline Vec<double> larger(Vec<double> a, Vec<double> b) { return {_mm_max_pd(a.v, b.v)}; }
 inline Vec<float> larger(Vec<float> a, Vec<float> b) { return {_mm_max_ps(a.v, b.v)}; }
 template <class R>
@@ -111,12 +111,12 @@ inline R largest_part(Int n, const R* x)
     Vec<R> best = broadcast(R(0)), other = best;
     Int i = 0;
     for (; i + 2 * lanes <= n; i += 2 * lanes) {
-        best = larger(best, abs(load(x + i)));
-        other = larger(other, abs(load(x + i + lanes)));
+        best = larger(abs(load(x + i)), best);
+        other = larger(abs(load(x + i + lanes)), other);
     }
-    for (; i + lanes <= n; i += lanes) best = larger(best, abs(load(x + i)));
+    for (; i + lanes <= n; i += lanes) best = larger(abs(load(x + i)), best);
     best = larger(best, other);
-    for (; i < n; ++i) best = larger(best, abs(load<1>(x + i)));
+    for (; i < n; ++i) best = larger(abs(load<1>(x + i)), best);
     R result = lane(best, 0);
     for (int j = 1; j < lanes; ++j) result = larger(result, lane(best, j));
     return result;
