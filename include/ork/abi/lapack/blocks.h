@@ -43,7 +43,7 @@ struct BlockCalls {
                       const T* h2, const T* h3);
 
     // C <- H C (side L, case apart) or C H, C m x n. v has m (L) or n elements, all of them stored; it and C are not
-    // read where tau is 0. work: n (L) or m elements for orders above 10, not touched otherwise.
+    // read where tau is 0. work is LAPACK's and not touched.
     using larfx = void(const char* side, const Int* m, const Int* n, const T* v, const T* tau, T* c, const Int* ldc,
                        T* work);
     // Two reflectors, that of v1 first: C <- H(v2) H(v1) C (side L) or C H(v1) H(v2), reading C once and writing it
@@ -73,16 +73,18 @@ struct BlockCalls {
         std::is_same_v<T, R>, void(const Int* n, const Int* nrhs, const R* d, const T* e, T* b, const Int* ldb),
         void(const Int* iuplo, const Int* n, const Int* nrhs, const R* d, const T* e, T* b, const Int* ldb)>;
 
-    // Many tridiagonal systems of order n without interchanges, one right-hand side each, for matrices that need none
-    // (diagonally dominant ones). layout: I (case apart): equation i of system s stands at [(i - 1) ld + s - 1]; any
-    // other letter, one system after the other: at [(s - 1) ld + i - 1]. The same ld for dl (whose equation 1 is not
-    // read), d, du (whose equation n is not read) and b: all have n equations. For i = 1 .. n
-    //     d(i) <- 1 / (d(i) - dl(i) du(i - 1)),  du(i) <- du(i) d(i),  b(i) <- (b(i) - dl(i) b(i - 1)) d(i)
-    // with the new d, du, b of i - 1, then b(i) <- b(i) - du(i) b(i + 1) for i = n - 1 .. 1. info = s: system s is the
-    // first that met a pivot of exactly zero; the others are solved.
-    using gtsvnp_many = void(const char* layout, const Int* n, const Int* systems, const T* dl, T* d, T* du, T* b,
-                             const Int* ld, Int* info);
-    // The same for other right-hand sides with d and du as gtsvnp_many left them.
+    // Many tridiagonal systems of order n without interchanges, for matrices that need none (diagonally dominant ones),
+    // one right-hand side each. layout: I (case apart): equation i of system s stands at [(i - 1) ld + s - 1]; any
+    // other letter, one system after the other: at [(s - 1) ld + i - 1]. dl, d, du and b all stand so, n equations
+    // each; dl of equation 1 is not read, du of equation n may hold anything. For i = 1 .. n
+    //     d'(i) = 1 / (d(i) - dl(i) du'(i - 1)),  du'(i) = du(i) d'(i),  b'(i) = (b(i) - dl(i) b'(i - 1)) d'(i)
+    // then b(i) = b'(i) - du'(i) b(i + 1) for i = n .. 1. info = s: system s is the first with a pivot of exactly zero;
+    // the others are solved. work: 2 n min(systems + 3, 16) elements.
+    using gtsvnp_many = void(const char* layout, const Int* n, const Int* systems, const T* dl, const T* d, const T* du,
+                             T* b, const Int* ld, T* work, Int* info);
+    // d' and du' in place of d and du, and solutions with them.
+    using gttrfnp_many = void(const char* layout, const Int* n, const Int* systems, const T* dl, T* d, T* du,
+                              const Int* ld, Int* info);
     using gttrsnp_many = void(const char* layout, const Int* n, const Int* systems, const T* dl, const T* d,
                               const T* du, T* b, const Int* ld);
 
