@@ -30,8 +30,9 @@ namespace {
 template <class E>
 auto* as_declared(E* p)
 {
-    if constexpr (is_complex<T>) {
-        using Pair = decltype(boundary(T{}));
+    using Element = std::remove_const_t<E>;
+    if constexpr (is_complex<Element>) {
+        using Pair = decltype(boundary(Element{}));
         return reinterpret_cast<std::conditional_t<std::is_const_v<E>, const Pair*, Pair*>>(p);
     } else {
         return p;
