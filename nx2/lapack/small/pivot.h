@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: MIT
+// The place of the largest element of a column, without branches: pivots of a random matrix can't be predicted, and a
+// wrong guess costs more than a column of order 8.
+#pragma once
+
+#include "lapack/scalar.h"
+
+namespace ork::lapack {
+
+// All bits of a lane set or none.
+struct Mask {
+    __m128i v;
+};
+inline Vec<double> select(Mask m, Vec<double> yes, Vec<double> no)
+{
+    return {_mm_blendv_pd(no.v, yes.v, _mm_castsi128_pd(m.v))};
+}
+inline Vec<float> select(Mask m, Vec<float> yes, Vec<float> no)
+{
+    return {_mm_blendv_ps(no.v, yes.v, _mm_castsi128_ps(m.v))};
+}
+template <class R>
+inline Vec<Complex<R>> select(Mask m, Vec<Complex<R>> yes, Vec<Complex<R>> no)
+{
+    return {select(m, yes.v, no.v)};
+}
+
+// Whole numbers beside the lanes of elements T, each repeated over the parts of a complex one.
+template <class T>
+struct Places {
+    __m128i v;
+
+    static constexpr bool wide = sizeof(Real<T>) == 8;
+    static Places all(Int i) { return {wide ? _mm_set1_epi64x(i) : _mm_set1_epi32(static_cast<int>(i))}; }
+    // i, i + 1, ...
+    static Places from(Int i)
+    {
+        constexpr int second = is_complex<T> ? 0 : 1;
+        const __m128i step =
+            wide ? _mm_set_epi64x(second, 0) : _mm_set_epi32(2 + second - is_complex<T>, 2 - is_complex<T>, second, 0);
+        return all(i) + Places{step};
+    }
+    friend Places operator+(Places a, Places b) { return {wide ? _mm_add_epi64(a.v, b.v) : _mm_add_epi32(a.v, b.v)}; }
+    friend Mask operator>(Places a, Places b) { return {wide ? _mm_cmpgt_epi64(a.v, b.v) : _mm_cmpgt_epi32(a.v, b.v)}; }
+    friend Mask operator==(Places a, Places b)
+    {
+        return {wide ? _mm_cmpeq_epi64(a.v, b.v) : _mm_cmpeq_epi32(a.v, b.v)};
+    }
+};
+
+inline Mask greater(Vec<double> a, Vec<double> b) { return {_mm_castpd_si128(_mm_cmplt_pd(b.v, a.v))}; }
+inline Mask greater(Vec<float> a, Vec<float> b) { return {_mm_castps_si128(_mm_cmplt_ps(b.v, a.v))}; }
+inline Mask equal(Vec<double> a, Vec<double> b) { return {_mm_castpd_si128(_mm_cmpeq_pd(a.v, b.v))}; }
+inline Mask equal(Vec<float> a, Vec<float> b) { return {_mm_castps_si128(_mm_cmpeq_ps(a.v, b.v))}; }
+
+inline Vec<double> magnitudes(Vec<double> a) { return abs(a); }
+inline Vec<float> magnitudes(Vec<float> a) { return abs(a); }
+template <class R>
+inline Vec<R> magnitudes(Vec<Complex<R>> a)
+{
+    return abs(a.v) + exchanged(abs(a.v));
+}
+
+// The first of the largest magnitudes seen; a NaN is passed over. Where nothing else was seen: `none`.
+template <class T>
+class PivotSearch {
+    using R = Real<T>;
+
+public:
+    explicit PivotSearch(Int none) : place_(Places<T>::all(none)) {}
+
+    // Elements at the places of their lanes.
+    void look(Vec<T> a, Places<T> places) { weigh(magnitudes(a), places); }
+    // The same of the lanes in the mask.
+    void look(Vec<T> a, Places<T> places, Mask among) { weigh(select(among, magnitudes(a), broadcast(R(-1))), places); }
+
+    Int place() const
+    {
+        PivotSearch whole = *this;
+        if constexpr (sizeof(T) <= 4) whole.merge(_mm_shuffle_epi32(best(), 0xb1), _mm_shuffle_epi32(place_.v, 0xb1));
+        if constexpr (sizeof(T) <= 8)
+            whole.merge(_mm_shuffle_epi32(whole.best(), 0x4e), _mm_shuffle_epi32(whole.place_.v, 0x4e));
+        return Places<T>::wide ? _mm_cvtsi128_si64(whole.place_.v) : _mm_cvtsi128_si32(whole.place_.v);
+    }
+
+private:
+    void weigh(Vec<R> size, Places<T> places)
+    {
+        const Mask better = greater(size, best_);
+        best_ = select(better, size, best_);
+        place_.v = _mm_blendv_epi8(place_.v, places.v, better.v);
+    }
+    __m128i best() const
+    {
+        if constexpr (sizeof(R) == 8)
+            return _mm_castpd_si128(best_.v);
+        else
+            return _mm_castps_si128(best_.v);
+    }
+    void merge(__m128i other_best, __m128i other_place)
+    {
+        Vec<R> other;
+        if constexpr (sizeof(R) == 8)
+            other.v = _mm_castsi128_pd(other_best);
+        else
+            other.v = _mm_castsi128_ps(other_best);
+        const Mask earlier = place_ > Places<T>{other_place};
+        const Mask better = {_mm_or_si128(greater(other, best_).v, _mm_and_si128(equal(other, best_).v, earlier.v))};
+        best_ = select(better, other, best_);
+        place_.v = _mm_blendv_epi8(place_.v, other_place, better.v);
+    }
+
+    Vec<R> best_ = broadcast(R(-1));
+    Places<T> place_;
+};
+
+} // namespace ork::lapack
