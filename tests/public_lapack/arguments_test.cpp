@@ -62,7 +62,8 @@ const std::vector<TableRow>& table()
                             [](void* routine, void** a) {
                                 [&]<std::size_t... i>(std::index_sequence<i...>)
                                 {
-                                    reinterpret_cast<void (*)(decltype(a[i])...)>(routine)(a[i]...);
+                                    reinterpret_cast<void (*)(std::remove_reference_t<decltype(a[i])>...)>(routine)(
+                                        a[i]...);
                                 }
                                 (std::make_index_sequence<Row::count>());
                             },

@@ -22,7 +22,10 @@ Dense<T> stored(const Dense<T>& a, char uplo)
 {
     const Real<T> nan = std::numeric_limits<Real<T>>::quiet_NaN();
     return Dense<T>(a.rows, a.rows).set([&](auto i, auto j) {
-        return !inside(uplo, i, j) ? T(nan) : i == j ? some<T>(std::real(a(i, i)), nan) : a(i, j);
+        if (!inside(uplo, i, j)) return T(nan);
+        if constexpr (is_complex<T>)
+            if (i == j) return T(std::real(a(i, i)), nan);
+        return a(i, j);
     });
 }
 
@@ -47,7 +50,7 @@ void expect_other_triangle_untouched(const Dense<T>& f, char uplo)
 {
     for (std::int64_t j = 0; j < f.columns; ++j)
         for (std::int64_t i = 0; i < f.rows; ++i)
-            if (!inside(uplo, i, j)) ASSERT_TRUE(std::isnan(std::real(f(i, j)))) << i << ", " << j;
+            ASSERT_TRUE(inside(uplo, i, j) || std::isnan(std::real(f(i, j)))) << i << ", " << j;
     EXPECT_TRUE(f.padding_is_poison());
 }
 

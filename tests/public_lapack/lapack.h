@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <complex>
+#include <cstring>
 #include <dlfcn.h>
 #include <limits>
 #include <string>

