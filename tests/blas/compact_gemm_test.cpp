@@ -3,6 +3,7 @@
 // nothing else is touched.
 #include "blas/level3_by_type.h"
 #include "support/compare.h"
+#include "support/packs.h"
 #include "support/strided.h"
 
 namespace ork::test {
@@ -12,45 +13,23 @@ template <class T>
 inline constexpr auto gemm_compact = of_type<T>(ork_blas_nx2_xsgemm_compact, ork_blas_nx2_xdgemm_compact,
                                                 ork_blas_nx2_xcgemm_compact, ork_blas_nx2_xzgemm_compact);
 
-// Matrices of the array's own shape in packs, element by element as the layout says, and as plain columns.
+// Packs of random matrices, and each of them as plain columns.
 template <class T>
-struct Batch {
-    using R = Real<T>;
-    static constexpr std::int64_t parts = is_complex<T> ? 2 : 1;
-    std::int64_t rows, columns, ld, width, count;
-    bool by_rows;
-    Guarded<R> memory;
+struct Batch : Packs<T> {
     std::vector<std::vector<T>> plain;
 
     Batch(std::int64_t rows, std::int64_t columns, bool by_rows, std::int64_t ld, std::int64_t width,
           std::int64_t count, Random& random, bool poisoned)
-        : rows(rows), columns(columns), ld(ld), width(width), count(count), by_rows(by_rows),
-          memory((count + width - 1) / width * ld * (by_rows ? rows : columns) * width * parts, Guard::end, 0),
-          plain(count, std::vector<T>(rows * columns))
+        : Packs<T>(rows, columns, by_rows, ld, width, count), plain(count, std::vector<T>(rows * columns))
     {
         for (std::int64_t q = 0; q < count; ++q)
             for (std::int64_t j = 0; j < columns; ++j)
                 for (std::int64_t i = 0; i < rows; ++i) {
                     T& x = plain[q][i + j * rows];
-                    x = poisoned ? T(std::numeric_limits<R>::quiet_NaN()) : random.uniform<T>();
-                    if constexpr (is_complex<T>)
-                        memory[at(q, i, j)] = x.real(), memory[at(q, i, j) + width] = x.imag();
-                    else
-                        memory[at(q, i, j)] = x;
+                    x = poisoned ? T(std::numeric_limits<Real<T>>::quiet_NaN()) : random.uniform<T>();
+                    this->set(q, i, j, x);
                 }
-        memory.remember();
-    }
-    std::int64_t at(std::int64_t q, std::int64_t i, std::int64_t j) const
-    {
-        const std::int64_t place = by_rows ? i * ld + j : i + j * ld, size = ld * (by_rows ? rows : columns);
-        return ((q / width * size + place) * parts) * width + q % width;
-    }
-    T get(std::int64_t q, std::int64_t i, std::int64_t j) const
-    {
-        if constexpr (is_complex<T>)
-            return {memory[at(q, i, j)], memory[at(q, i, j) + width]};
-        else
-            return memory[at(q, i, j)];
+        this->memory.remember();
     }
 };
 
@@ -63,7 +42,6 @@ TYPED_TEST_SUITE(CompactGemm, Types);
 TYPED_TEST(CompactGemm, MultipliesEveryMatrixOfWholePacks)
 {
     using T = TypeParam;
-    using R = Real<T>;
     Random random(7);
     const char letters[] = "NTC";
     for (int round = 0; round < 400; ++round) {
@@ -71,8 +49,8 @@ TYPED_TEST(CompactGemm, MultipliesEveryMatrixOfWholePacks)
         const char ta = letters[random.integer(0, 2)], tb = letters[random.integer(0, 2)];
         const std::int64_t layout = random.integer(101, 102), format = random.integer(181, 183);
         const bool rows = layout == 101;
-        const std::int64_t width = (16 << (format - 181)) / static_cast<std::int64_t>(sizeof(R));
-        const std::int64_t count = random.integer(width, 3 * width), whole = count / width * width;
+        const std::int64_t width = Packs<T>::width_of(format);
+        const std::int64_t count = random.integer(width, 3 * width);
         const T alpha = round % 3 == 0 ? T(1) : round % 7 == 0 ? T(0) : random.uniform<T>();
         const T beta = round % 4 == 0 ? T(0) : round % 4 == 1 ? T(1) : random.uniform<T>();
         const auto batch = [&](std::int64_t r, std::int64_t c, std::int64_t pad, bool poisoned) {
@@ -89,21 +67,16 @@ TYPED_TEST(CompactGemm, MultipliesEveryMatrixOfWholePacks)
         b.memory.read_only();
         gemm_compact<T>(&layout, &ta, &tb, &m, &n, &k, &alpha, a.memory.data(), &lda, b.memory.data(), &ldb, &beta,
                         c.memory.data(), &ldc, &format, &count);
-        std::vector<bool> written(static_cast<std::size_t>(c.memory.size()));
-        for (std::int64_t q = 0; q < whole; ++q) {
+        for (std::int64_t q = 0; q < c.whole(); ++q) {
             std::vector<T> got;
             for (std::int64_t j = 0; j < n; ++j)
-                for (std::int64_t i = 0; i < m; ++i) {
-                    got.push_back(c.get(q, i, j));
-                    for (std::int64_t part = 0; part < Batch<T>::parts; ++part)
-                        written[static_cast<std::size_t>(c.at(q, i, j) + part * width)] = true;
-                }
+                for (std::int64_t i = 0; i < m; ++i) got.push_back(c.get(q, i, j));
             expect_near<T>(got,
                            reference_gemm<T>(ta, tb, m, n, k, alpha, a.plain[q].data(), a.rows, b.plain[q].data(),
                                              b.rows, beta, c.plain[q].data(), m),
                            static_cast<double>(4 * k + 8));
         }
-        EXPECT_TRUE(c.memory.unchanged_except([&](std::int64_t i) { return written[static_cast<std::size_t>(i)]; }));
+        EXPECT_TRUE(c.only_changed([](std::int64_t, std::int64_t) { return true; }));
     }
 }
 

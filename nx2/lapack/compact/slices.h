@@ -52,6 +52,7 @@ template <class T, class Work>
 void in_groups(const Shape& shape, Int elements, Work&& work)
 {
     using R = Real<T>;
+    if (shape.packs <= 0) return;
     constexpr Int lanes = Vec<R>::lanes, first_level = 32768, second_level = 1 << 20;
     const Int bytes = elements * Int(sizeof(R)) * lanes * compact::Packs<T, R>::parts, own = shape.width / lanes;
     const Int most = slices_together * bytes <= first_level ? slices_together : own, packs = most / own;
