@@ -39,8 +39,6 @@ inline Vec<float> with_sign(Vec<float> magnitude, Vec<float> of)
 }
 inline Vec<double> larger(Vec<double> a, Vec<double> b) { return select(above(a, b), a, b); }
 inline Vec<float> larger(Vec<float> a, Vec<float> b) { return select(above(a, b), a, b); }
-inline Vec<double> is_zero(Vec<double> a) { return {_mm_cmpeq_pd(a.v, _mm_setzero_pd())}; }
-inline Vec<float> is_zero(Vec<float> a) { return {_mm_cmpeq_ps(a.v, _mm_setzero_ps())}; }
 
 template <class R>
 inline void add_square(Vec<R>& sum, Lanes<R> a)
@@ -91,7 +89,8 @@ Lanes<T> reflector(const Matrix<Real<T>>& a, Int length)
     const V one = broadcast(R(1));
     V down = one, up = one, zero{};
     const V small = above(power_of_two(low, R()), rest), large = above(total, power_of_two(high, R()));
-    const bool scaled = any(small) || any(large);
+    const V wanted = either(small, large);
+    const bool scaled = signs(wanted) != 0;
     if (scaled) {
         V most{};
         if constexpr (is_complex<T>) most = abs(alpha.im);
@@ -105,7 +104,6 @@ Lanes<T> reflector(const Matrix<Real<T>>& a, Int length)
         most = select(above(most, top), top, most);
         V wanted_down, wanted_up;
         scale_for(most, wanted_down, wanted_up);
-        const V wanted = select(small, small, large);
         down = select(wanted, wanted_down, one);
         up = select(wanted, wanted_up, one);
         alpha = alpha * down;

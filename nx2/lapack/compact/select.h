@@ -26,8 +26,13 @@ inline Vec<float> select(Vec<float> mask, Vec<float> yes, Vec<float> no)
 {
     return {_mm_blendv_ps(no.v, yes.v, mask.v)};
 }
-inline bool any(Vec<double> mask) { return _mm_movemask_pd(mask.v) != 0; }
-inline bool any(Vec<float> mask) { return _mm_movemask_ps(mask.v) != 0; }
+inline Vec<double> either(Vec<double> a, Vec<double> b) { return {_mm_or_pd(a.v, b.v)}; }
+inline Vec<float> either(Vec<float> a, Vec<float> b) { return {_mm_or_ps(a.v, b.v)}; }
+inline Vec<double> is_zero(Vec<double> a) { return {_mm_cmpeq_pd(a.v, _mm_setzero_pd())}; }
+inline Vec<float> is_zero(Vec<float> a) { return {_mm_cmpeq_ps(a.v, _mm_setzero_ps())}; }
+// Bit i is set where lane i of a mask is.
+inline int signs(Vec<double> mask) { return _mm_movemask_pd(mask.v); }
+inline int signs(Vec<float> mask) { return _mm_movemask_ps(mask.v); }
 
 inline Vec<double> root(Vec<double> a) { return {_mm_sqrt_pd(a.v)}; }
 inline Vec<float> root(Vec<float> a) { return {_mm_sqrt_ps(a.v)}; }

@@ -62,6 +62,13 @@ struct CompactCalls {
     using unpack_compact_ps = void(const Int* layout, const Int* m, const Int* n, T* const* a, const Int* lda,
                                    const Part<T>* packs, const Int* ldp, const Int* format, const Int* nmat);
 
+    // After a factorisation: first becomes the number, from 1, of the first matrix whose last pivot, element (r, r) with
+    // r = min(m, n), is zero, infinite or NaN, and 0 if there is none. A pivot that was unusable earlier has made it so:
+    // the reciprocal of zero, a root of a negative number and a division by zero leave no number on the diagonal behind
+    // them.
+    using pivots_compact_ps = void(const Int* layout, const Int* m, const Int* n, const Part<T>* a, const Int* lda,
+                                   Int* first, const Int* format, const Int* nmat);
+
     // The format that suits the processor, by the core's answer to ork_serv_cpu_detect: 0 and 1 182, 2 and 3 183, any
     // other 181. Same for all precisions.
     using compact_format_ps = void(Int* format);
