@@ -50,7 +50,7 @@ struct Slice {
         if constexpr (width == 1)
             return broadcast(*p);
         else if constexpr (strided)
-            return {_mm_unpacklo_ps(_mm_set1_ps(p[0]), _mm_set1_ps(p[inc]))};
+            return {_mm_movelh_ps(_mm_set1_ps(p[0]), _mm_set1_ps(p[inc]))};
         else {
             const __m128 two = load_low(p).v;
             return {_mm_unpacklo_ps(two, two)};
