@@ -21,13 +21,14 @@ void keep(const char* through, const char* routine, std::size_t length, std::int
     const std::lock_guard hold(mutex);
     reports += through + std::string(" ") + std::string(routine, length) + " " + std::to_string(position) + "\n";
 }
-std::string take_reports()
+
+} // namespace
+
+std::string ork::test::take_reports()
 {
     const std::lock_guard hold(mutex);
     return std::exchange(reports, {});
 }
-
-} // namespace
 
 // This program's own, which take the library's place.
 void xerbla_(const char* routine, const int32_t* position, size_t length)

@@ -27,6 +27,9 @@ struct PrecisionNames {
     }
 };
 
+// What was reported through this program's xerbla_ and xerbla_64_ since the last call: "xerbla_ DGETRF 4\n".
+std::string take_reports();
+
 inline void* lapack_symbol(const std::string& name)
 {
     void* address = dlsym(RTLD_DEFAULT, name.c_str());
