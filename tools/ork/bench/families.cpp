@@ -37,6 +37,8 @@ const std::vector<Family>& families()
         {"level3", "matrix-matrix routines beside gemm", "GF/s", Field::dense, level3_cases},
         {"lapack", "LU, Cholesky and QR of small matrices one by one; --routine dgetrf,zpotrf,sgeqrf", "GF/s",
          Field::dense, lapack_cases},
+        {"blocks", "rotations, reflectors, tridiagonal systems; --routine dlasr,dgtsv-many", "M/s", Field::dense,
+         blocks_cases},
         {"factor", "LAPACK of any order; --routine dgetrf,dpotrf,dgeqrf,dgesv,dgetri", "GF/s", Field::dense, factor_cases},
         {"threads", "two threads against one, eight callers at once", "GF/s", Field::dense, thread_cases},
         {"fft", "Fourier transforms; --kind for precision, real data, direction, --sizes all for every length", "GF/s",
