@@ -1,58 +1,206 @@
 // SPDX-License-Identifier: MIT
-// Cholesky of a small matrix. The upper variant computes the columns of U as the lower one computes the rows of L: the
-// same sums with rows and columns exchanged, of u(k, i) conj(u(k, j)) for l(i, k) conj(l(j, k)).
+// Cholesky of a small matrix, A = L L^H, four columns at a time: the square on the diagonal, then the rows below it, a
+// few registers of them at once. Entries lose their products in the order of the columns; the squares of a diagonal
+// entry are added up in two lanes.
 #pragma once
 
-#include "lapack/small/operand.h"
+#include "lapack/small/tile.h"
 
 namespace ork::lapack {
 
-// Element (i, j) of L, or (j, i) of U.
-template <bool upper, class T>
-inline T& element(T* a, Int lda, Int i, Int j)
+template <class R>
+inline R squared_modulus(R a)
 {
-    return upper ? a[j + i * lda] : a[i + j * lda];
+    return a * a;
+}
+template <class R>
+inline R squared_modulus(Complex<R> a)
+{
+    return a.re * a.re + a.im * a.im;
+}
+template <class R>
+inline R quotient(R a, R d)
+{
+    return a / d;
+}
+template <class R>
+inline Complex<R> quotient(Complex<R> a, R d)
+{
+    return {a.re / d, a.im / d};
 }
 
-// a(j, j) less the squares before it: even and odd ones apart, the last of an odd number singly.
-template <bool upper, class T>
-inline Real<T> reduced_diagonal(Int j, T* a, Int lda)
-{
+// Rows j .. j + columns - 1 of the columns from j on, which columns 0 .. j - 1 are done with; j is even.
+template <class T, int columns>
+class DiagonalSquare {
     using R = Real<T>;
-    const auto square = [&](Int k) -> R {
-        const T x = element<upper>(a, lda, j, k);
-        if constexpr (is_complex<T>)
-            return x.re * x.re + x.im * x.im;
-        else
-            return x * x;
-    };
-    R even = 0, odd = 0;
-    Int k = 0;
-    for (; k + 2 <= j; k += 2) even = even - square(k), odd = odd - square(k + 1);
-    R d = real_part(element<upper>(a, lda, j, j)) + (even + odd);
-    if (k < j) d = d - square(k);
-    return d;
-}
 
-template <bool upper, class T>
-inline Int cholesky(Int n, T* a, Int lda)
-{
-    using R = Real<T>;
-    for (Int j = 0; j < n; ++j) {
-        const R d = reduced_diagonal<upper>(j, a, lda);
-        if (!(d > 0)) {
-            element<upper>(a, lda, j, j) = T(d);
-            return j + 1;
+public:
+    T x[columns][columns]; // [row][column]
+    R diagonal[columns];
+
+    // Returns the number of columns done: less than all of them, and that diagonal element is not greater than zero.
+    int factor(Int j, const T* l, Int lda)
+    {
+        R even[columns] = {}, odd[columns] = {};
+        const T* square = l + j * lda;
+#pragma GCC unroll 4
+        for (int q = 0; q < columns; ++q)
+#pragma GCC unroll 4
+            for (int i = q; i < columns; ++i) x[i][q] = square[i + q * lda];
+        for (Int k = 0; k < j; k += 2) {
+            const T *first = l + k * lda, *second = first + lda;
+#pragma GCC unroll 4
+            for (int i = 0; i < columns; ++i) {
+                even[i] -= squared_modulus(first[i]), odd[i] -= squared_modulus(second[i]);
+#pragma GCC unroll 4
+                for (int q = 0; q < i; ++q) x[i][q] = x[i][q] - first[i] * conj(first[q]) - second[i] * conj(second[q]);
+            }
         }
-        const R diagonal = root(d);
-        element<upper>(a, lda, j, j) = T(diagonal);
+#pragma GCC unroll 4
+        for (int q = 0; q < columns; ++q) {
+            if (q >= 2) even[q] -= squared_modulus(x[q][0]), odd[q] -= squared_modulus(x[q][1]);
+            R d = real_part(x[q][q]) + (even[q] + odd[q]);
+            if (q % 2 == 1) d -= squared_modulus(x[q][q - 1]);
+            if (!(d > 0)) [[unlikely]] {
+                x[q][q] = T(d);
+                return q;
+            }
+            diagonal[q] = root(d);
+            x[q][q] = T(diagonal[q]);
+#pragma GCC unroll 4
+            for (int i = q + 1; i < columns; ++i) {
+#pragma GCC unroll 4
+                for (int k = 0; k < q; ++k) x[i][q] = x[i][q] - x[i][k] * conj(x[q][k]);
+                x[i][q] = quotient(x[i][q], diagonal[q]);
+            }
+        }
+        return columns;
+    }
+
+    void write(T* square, Int lda) const
+    {
+#pragma GCC unroll 4
+        for (int q = 0; q < columns; ++q)
+#pragma GCC unroll 4
+            for (int i = q; i < columns; ++i) square[i + q * lda] = x[i][q];
+    }
+
+    // `registers` of rows below: what columns 0 .. j - 1 leave of them, solved with the square.
+    template <int registers, int width>
+    [[gnu::always_inline]] inline void solve(Int j, const T* l, const T* u, Int lda, T* c) const
+    {
+        Vec<T> y[registers][columns];
+#pragma GCC unroll 4
+        for (int q = 0; q < columns; ++q)
+#pragma GCC unroll 4
+            for (int r = 0; r < registers; ++r) y[r][q] = load<width>(c + r * width + q * lda);
+        for (Int k = 0; k < j; ++k, l += lda, u += lda) {
+#pragma GCC unroll 4
+            for (int r = 0; r < registers; ++r) {
+                const Rows<T> left(load<width>(l + r * width));
+#pragma GCC unroll 4
+                for (int q = 0; q < columns; ++q) y[r][q] = y[r][q] - product<true>(left, Number<T>(u + q));
+            }
+        }
+#pragma GCC unroll 4
+        for (int q = 0; q < columns; ++q) {
+            const Vec<R> d = broadcast(diagonal[q]);
+#pragma GCC unroll 4
+            for (int r = 0; r < registers; ++r) {
+#pragma GCC unroll 4
+                for (int k = 0; k < q; ++k) y[r][q] = y[r][q] - product<true>(Rows<T>(y[r][k]), Number<T>(x[q][k]));
+                if constexpr (is_complex<T>)
+                    y[r][q].v = y[r][q].v / d;
+                else
+                    y[r][q] = y[r][q] / d;
+                store<width>(c + r * width + q * lda, y[r][q]);
+            }
+        }
+    }
+};
+
+// Columns j .. j + columns - 1; returns 0 or the number, from 1, of the column that can't be done.
+template <int columns, class T>
+[[gnu::noinline]] Int cholesky_columns(Int n, Int j, T* a, Int lda)
+{
+    if constexpr (columns > 0) {
+        constexpr int lanes = Vec<T>::lanes;
+        DiagonalSquare<T, columns> square;
+        const int done = square.factor(j, a + j, lda);
+        if (done < columns) [[unlikely]] { // those before it are done whole, and nothing of those behind it
+            if (done == 3) cholesky_columns<(columns > 3 ? 3 : 0)>(n, j, a, lda);
+            if (done == 2) cholesky_columns<(columns > 2 ? 2 : 0)>(n, j, a, lda);
+            if (done == 1) cholesky_columns<(columns > 1 ? 1 : 0)>(n, j, a, lda);
+            a[(j + done) * (lda + 1)] = square.x[done][done];
+            return j + done + 1;
+        }
+        square.write(a + j + j * lda, lda);
+        T* c = a + j * lda;
+        Int i = j + columns;
+        for (; i + 2 * lanes <= n; i += 2 * lanes) square.template solve<2, lanes>(j, a + i, a + j, lda, c + i);
+        if (i + lanes <= n) {
+            square.template solve<1, lanes>(j, a + i, a + j, lda, c + i);
+            i += lanes;
+        }
+        for (; i < n; ++i) square.template solve<1, 1>(j, a + i, a + j, lda, c + i);
+    }
+    return 0;
+}
+
+// The lower triangle of a matrix of order n; info.
+template <class T>
+inline Int cholesky_lower(Int n, T* a, Int lda)
+{
+    Int j = 0;
+    for (; j + 4 <= n; j += 4)
+        if (const Int failed = cholesky_columns<4>(n, j, a, lda)) return failed;
+    switch (n - j) {
+    case 3:
+        return cholesky_columns<3>(n, j, a, lda);
+    case 2:
+        return cholesky_columns<2>(n, j, a, lda);
+    case 1:
+        return cholesky_columns<1>(n, j, a, lda);
+    }
+    return 0;
+}
+
+// The upper triangle: u(k, i) in the place of l(i, k), in scratch memory as far as that goes.
+template <class T>
+[[gnu::noinline]] Int cholesky_upper_in_scratch(Int n, T* a, Int lda, T* l)
+{
+    const auto columns = [&](auto&& copy) {
+        for (Int i = 0; i < n; ++i)
+            for (Int k = 0; k <= i; ++k) copy(l[i + k * n], a[k + i * lda]);
+    };
+    columns([](T& l, const T& u) { l = u; });
+    const Int info = cholesky_lower(n, l, n);
+    columns([](const T& l, T& u) { u = l; });
+    return info;
+}
+
+template <class T>
+[[gnu::noinline]] Int cholesky_upper(Int n, T* a, Int lda)
+{
+    constexpr Int most = sizeof(T) == 16 ? 45 : 64;
+    if (n <= most) {
+        T l[most * most];
+        return cholesky_upper_in_scratch(n, a, lda, l);
+    }
+    for (Int j = 0; j < n; ++j) {
+        const T* pivot = a + j * lda;
+        Real<T> even = 0, odd = 0;
+        Int k = 0;
+        for (; k + 2 <= j; k += 2) even -= squared_modulus(pivot[k]), odd -= squared_modulus(pivot[k + 1]);
+        Real<T> d = real_part(pivot[j]) + (even + odd);
+        if (k < j) d -= squared_modulus(pivot[k]);
+        a[j + j * lda] = T(d > 0 ? root(d) : d);
+        if (!(d > 0)) return j + 1;
         for (Int i = j + 1; i < n; ++i) {
-            T x = element<upper>(a, lda, i, j);
-            for (Int k = 0; k < j; ++k) x = x - element<upper>(a, lda, i, k) * conj(element<upper>(a, lda, j, k));
-            if constexpr (is_complex<T>)
-                element<upper>(a, lda, i, j) = {x.re / diagonal, x.im / diagonal};
-            else
-                element<upper>(a, lda, i, j) = x / diagonal;
+            T* column = a + i * lda;
+            T x = column[j];
+            for (k = 0; k < j; ++k) x = x - column[k] * conj(pivot[k]);
+            column[j] = quotient(x, root(d));
         }
     }
     return 0;

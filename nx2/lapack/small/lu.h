@@ -16,7 +16,6 @@ inline void exchange_rows(Int first, Int last, const Int* ipiv, T* a, Int lda, I
     const auto columns = [&]<int count>(T* x) {
         for (Int j = first; j < last; ++j) {
             const Int p = ipiv[j] - 1;
-            if (p == j) continue;
 #pragma GCC unroll 4
             for (int q = 0; q < count; ++q) {
                 const T kept = x[j + q * lda];
@@ -29,21 +28,39 @@ inline void exchange_rows(Int first, Int last, const Int* ipiv, T* a, Int lda, I
     for (; k < end; ++k) columns.template operator()<1>(a + k * lda);
 }
 
+// x <- L^-1 x for `rows` rows, unit lower.
+template <int rows, int columns, class T>
+[[gnu::always_inline]] inline void solve_square(const T* l, Int lda, T* x, Int ldx)
+{
+    T factor[rows][rows];
+#pragma GCC unroll 4
+    for (int t = 0; t < rows; ++t)
+#pragma GCC unroll 4
+        for (int i = t + 1; i < rows; ++i) factor[i][t] = l[i + t * lda];
+#pragma GCC unroll 4
+    for (int q = 0; q < columns; ++q) {
+        T y[rows];
+#pragma GCC unroll 4
+        for (int i = 0; i < rows; ++i) y[i] = x[i + q * ldx];
+#pragma GCC unroll 4
+        for (int i = 1; i < rows; ++i)
+#pragma GCC unroll 4
+            for (int t = 0; t < i; ++t) y[i] = y[i] - factor[i][t] * y[t];
+#pragma GCC unroll 4
+        for (int i = 1; i < rows; ++i) x[i + q * ldx] = y[i];
+    }
+}
+
 // X <- L^-1 X for L of `depth` rows, unit lower, and `columns` columns of X.
 template <int columns, class T>
 inline void solve_unit_lower(Int depth, const T* l, Int lda, T* x, Int ldx)
 {
-    for (Int r = 0; r < depth; r += 4) {
-        const Int rows = depth - r < 4 ? depth - r : 4;
-        subtract_products<false, columns>(rows, r, l + r, lda, x, Int(1), ldx, x + r, ldx);
-        const T* square = l + r + r * lda;
-#pragma GCC unroll 4
-        for (int q = 0; q < columns; ++q) {
-            T* y = x + r + q * ldx;
-            for (Int t = 0; t < rows; ++t)
-                for (Int i = t + 1; i < rows; ++i) y[i] = y[i] - square[i + t * lda] * y[t];
-        }
+    Int r = 0;
+    for (; r + 4 <= depth; r += 4) {
+        if (r > 0) subtract_products<false, columns>(Int(4), r, l + r, lda, x, Int(1), ldx, x + r, ldx);
+        solve_square<4, columns>(l + r + r * lda, lda, x + r, ldx);
     }
+    for (; r < depth; ++r) subtract_products<false, columns>(Int(1), r, l + r, lda, x, Int(1), ldx, x + r, ldx);
 }
 
 template <bool pivoting, bool divides, class T>

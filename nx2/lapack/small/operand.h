@@ -45,25 +45,57 @@ inline Vec<T> product(const Rows<T>& a, const Number<T>& b)
         return {alternating_sum(a.v * b.re, a.turned * b.im)};
 }
 
-// Rows divided by one number, complex ones by Smith's method as divided() does it: (x p) / size with a prepared p.
+// All bits of a lane set or none.
+struct Mask {
+    __m128i v;
+};
+inline Vec<double> select(Mask m, Vec<double> yes, Vec<double> no)
+{
+    return {_mm_blendv_pd(no.v, yes.v, _mm_castsi128_pd(m.v))};
+}
+inline Vec<float> select(Mask m, Vec<float> yes, Vec<float> no)
+{
+    return {_mm_blendv_ps(no.v, yes.v, _mm_castsi128_ps(m.v))};
+}
+template <class R>
+inline Vec<Complex<R>> select(Mask m, Vec<Complex<R>> yes, Vec<Complex<R>> no)
+{
+    return {select(m, yes.v, no.v)};
+}
+inline Mask greater(Vec<double> a, Vec<double> b) { return {_mm_castpd_si128(_mm_cmplt_pd(b.v, a.v))}; }
+inline Mask greater(Vec<float> a, Vec<float> b) { return {_mm_castps_si128(_mm_cmplt_ps(b.v, a.v))}; }
+inline Mask equal(Vec<double> a, Vec<double> b) { return {_mm_castpd_si128(_mm_cmpeq_pd(a.v, b.v))}; }
+inline Mask equal(Vec<float> a, Vec<float> b) { return {_mm_castps_si128(_mm_cmpeq_ps(a.v, b.v))}; }
+
+// Rows divided by one number, complex ones by Smith's method as divided() does it but without its branch: (x p) / size
+// with a prepared p.
 template <class T>
 struct Divisor {
     Vec<T> v;
     explicit Divisor(T d) : v(broadcast(d)) {}
     Vec<T> divide(Vec<T> x) const { return x / v; }
+    Number<T> reciprocal() const { return Number<T>(lane(broadcast(T(1)) / v, 0)); }
 };
 template <class R>
 struct Divisor<Complex<R>> {
     Number<Complex<R>> p;
     Vec<R> size;
-    explicit Divisor(Complex<R> d) : p(Complex<R>{1, 0}), size(broadcast(R(1)))
+    explicit Divisor(Complex<R> d) : p(d), size(p.re)
     {
-        const bool plain = absolute(d.re) >= absolute(d.im);
-        const R r = plain ? d.im / d.re : d.re / d.im;
-        p = Number<Complex<R>>(plain ? Complex<R>{1, -r} : Complex<R>{r, -1});
-        size = broadcast(plain ? d.re + d.im * r : d.im + d.re * r);
+        const Vec<R> one = broadcast(R(1)), minus = broadcast(R(-1));
+        const Mask turned = greater(abs(p.im), abs(p.re));
+        const Vec<R> large = select(turned, p.im, p.re), small = select(turned, p.re, p.im);
+        const Vec<R> r = small / large;
+        size = large + small * r;
+        p.re = select(turned, r, one), p.im = select(turned, minus, minus * r);
     }
     Vec<Complex<R>> divide(Vec<Complex<R>> x) const { return {product<false>(Rows<Complex<R>>(x), p).v / size}; }
+    Number<Complex<R>> reciprocal() const
+    {
+        Number<Complex<R>> q = p;
+        q.re = q.re / size, q.im = q.im / size;
+        return q;
+    }
 };
 
 } // namespace ork::lapack

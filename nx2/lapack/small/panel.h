@@ -3,6 +3,9 @@
 // right and finds the next pivot.
 #pragma once
 
+#include <array>
+#include <utility>
+
 #include "blas/divide.h"
 #include "lapack/small/operand.h"
 #include "lapack/small/pivot.h"
@@ -62,13 +65,16 @@ struct Panel {
 
     // The rows below pivot c; returns the place of the next one.
     template <int c, int columns, bool pivoting, Multipliers how>
-    Int pass(T factor) const
+    Int pass(Divisor<T> divisor) const
     {
         T* l = a + c * lda;
-        const Number<T> multiplier(factor);
-        const Divisor<T> divisor(factor);
+        const Number<T> multiplier = divisor.reciprocal();
         constexpr int right = columns - c - 1;
-        const auto number = [&](int q) { return Number<T>(a + c + (c + 1 + q) * lda); };
+        const auto u = [&]<int... q>(std::integer_sequence<int, q...>)
+        {
+            return std::array<Number<T>, right>{Number<T>(a + c + (c + 1 + q) * lda)...};
+        }
+        (std::make_integer_sequence<int, right>());
         PivotSearch<T> search(c + 1);
         const auto step = [&]<int width>(Int i, auto&& put, auto&& look) {
             Vec<T> x = load<width>(l + i);
@@ -79,7 +85,7 @@ struct Panel {
 #pragma GCC unroll 4
             for (int q = 0; q < right; ++q) {
                 T* y = l + (q + 1) * lda + i;
-                const Vec<T> z = load<width>(y) - product<false>(left, number(q));
+                const Vec<T> z = load<width>(y) - product<false>(left, u[q]);
                 put(y, z);
                 if (pivoting && q == 0) look(z);
             }
@@ -113,15 +119,15 @@ struct Panel {
         const T pivot = a[c + c * lda];
         if (pivot == T{}) [[unlikely]] {
             if (info == 0) info = first + c + 1;
-            return pass<c, columns, pivoting, Multipliers::ready>(T{});
+            return pass<c, columns, pivoting, Multipliers::ready>(Divisor<T>(T(1)));
         }
         if constexpr (divides) {
-            return pass<c, columns, pivoting, Multipliers::divide>(pivot);
+            return pass<c, columns, pivoting, Multipliers::divide>(Divisor<T>(pivot));
         } else {
             if (magnitude(pivot) > safe) [[likely]]
-                return pass<c, columns, pivoting, Multipliers::multiply>(divided(T(1), pivot));
+                return pass<c, columns, pivoting, Multipliers::multiply>(Divisor<T>(pivot));
             for (Int i = c + 1; i < rows; ++i) a[i + c * lda] = divided(a[i + c * lda], pivot);
-            return pass<c, columns, pivoting, Multipliers::ready>(T{});
+            return pass<c, columns, pivoting, Multipliers::ready>(Divisor<T>(T(1)));
         }
     }
 

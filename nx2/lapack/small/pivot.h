@@ -3,27 +3,10 @@
 // wrong guess costs more than a column of order 8.
 #pragma once
 
-#include "lapack/scalar.h"
+#include "lapack/columns.h"
+#include "lapack/small/operand.h"
 
 namespace ork::lapack {
-
-// All bits of a lane set or none.
-struct Mask {
-    __m128i v;
-};
-inline Vec<double> select(Mask m, Vec<double> yes, Vec<double> no)
-{
-    return {_mm_blendv_pd(no.v, yes.v, _mm_castsi128_pd(m.v))};
-}
-inline Vec<float> select(Mask m, Vec<float> yes, Vec<float> no)
-{
-    return {_mm_blendv_ps(no.v, yes.v, _mm_castsi128_ps(m.v))};
-}
-template <class R>
-inline Vec<Complex<R>> select(Mask m, Vec<Complex<R>> yes, Vec<Complex<R>> no)
-{
-    return {select(m, yes.v, no.v)};
-}
 
 // Whole numbers beside the lanes of elements T, each repeated over the parts of a complex one.
 template <class T>
@@ -47,11 +30,6 @@ struct Places {
         return {wide ? _mm_cmpeq_epi64(a.v, b.v) : _mm_cmpeq_epi32(a.v, b.v)};
     }
 };
-
-inline Mask greater(Vec<double> a, Vec<double> b) { return {_mm_castpd_si128(_mm_cmplt_pd(b.v, a.v))}; }
-inline Mask greater(Vec<float> a, Vec<float> b) { return {_mm_castps_si128(_mm_cmplt_ps(b.v, a.v))}; }
-inline Mask equal(Vec<double> a, Vec<double> b) { return {_mm_castpd_si128(_mm_cmpeq_pd(a.v, b.v))}; }
-inline Mask equal(Vec<float> a, Vec<float> b) { return {_mm_castps_si128(_mm_cmpeq_ps(a.v, b.v))}; }
 
 inline Vec<double> magnitudes(Vec<double> a) { return abs(a); }
 inline Vec<float> magnitudes(Vec<float> a) { return abs(a); }
@@ -80,14 +58,16 @@ public:
         if constexpr (sizeof(T) <= 4) whole.merge(_mm_shuffle_epi32(best(), 0xb1), _mm_shuffle_epi32(place_.v, 0xb1));
         if constexpr (sizeof(T) <= 8)
             whole.merge(_mm_shuffle_epi32(whole.best(), 0x4e), _mm_shuffle_epi32(whole.place_.v, 0x4e));
-        return Places<T>::wide ? _mm_cvtsi128_si64(whole.place_.v) : _mm_cvtsi128_si32(whole.place_.v);
+        return whole.place_of_lane();
     }
+    // The same where every lane has seen the same.
+    Int place_of_lane() const { return Places<T>::wide ? _mm_cvtsi128_si64(place_.v) : _mm_cvtsi128_si32(place_.v); }
 
 private:
     void weigh(Vec<R> size, Places<T> places)
     {
         const Mask better = greater(size, best_);
-        best_ = select(better, size, best_);
+        best_ = larger(size, best_); // of a NaN, best_
         place_.v = _mm_blendv_epi8(place_.v, places.v, better.v);
     }
     __m128i best() const
@@ -110,7 +90,7 @@ private:
         place_.v = _mm_blendv_epi8(place_.v, other_place, better.v);
     }
 
-    Vec<R> best_ = broadcast(R(-1));
+    Vec<R> best_ = broadcast(R(0));
     Places<T> place_;
 };
 
