@@ -7,14 +7,11 @@
 namespace ork::lapack {
 
 // Orders up to which a kernel takes the whole problem.
-inline constexpr Int small_lu = 32, small_cholesky = 32, small_qr = 32, small_inverse = 32;
-// Right-hand sides up to which getrs_small does.
-inline constexpr Int small_sides = 8;
+inline constexpr Int small_lu = 100, small_cholesky = 24, small_qr = 128, small_inverse = 32;
+// The same of a solution with the factors of LU, for so many right-hand sides.
+inline constexpr Int small_solve = 32, small_sides = 8;
 
-// Columns of the panels at which recursion ends.
-inline constexpr Int lu_panel = 8;
-
-// Columns that become one block reflector, and of the panels inside such a block.
-inline constexpr Int qr_block = 32, qr_panel = 8;
+// Columns of the panels at which the recursion of LU ends, and those of QR that become one block reflector.
+inline constexpr Int lu_panel = 16, qr_block = 32;
 
 } // namespace ork::lapack

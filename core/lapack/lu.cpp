@@ -109,8 +109,8 @@ template <class T>
 Int getrs(char trans, Int n, Int nrhs, const T* a, Int lda, Pivots ipiv, T* b, Int ldb)
 {
     if (n == 0 || nrhs == 0) return 0;
-    if (n <= small_lu && nrhs <= small_sides) {
-        Int info = 0, rows[small_lu];
+    if (n <= small_solve && nrhs <= small_sides) {
+        Int info = 0, rows[small_solve];
         const Int* wide = ipiv.wide();
         if (wide == nullptr)
             for (Int i = 0; i < n; ++i) rows[i] = ipiv.get(i);

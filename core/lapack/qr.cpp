@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Householder QR by blocks of columns: a block is factored in panels, panels by a kernel, and both are applied to what
-// is right of them as block reflectors.
+// Householder QR by blocks of columns: a kernel factors a block, and what is right of it takes its reflectors as one.
 #include "blas/work_buffer.h"
 #include "lapack/crossover.h"
 #include "lapack/drivers.h"
@@ -20,18 +19,15 @@ void factor_panel(Int m, Int n, Matrix<T> a, T* tau, T* work)
     kernels::geqrf_small<T>(&m, &n, a.data, &a.lead, tau, work, &n, &info);
 }
 
-// In blocks of `width` columns, each in panels of qr_panel. memory: that of a block reflector, and of its application.
+// memory: that of a block reflector, and of its application to n columns.
 template <class T>
-void factor(Int m, Int n, Matrix<T> a, T* tau, Int width, T* work, T* memory)
+void factor(Int m, Int n, Matrix<T> a, T* tau, T* work, T* memory)
 {
     const Int columns = std::min(m, n);
-    for (Int j = 0; j < columns; j += width) {
-        const Int k = std::min(width, columns - j), rows = m - j, right = n - j - k;
+    for (Int j = 0; j < columns; j += qr_block) {
+        const Int k = std::min(qr_block, columns - j), rows = m - j, right = n - j - k;
         const Matrix<T> block = a.from(j, j);
-        if (k > qr_panel)
-            factor(rows, k, block, tau + j, qr_panel, work, memory);
-        else
-            factor_panel(rows, k, block, tau + j, work);
+        factor_panel(rows, k, block, tau + j, work);
         if (right == 0) continue;
         const auto h = form_block<T>(rows, k, block, tau + j, memory);
         apply_block(Side::left, true, h, right, block.from(0, k), memory + h.memory(k));
@@ -80,7 +76,7 @@ Int geqrf(Int m, Int n, T* a, Int lda, T* tau, T* work)
     if (m > small_qr || n > small_qr) {
         const blas::WorkBuffer<T> memory(BlockReflector<T>::memory(qr_block) + qr_block * n);
         if (memory.data() != nullptr) {
-            factor<T>(m, n, {a, lda}, tau, qr_block, work, memory.data());
+            factor<T>(m, n, {a, lda}, tau, work, memory.data());
             return 0;
         }
     }
