@@ -11,12 +11,14 @@
    work has lwork elements, at least n for getri, getrinp, geqrf and orgqr; for ormqr n with side L and m with side R.
    More doesn't make them faster. With lwork = -1 that number is stored in work(1) and nothing else is done.
 
-   liblapack_ork.so.3 has the same routines under LAPACK's own names, dgetrf_, with 32-bit integers. */
+   liblapack_ork.so.3 has the same routines under LAPACK's own names, dgetrf_, with 32-bit integers. Many small matrices
+   of one size at once: ork/lapack_compact.h. */
 #ifndef ORK_LAPACK_H
 #define ORK_LAPACK_H
 
 #include <stdint.h>
 
+#include "ork/lapack_compact.h"
 #include "ork/types.h"
 
 ORK_BEGIN_DECLS

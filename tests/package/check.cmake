@@ -16,6 +16,12 @@ if(EXISTS ${WORK}/first)
   message(FATAL_ERROR "the first prefix is still there")
 endif()
 
+foreach(drop_in libblas.so.3 libblas64.so.3 liblapack_ork.so.3 libfftw3.so.3 libfftw3f.so.3)
+  if(NOT EXISTS ${prefix}/${LIBDIR}/ork/${drop_in})
+    message(FATAL_ERROR "${drop_in} was not installed")
+  endif()
+endforeach()
+
 set(flags)
 if(SANITIZE)
   set(flags -fsanitize=${SANITIZE})
