@@ -7,11 +7,11 @@
 namespace ork::lapack {
 
 // Orders up to which a kernel takes the whole problem.
-inline constexpr Int small_lu = 100, small_cholesky = 24, small_qr = 128, small_inverse = 32;
+inline constexpr Int small_lu = 100, small_cholesky = 32, small_qr = 128, small_inverse = 32;
 // The same of a solution with the factors of LU, for so many right-hand sides.
 inline constexpr Int small_solve = 32, small_sides = 8;
 
 // Columns of the panels at which the recursion of LU ends, and those of QR that become one block reflector.
-inline constexpr Int lu_panel = 16, qr_block = 32;
+inline constexpr Int lu_panel = 32, qr_block = 32;
 
 } // namespace ork::lapack
