@@ -8,6 +8,14 @@
 
 namespace ork::lapack {
 
+inline Vec<double> squared_moduli(Vec<double> a) { return a * a; }
+inline Vec<float> squared_moduli(Vec<float> a) { return a * a; }
+template <class R>
+inline Vec<R> squared_moduli(Vec<Complex<R>> a)
+{
+    const Vec<R> squares = a.v * a.v;
+    return squares + exchanged(squares);
+}
 template <class R>
 inline R squared_modulus(R a)
 {
@@ -23,10 +31,21 @@ inline R quotient(R a, R d)
 {
     return a / d;
 }
+inline void quotients(double& a, double& b, double d)
+{
+    const __m128d both = _mm_div_pd(_mm_set_pd(b, a), _mm_set1_pd(d));
+    a = _mm_cvtsd_f64(both), b = _mm_cvtsd_f64(_mm_unpackhi_pd(both, both));
+}
+inline void quotients(float& a, float& b, float d)
+{
+    const __m128 both = _mm_div_ps(_mm_setr_ps(a, b, 1, 1), _mm_setr_ps(d, d, 1, 1));
+    a = _mm_cvtss_f32(both), b = _mm_cvtss_f32(_mm_movehdup_ps(both));
+}
 template <class R>
 inline Complex<R> quotient(Complex<R> a, R d)
 {
-    return {a.re / d, a.im / d};
+    quotients(a.re, a.im, d);
+    return a;
 }
 
 // Rows j .. j + columns - 1 of the columns from j on, which columns 0 .. j - 1 are done with; j is even.
@@ -47,15 +66,19 @@ public:
         for (int q = 0; q < columns; ++q)
 #pragma GCC unroll 4
             for (int i = q; i < columns; ++i) x[i][q] = square[i + q * lda];
-        for (Int k = 0; k < j; k += 2) {
-            const T *first = l + k * lda, *second = first + lda;
+        if constexpr (columns == 4)
+            subtract_before(j, l, lda, even, odd);
+        else
+            for (Int k = 0; k < j; k += 2) {
+                const T *first = l + k * lda, *second = first + lda;
 #pragma GCC unroll 4
-            for (int i = 0; i < columns; ++i) {
-                even[i] -= squared_modulus(first[i]), odd[i] -= squared_modulus(second[i]);
+                for (int i = 0; i < columns; ++i) {
+                    even[i] -= squared_modulus(first[i]), odd[i] -= squared_modulus(second[i]);
 #pragma GCC unroll 4
-                for (int q = 0; q < i; ++q) x[i][q] = x[i][q] - first[i] * conj(first[q]) - second[i] * conj(second[q]);
+                    for (int q = 0; q < i; ++q)
+                        x[i][q] = x[i][q] - first[i] * conj(first[q]) - second[i] * conj(second[q]);
+                }
             }
-        }
 #pragma GCC unroll 4
         for (int q = 0; q < columns; ++q) {
             if (q >= 2) even[q] -= squared_modulus(x[q][0]), odd[q] -= squared_modulus(x[q][1]);
@@ -71,10 +94,62 @@ public:
             for (int i = q + 1; i < columns; ++i) {
 #pragma GCC unroll 4
                 for (int k = 0; k < q; ++k) x[i][q] = x[i][q] - x[i][k] * conj(x[q][k]);
-                x[i][q] = quotient(x[i][q], diagonal[q]);
             }
+            // Two numbers a division: the divider is what a small matrix waits for.
+            int i = q + 1;
+            if constexpr (!is_complex<T>)
+#pragma GCC unroll 2
+                for (; i + 2 <= columns; i += 2) quotients(x[i][q], x[i + 1][q], diagonal[q]);
+#pragma GCC unroll 4
+            for (; i < columns; ++i) x[i][q] = quotient(x[i][q], diagonal[q]);
         }
         return columns;
+    }
+
+    // What columns 0 .. j - 1 subtract, rows in lanes; nothing is computed of registers that lie above the diagonal.
+    [[gnu::always_inline]] inline void subtract_before(Int j, const T* l, Int lda, R (&even)[columns],
+                                                       R (&odd)[columns])
+    {
+        constexpr int lanes = Vec<T>::lanes, registers = columns / lanes;
+        if (j == 0) return;
+        alignas(16) T kept[columns - 1][columns] = {}; // [column][row]
+        Vec<T> y[columns - 1][registers];
+        Vec<R> sums[2][registers];
+        const auto below = [](int q, int r) { return (r + 1) * lanes - 1 > q; };
+#pragma GCC unroll 4
+        for (int q = 0; q + 1 < columns; ++q) {
+#pragma GCC unroll 4
+            for (int i = q + 1; i < columns; ++i) kept[q][i] = x[i][q];
+#pragma GCC unroll 4
+            for (int r = 0; r < registers; ++r) y[q][r] = load<lanes>(kept[q] + r * lanes);
+        }
+#pragma GCC unroll 4
+        for (int r = 0; r < registers; ++r) sums[0][r] = sums[1][r] = broadcast(R(0));
+        for (Int k = 0; k < j; k += 2)
+#pragma GCC unroll 2
+            for (int half = 0; half < 2; ++half, l += lda) {
+#pragma GCC unroll 4
+                for (int r = 0; r < registers; ++r) {
+                    const Vec<T> v = load<lanes>(l + r * lanes);
+                    sums[half][r] = sums[half][r] - squared_moduli(v);
+                    const Rows<T> left(v);
+#pragma GCC unroll 4
+                    for (int q = 0; q + 1 < columns; ++q)
+                        if (below(q, r)) y[q][r] = y[q][r] - product<true>(left, Number<T>(l + q));
+                }
+            }
+#pragma GCC unroll 4
+        for (int q = 0; q + 1 < columns; ++q) {
+#pragma GCC unroll 4
+            for (int r = 0; r < registers; ++r) store<lanes>(kept[q] + r * lanes, y[q][r]);
+#pragma GCC unroll 4
+            for (int i = q + 1; i < columns; ++i) x[i][q] = kept[q][i];
+        }
+#pragma GCC unroll 4
+        for (int i = 0; i < columns; ++i) {
+            const int at = i % lanes * (is_complex<T> ? 2 : 1);
+            even[i] = lane(sums[0][i / lanes], at), odd[i] = lane(sums[1][i / lanes], at);
+        }
     }
 
     void write(T* square, Int lda) const
@@ -119,38 +194,72 @@ public:
     }
 };
 
+// Rows from `first` to `last` below a square.
+template <int columns, class T>
+inline void solve_rows(const DiagonalSquare<T, columns>& square, Int j, Int first, Int last, T* a, Int lda)
+{
+    constexpr int lanes = Vec<T>::lanes;
+    T* c = a + j * lda;
+    Int i = first;
+    for (; i + 2 * lanes <= last; i += 2 * lanes) square.template solve<2, lanes>(j, a + i, a + j, lda, c + i);
+    if (i + lanes <= last) {
+        square.template solve<1, lanes>(j, a + i, a + j, lda, c + i);
+        i += lanes;
+    }
+    for (; i < last; ++i) square.template solve<1, 1>(j, a + i, a + j, lda, c + i);
+}
+
+template <int columns, class T>
+Int cholesky_columns(Int n, Int j, T* a, Int lda);
+
+// A square of which only `done` columns can be had: those are done whole, and nothing of those behind the next diagonal
+// element. Returns the number of its column, from 1.
+template <int columns, class T>
+[[gnu::noinline, gnu::cold]] Int give_up(const DiagonalSquare<T, columns>& square, int done, Int n, Int j, T* a,
+                                         Int lda)
+{
+    if constexpr (columns > 3)
+        if (done == 3) cholesky_columns<3>(n, j, a, lda);
+    if constexpr (columns > 2)
+        if (done == 2) cholesky_columns<2>(n, j, a, lda);
+    if constexpr (columns > 1)
+        if (done == 1) cholesky_columns<1>(n, j, a, lda);
+    a[(j + done) * (lda + 1)] = square.x[done][done];
+    return j + done + 1;
+}
+
 // Columns j .. j + columns - 1; returns 0 or the number, from 1, of the column that can't be done.
+template <int columns, class T>
+[[gnu::always_inline]] inline Int columns_in_line(Int n, Int j, T* a, Int lda)
+{
+    DiagonalSquare<T, columns> square;
+    const int done = square.factor(j, a + j, lda);
+    if (done < columns) [[unlikely]]
+        return give_up(square, done, n, j, a, lda);
+    square.write(a + j + j * lda, lda);
+    solve_rows(square, j, j + columns, n, a, lda);
+    return 0;
+}
 template <int columns, class T>
 [[gnu::noinline]] Int cholesky_columns(Int n, Int j, T* a, Int lda)
 {
-    if constexpr (columns > 0) {
-        constexpr int lanes = Vec<T>::lanes;
-        DiagonalSquare<T, columns> square;
-        const int done = square.factor(j, a + j, lda);
-        if (done < columns) [[unlikely]] { // those before it are done whole, and nothing of those behind it
-            if (done == 3) cholesky_columns<(columns > 3 ? 3 : 0)>(n, j, a, lda);
-            if (done == 2) cholesky_columns<(columns > 2 ? 2 : 0)>(n, j, a, lda);
-            if (done == 1) cholesky_columns<(columns > 1 ? 1 : 0)>(n, j, a, lda);
-            a[(j + done) * (lda + 1)] = square.x[done][done];
-            return j + done + 1;
-        }
-        square.write(a + j + j * lda, lda);
-        T* c = a + j * lda;
-        Int i = j + columns;
-        for (; i + 2 * lanes <= n; i += 2 * lanes) square.template solve<2, lanes>(j, a + i, a + j, lda, c + i);
-        if (i + lanes <= n) {
-            square.template solve<1, lanes>(j, a + i, a + j, lda, c + i);
-            i += lanes;
-        }
-        for (; i < n; ++i) square.template solve<1, 1>(j, a + i, a + j, lda, c + i);
-    }
-    return 0;
+    return columns_in_line<columns>(n, j, a, lda);
 }
 
 // The lower triangle of a matrix of order n; info.
 template <class T>
 inline Int cholesky_lower(Int n, T* a, Int lda)
 {
+    switch (n) {
+    case 1:
+        return columns_in_line<1>(1, 0, a, lda);
+    case 2:
+        return columns_in_line<2>(2, 0, a, lda);
+    case 3:
+        return columns_in_line<3>(3, 0, a, lda);
+    case 4:
+        return columns_in_line<4>(4, 0, a, lda);
+    }
     Int j = 0;
     for (; j + 4 <= n; j += 4)
         if (const Int failed = cholesky_columns<4>(n, j, a, lda)) return failed;
