@@ -105,6 +105,13 @@ inline T dot(Int n, const T* x, const T* y)
 inline Vec<double> larger(Vec<double> a, Vec<double> b) { return {_mm_max_pd(a.v, b.v)}; }
 inline Vec<float> larger(Vec<float> a, Vec<float> b) { return {_mm_max_ps(a.v, b.v)}; }
 template <class R>
+inline R largest_lane(Vec<R> a)
+{
+    R result = lane(a, 0);
+    for (int j = 1; j < Vec<R>::lanes; ++j) result = larger(result, lane(a, j));
+    return result;
+}
+template <class R>
 inline R largest_part(Int n, const R* x)
 {
     constexpr int lanes = Vec<R>::lanes;
@@ -117,9 +124,7 @@ inline R largest_part(Int n, const R* x)
     for (; i + lanes <= n; i += lanes) best = larger(abs(load(x + i)), best);
     best = larger(best, other);
     for (; i < n; ++i) best = larger(abs(load<1>(x + i)), best);
-    R result = lane(best, 0);
-    for (int j = 1; j < lanes; ++j) result = larger(result, lane(best, j));
-    return result;
+    return largest_lane(best);
 }
 
 // Sum of squares of real numbers. Of single ones it is a double, which neither overflows nor underflows.

@@ -170,6 +170,28 @@ TYPED_TEST(Eigen, BalancingUndoesBadScaling)
     expect_values<T>(got, values, 1000 * eps<T>);
 }
 
+// Exponents all over the range: what underflows on the way must neither stop the iteration nor leave empty vectors.
+TYPED_TEST(Eigen, WildMatricesConvergeAndHaveVectors)
+{
+    using T = TypeParam;
+    Random random(17);
+    for (int trial = 0; trial < 3000; ++trial) {
+        const Int n = random.integer(2, 9);
+        std::vector<T> values(n * n);
+        const int range = sizeof(T) == 8 ? 300 : 38;
+        for (T& x : values) x = std::ldexp(random.uniform<T>(), static_cast<int>(random.integer(-range, range)));
+        const auto r = this->decompose(
+            n, [&](Int i, Int j) { return values[j * n + i]; }, 'V', 'V');
+        ASSERT_EQ(r.info, 0) << trial;
+        for (const auto* v : {&r.vl, &r.vr})
+            for (Int j = 0; j < n; ++j) {
+                long double norm = 0;
+                for (Int i = 0; i < n; ++i) norm += std::norm(r.component(*v, r.wi, i, j));
+                ASSERT_TRUE(std::abs(norm - 1) <= 16 * eps<T>) << trial << ", vector " << j;
+            }
+    }
+}
+
 TYPED_TEST(Eigen, OnlyWhatIsAskedForIsWritten)
 {
     using T = TypeParam;

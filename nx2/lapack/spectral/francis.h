@@ -84,12 +84,13 @@ struct Iteration {
     Int ldz;
 
     R& h(Int i, Int j) const { return data[j * ld + i]; }
-    R smallest() const { return smallest_normal<R> * (static_cast<R>(hi - lo + 1) / spacing<R>); }
+    // Quotients of anything less and an element of the matrix may have underflowed.
+    R least;
 
     bool negligible(Int k) const // subdiagonal element (k, k - 1)
     {
         const R below = absolute(h(k, k - 1));
-        if (below <= smallest()) return true;
+        if (below <= least) return true;
         R beside = absolute(h(k - 1, k - 1)) + absolute(h(k, k));
         if (beside == 0) {
             if (k - 2 >= lo) beside += absolute(h(k - 1, k - 2));
@@ -99,7 +100,7 @@ struct Iteration {
         const R above = absolute(h(k - 1, k)), own = absolute(h(k, k)), step = absolute(h(k - 1, k - 1) - h(k, k));
         const R ab = larger(below, above), ba = smaller(below, above), aa = larger(own, step), bb = smaller(own, step);
         const R s = aa + ab;
-        return ba * (ab / s) <= larger(smallest(), spacing<R> * (bb * (aa / s)));
+        return ba * (ab / s) <= larger(least, spacing<R> * (bb * (aa / s)));
     }
     // The first index of the block that ends with i and has not split.
     Int first_of_block(Int i) const
@@ -223,7 +224,10 @@ struct Iteration {
 template <class R>
 inline Int schur_form(Int n, Int lo, Int hi, R* h, Int ldh, bool whole, R* wr, R* wi, R* z, Int ldz)
 {
-    return francis::Iteration<R>{n, lo, hi, h, ldh, whole, wr, wi, z, ldz}.run();
+    R largest = 1;
+    for (Int j = 0; j < n; ++j) largest = larger(largest, largest_part(n, h + j * ldh));
+    const R least = smallest_normal<R> * (static_cast<R>(n) / spacing<R>)*largest;
+    return francis::Iteration<R>{n, lo, hi, h, ldh, whole, wr, wi, z, ldz, least}.run();
 }
 
 } // namespace ork::lapack

@@ -10,41 +10,44 @@
 namespace ork::lapack {
 namespace {
 
-// What elements are compared by: their moduli, of complex ones the squares in double precision. Those of double numbers
-// are taken after scaling that brings the largest part of the matrix to 1, so that only what is far below the smallest
-// pivot underflows.
+// The largest element so far, of several the one in the last row, there in the last column; columns come in ascending
+// order. NaN is passed over. Elements are compared by their moduli, complex ones by squares in double precision; those
+// of double numbers are taken after scaling that brings the largest part of the matrix to 1, so that only what is far
+// below the smallest pivot underflows.
 template <class E>
 class Search {
 public:
     explicit Search(double scale) : scale_(scale) {}
 
-    // Takes n elements of a column into account. NaN is passed over.
-    void add(Int n, const E* x)
-    {
-        if constexpr (!is_complex<E>)
-            each<E>(n, [&]<int w>(Int i) { most_ = larger(abs(load<w>(x + i)), most_); });
-        else
-            for (Int i = 0; i < n; ++i) most_ = larger(size_of(x[i]), most_);
-    }
+    Int row = 0, column = 0;
 
-    // Where the largest element of the block behind k is, of several the one in the last row, there in the last column;
-    // (k, k) where all are NaN. Begins a new search.
-    struct Place {
-        Int row, column;
-    };
-    Place find(Int k, Int n, const E* a, Int lda)
+    void begin(Int k) { most_ = -1, row = column = k; }
+    // Rows first ... end - 1 of column j, which begins at x.
+    void add(Int j, Int first, Int end, const E* x)
     {
-        const auto most = largest();
-        Place best{k - 1, k};
-        for (Int j = n - 1; j >= k; --j) {
-            const E* x = a + j * lda;
-            if (!contains(n - best.row - 1, x + best.row + 1, most)) continue;
-            Int i = n - 1;
-            while (i > best.row && !(size_of(x[i]) == most)) --i;
-            if (i > best.row) best = {i, j};
+        Size most = 0;
+        if constexpr (is_complex<E>)
+            for (Int i = first; i < end; ++i) most = larger(size_of(x[i]), most);
+        else
+            most = largest_part(end - first, x + first);
+        offer(most, j, first, end, x);
+    }
+    // The same of x + a y.
+    void add_multiple_and_add(E a, const E* y, Int j, Int first, Int end, E* x)
+    {
+        if constexpr (is_complex<E>) {
+            add_multiple(end - first, a, y + first, x + first);
+            add(j, first, end, x);
+        } else {
+            const Factor<E> factor(a);
+            Vec<E> most{};
+            each<E>(end - first, [&]<int w>(Int i) {
+                const Vec<E> sum = load<w>(x + first + i) + factor * load<w>(y + first + i);
+                store<w>(x + first + i, sum);
+                most = larger(abs(sum), most);
+            });
+            offer(largest_lane(most), j, first, end, x);
         }
-        most_ = decltype(most_){};
-        return best.row < k ? Place{k, k} : best;
     }
 
 private:
@@ -59,39 +62,16 @@ private:
             return absolute(x);
         }
     }
-    Size largest() const
+    void offer(Size most, Int j, Int first, Int end, const E* x)
     {
-        if constexpr (is_complex<E>)
-            return most_;
-        else {
-            Size result = 0;
-            for (int j = 0; j < Vec<E>::lanes; ++j) result = larger(lane(most_, j), result);
-            return result;
-        }
+        if (!(most >= most_)) return;
+        Int i = end - 1;
+        while (i >= first && !(size_of(x[i]) == most)) --i;
+        if (i >= first && (most > most_ || i >= row)) most_ = most, row = i, column = j;
     }
-    // Whether some element may be as large as that; cheap.
-    static bool contains([[maybe_unused]] Int n, [[maybe_unused]] const E* x, [[maybe_unused]] Size most)
-    {
-        if constexpr (is_complex<E>) return true;
-        if constexpr (!is_complex<E>) {
-            Vec<E> found{};
-            each<E>(n, [&]<int w>(Int i) { found = equal_or(abs(load<w>(x + i)), broadcast(most), found); });
-            return any(found);
-        }
-    }
-    static Vec<double> equal_or(Vec<double> a, Vec<double> b, Vec<double> found)
-    {
-        return {_mm_or_pd(_mm_cmpeq_pd(a.v, b.v), found.v)};
-    }
-    static Vec<float> equal_or(Vec<float> a, Vec<float> b, Vec<float> found)
-    {
-        return {_mm_or_ps(_mm_cmpeq_ps(a.v, b.v), found.v)};
-    }
-    static bool any(Vec<double> mask) { return _mm_movemask_pd(mask.v) != 0; }
-    static bool any(Vec<float> mask) { return _mm_movemask_ps(mask.v) != 0; }
 
     double scale_;
-    std::conditional_t<is_complex<E>, double, Vec<E>> most_{};
+    Size most_ = -1;
 };
 
 Int factor(Int n, T* a, Int lda, Int* ipiv, Int* jpiv)
@@ -105,11 +85,11 @@ Int factor(Int n, T* a, Int lda, Int* ipiv, Int* jpiv)
         scale = inverse_power(largest);
     }
     Search<T> search(scale);
-    for (Int j = 0; j < n; ++j) search.add(n, a + j * lda);
+    for (Int j = 0; j < n; ++j) search.add(j, 0, n, a + j * lda);
     Int info = 0;
     R smallest = least;
     for (Int k = 0; k < n; ++k) {
-        const auto [row, column] = search.find(k, n, a, lda);
+        const Int row = search.row, column = search.column;
         ipiv[k] = row + 1, jpiv[k] = column + 1;
         if (row != k) exchange(n, &at(k, 0), lda, &at(row, 0), lda);
         if (column != k) exchange(n, &at(0, k), &at(0, column));
@@ -119,11 +99,9 @@ Int factor(Int n, T* a, Int lda, Int* ipiv, Int* jpiv)
         const T pivot = at(k, k);
         T* multipliers = &at(0, k);
         for (Int i = k + 1; i < n; ++i) multipliers[i] = divided(multipliers[i], pivot);
-        for (Int j = k + 1; j < n; ++j) {
-            T* x = &at(k + 1, j);
-            add_multiple(n - k - 1, T{} - at(k, j), multipliers + k + 1, x);
-            search.add(n - k - 1, x);
-        }
+        search.begin(k + 1);
+        for (Int j = k + 1; j < n; ++j)
+            search.add_multiple_and_add(T{} - at(k, j), multipliers, j, k + 1, n, &at(0, j));
     }
     return info;
 }

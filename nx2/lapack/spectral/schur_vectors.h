@@ -103,7 +103,7 @@ struct Vector {
     void normalise()
     {
         scale(inverse_power(largest()));
-        bound = 2;
+        bound = 4;
     }
 
     // Elements j, and j + 1 of a block of two, from the right sides that stand there. transposed: of T^T.
@@ -111,7 +111,7 @@ struct Vector {
     {
         const R least =
             larger(spacing<R> * (absolute(real_part(lambda)) + absolute(imaginary_part(lambda))), limits.least);
-        for (bool scaled = false;; scaled = true) {
+        for (int attempt = 0;; ++attempt) {
             Equations<S> e;
             R pivot, right = magnitude(get(j));
             if (two) {
@@ -125,9 +125,13 @@ struct Vector {
                 e.m[0][0] = at_least(at(j, j) - lambda, least);
                 pivot = magnitude(e.m[0][0]);
             }
-            if (!scaled && pivot < 1 && right > limits.too_large() * pivot) {
-                normalise();
-                scale(larger(pivot, limits.least)); // a power of two it need not be
+            if (attempt < 2 && pivot < 1 && right > limits.too_large() * pivot) {
+                if (attempt == 0) {
+                    normalise();
+                } else {
+                    const R factor = limits.too_large() * pivot / right / 2;
+                    scale(factor), bound *= factor;
+                }
                 continue;
             }
             S x[2];
