@@ -40,6 +40,8 @@ const std::vector<Family>& families()
         {"blocks", "rotations, reflectors, tridiagonal systems; --routine dlasr,dgtsv-many", "M/s", Field::dense,
          blocks_cases},
         {"factor", "LAPACK of any order; --routine dgetrf,dpotrf,dgeqrf,dgesv,dgetri", "GF/s", Field::dense, factor_cases},
+        {"compact", "ten thousand small matrices in packs; --routine dgetrfnp,zpotrf,sgeqrf", "GF/s", Field::dense,
+         compact_cases},
         {"threads", "two threads against one, eight callers at once", "GF/s", Field::dense, thread_cases},
         {"fft", "Fourier transforms; --kind for precision, real data, direction, --sizes all for every length", "GF/s",
          Field::transforms, fft_cases},
