@@ -114,11 +114,11 @@ public:
     // Columns to rows; what fills a row's last register is zero.
     RowLu(const T* a, Int lda)
     {
-#pragma GCC unroll 16
+#pragma GCC unroll 8
         for (int i = 0; i < n; ++i) row_[i] = rows_ + i * registers * lanes;
-#pragma GCC unroll 16
+#pragma GCC unroll 8
         for (int v = 0; v < registers; ++v) {
-#pragma GCC unroll 16
+#pragma GCC unroll 8
             for (int i = 0; i + lanes <= n; i += lanes) {
                 Vec<T> x[lanes] = {};
 #pragma GCC unroll 4
@@ -148,9 +148,9 @@ public:
 
     void write(T* a, Int lda) const
     {
-#pragma GCC unroll 16
+#pragma GCC unroll 8
         for (int v = 0; v < registers; ++v) {
-#pragma GCC unroll 16
+#pragma GCC unroll 8
             for (int i = 0; i + lanes <= n; i += lanes) {
                 Vec<T> x[lanes];
 #pragma GCC unroll 4
@@ -160,9 +160,7 @@ public:
                 for (int q = 0; q < lanes; ++q)
                     if (v * lanes + q < n) store<lanes>(a + i + (v * lanes + q) * lda, x[q]);
             }
-#pragma GCC unroll 4
             for (int i = n / lanes * lanes; i < n; ++i)
-#pragma GCC unroll 4
                 for (int q = v * lanes; q < (v + 1) * lanes && q < n; ++q) a[i + q * lda] = row_[i][q];
         }
     }
@@ -175,13 +173,13 @@ private:
     [[gnu::always_inline]] inline void eliminate(Int* ipiv, Real<T> safe, Int& info)
     {
         PivotSearch<T> search(j);
-#pragma GCC unroll 16
+#pragma GCC unroll 8
         for (int i = j; i < n; ++i) search.look(load<1>(row_[i] + j), Places<T>::all(i));
         const Int place = search.place_of_lane();
         ipiv[j] = place + 1;
         // By conditional moves: addresses stored at a place just found would keep all later loads waiting.
         T *row = row_[j], *const before = row;
-#pragma GCC unroll 16
+#pragma GCC unroll 8
         for (int i = j + 1; i < n; ++i) {
             const bool found = place == i;
             row = found ? row_[i] : row;
@@ -212,18 +210,18 @@ private:
     {
         constexpr int at = j / lanes, first = (j + 1) / lanes; // the registers of column j and of the next one
         Vec<T> u[registers];
-#pragma GCC unroll 16
+#pragma GCC unroll 8
         for (int v = first; v < registers; ++v) u[v] = get(row, v);
-#pragma GCC unroll 16
+#pragma GCC unroll 8
         for (int i = j + 1; i < n; ++i) {
             T* x = row_[i];
             const Vec<T> l = quotient(load<1>(x + j));
             const Number<T> number = in_all_lanes(l);
             Vec<T> fresh[registers] = {};
-#pragma GCC unroll 16
+#pragma GCC unroll 8
             for (int v = first; v < registers; ++v) fresh[v] = get(x, v) - product<false>(Rows<T>(u[v]), number);
             put(x, at, merged<j % lanes>(get(x, at), l, fresh[first == at ? at : registers - 1]));
-#pragma GCC unroll 16
+#pragma GCC unroll 8
             for (int v = at + 1; v < registers; ++v) put(x, v, fresh[v]);
         }
     }

@@ -90,6 +90,7 @@ struct Divisor<Complex<R>> {
         p.re = select(turned, r, one), p.im = select(turned, minus, minus * r);
     }
     Vec<Complex<R>> divide(Vec<Complex<R>> x) const { return {product<false>(Rows<Complex<R>>(x), p).v / size}; }
+    // (1, -r) / size or (r, -1) / size.
     Number<Complex<R>> reciprocal() const
     {
         Number<Complex<R>> q = p;

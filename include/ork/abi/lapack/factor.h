@@ -2,9 +2,10 @@
 // Factorisations of small matrices: see ork/abi/lapack.h for what holds for all.
 //
 // LU, A = P L U: column by column. The pivot is the largest |x| (|re| + |im|) at or below the diagonal, the first one
-// of several; a NaN is passed over unless nothing else but zeros is there. What is below it becomes multipliers. Square matrices of order 1 to 7 divide by the pivot; all others multiply by its reciprocal when |pivot|
-// is greater than the safe minimum and divide otherwise. A pivot of zero (in complex both parts) leaves its column as
-// it is and makes info its number unless an earlier one has; the factorisation goes on. Every element a(i, k) receives
+// of several; a NaN is passed over unless nothing else but zeros is there. What is below it becomes multipliers. Square
+// matrices of order 1 to 7 divide by the pivot; all others multiply by its reciprocal when |pivot| is greater than the
+// safe minimum and divide otherwise. A pivot of zero (in complex both parts) leaves its column as it is and makes info
+// its number unless an earlier one has; the factorisation goes on. Every element a(i, k) receives
 // - l(i, j) u(j, k), product and difference rounded one after the other, for j = 1, 2, ...
 //
 // Cholesky, A = L L^H (lower) or U^H U (upper): entry (i, j) has the products of entries already computed subtracted,
