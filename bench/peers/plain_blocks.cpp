@@ -32,16 +32,16 @@ void lasr_by_columns(Ptr m, Ptr n, const double* c, const double* s, double* a, 
         }
 }
 
+// Increments, tau and h in variables of their own: read through pointers they would be read again after every store.
 void lartv(Ptr n, double* x, Ptr incx, double* y, Ptr incy, const double* c, const double* s, Ptr incc)
 {
-    for (int64_t i = 0; i < *n; ++i) {
-        const double u = x[i * *incx], v = y[i * *incy];
-        x[i * *incx] = c[i * *incc] * u + s[i * *incc] * v;
-        y[i * *incy] = c[i * *incc] * v - s[i * *incc] * u;
+    const int64_t count = *n, dx = *incx, dy = *incy, dc = *incc;
+    for (int64_t i = 0; i < count; ++i) {
+        const double u = x[i * dx], v = y[i * dy];
+        x[i * dx] = c[i * dc] * u + s[i * dc] * v;
+        y[i * dy] = c[i * dc] * v - s[i * dc] * u;
     }
 }
-
-// Increments, tau and h in variables of their own: read through pointers they would be read again after every store.
 void rot2(Ptr n, double* x, Ptr incx, double* y, Ptr incy, const double* tau, const double* h2)
 {
     const int64_t count = *n, dx = *incx, dy = *incy;

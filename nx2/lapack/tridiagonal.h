@@ -30,6 +30,17 @@ inline Vec<double> both(Vec<double> a, Vec<double> b) { return {_mm_and_pd(a.v, 
 inline Vec<float> both(Vec<float> a, Vec<float> b) { return {_mm_and_ps(a.v, b.v)}; }
 inline Vec<double> either(Vec<double> a, Vec<double> b) { return {_mm_or_pd(a.v, b.v)}; }
 inline Vec<float> either(Vec<float> a, Vec<float> b) { return {_mm_or_ps(a.v, b.v)}; }
+// By the exponent: a comparison would raise a flag for NaN.
+inline Vec<double> not_finite(Vec<double> a)
+{
+    const __m128i exponent = _mm_set1_epi64x(0x7ff0000000000000);
+    return {_mm_castsi128_pd(_mm_cmpeq_epi64(_mm_and_si128(_mm_castpd_si128(a.v), exponent), exponent))};
+}
+inline Vec<float> not_finite(Vec<float> a)
+{
+    const __m128i exponent = _mm_set1_epi32(0x7f800000);
+    return {_mm_castsi128_ps(_mm_cmpeq_epi32(_mm_and_si128(_mm_castps_si128(a.v), exponent), exponent))};
+}
 inline int signs(Vec<double> a) { return _mm_movemask_pd(a.v); }
 inline int signs(Vec<float> a) { return _mm_movemask_ps(a.v); }
 
@@ -92,27 +103,21 @@ inline Int first_lane(Vec<Real<T>> zero)
     return __builtin_ctz(static_cast<unsigned>(signs(zero))) / (is_complex<T> ? 2 : 1);
 }
 
-// Whether a system, equations `step` apart, has a pivot of zero. Such a system has no finite element in its solution
-// from that equation upwards, for what has met 1 / 0 stays infinite or NaN: only where b(1) is not finite this is
-// asked.
+// The first of the systems, counted from 1, with a pivot of zero, or 0; equations are `down` apart, systems `along`. A
+// solution that has met 1 / 0 stays infinite or NaN from there upwards, so this is asked only where b(1) is not finite.
 template <class T>
-[[gnu::noinline]] inline bool has_zero_pivot(const TridiagonalSystems<T>& a, Int step)
+[[gnu::noinline]] inline Int first_zero_pivot(TridiagonalSystems<T> a, Int systems, Int along, Int down)
 {
-    T above{};
-    for (Int i = 0; i < a.n; ++i) {
-        T pivot = a.d[i * step];
-        if (i > 0) pivot = pivot - a.dl[i * step] * above;
-        if (pivot == T{}) return true;
-        above = a.du[i * step] * divided(T{1}, pivot);
+    for (Int s = 0; s < systems; ++s) {
+        T above{};
+        for (Int i = 0; i < a.n; ++i) {
+            const Int at = s * along + i * down;
+            const T pivot = i > 0 ? a.d[at] - a.dl[at] * above : a.d[at];
+            if (pivot == T{}) return s + 1;
+            above = a.du[at] * divided(T{1}, pivot);
+        }
     }
-    return false;
-}
-
-template <class T>
-inline bool is_finite(T x)
-{
-    const T nothing = x - x; // NaN of infinities too
-    return nothing == nothing;
+    return 0;
 }
 
 constexpr Int systems_at_once = 16; // whose du and b go through the scratch memory, n elements each
@@ -191,10 +196,14 @@ private:
             each_register(count, [&]<int width>(int r, Int s) {
                 if (info == 0 && signs(zero[r]) != 0) info = s + 1 + (width == 1 ? 0 : first_lane<T>(zero[r]));
             });
-        if constexpr (task == Task::solve)
-            for (Int s = 0; s < count && a.n > 0 && info == 0; ++s)
-                if (!is_finite(a.b[s]) && has_zero_pivot<T>({a.n, a.dl + s, a.d + s, a.du + s, nullptr, 0}, a.ld))
-                    info = s + 1;
+        if constexpr (task == Task::solve) {
+            int suspicious = 0;
+            if (a.n > 0)
+                each_register(count, [&]<int width>(int, Int s) {
+                    suspicious |= signs(not_finite(reals(load<width>(a.b + s))));
+                });
+            if (suspicious != 0) info = first_zero_pivot(a, count, 1, a.ld);
+        }
         return info;
     }
 };
@@ -212,14 +221,7 @@ public:
             const Int from = s * a.ld;
             const TridiagonalSystems<T> part{
                 a.n, a.dl + from, a.d + from, a.du + from, task == Task::factor ? nullptr : a.b + from, a.ld};
-            Int zero = run_group<registers>(part, count, scratch);
-            if constexpr (task == Task::solve)
-                for (Int t = 0; t < count && zero == 0 && info == 0; ++t) {
-                    const Int at = t * a.ld;
-                    if (!is_finite(part.b[at]) &&
-                        has_zero_pivot<T>({a.n, part.dl + at, part.d + at, part.du + at, nullptr, 0}, 1))
-                        zero = t + 1;
-                }
+            const Int zero = run_group<registers>(part, count, scratch);
             if (info == 0 && zero != 0) info = s + zero;
         });
         return info;
@@ -308,7 +310,7 @@ private:
             }
         }
 
-        [[gnu::always_inline]] Int run(const TridiagonalSystems<T>& a, T* scratch)
+        [[gnu::always_inline]] Int run(const TridiagonalSystems<T>& a, Int count, T* scratch)
         {
             const Int n = a.n;
             Int i = 0;
@@ -325,9 +327,15 @@ private:
                     i -= square, up<square, true>(a, i, scratch);
                 for (; i % square != 0; --i) up<1, false>(a, i - 1, scratch);
                 for (; i > 0; i -= square) up<square, false>(a, i - square, scratch);
-            } else {
+            }
+            if constexpr (task == Task::factor)
                 for (int r = 0; r < registers; ++r)
                     if (signs(zero[r]) != 0) return r * lanes + first_lane<T>(zero[r]) + 1;
+            if constexpr (task == Task::solve) {
+                int suspicious = 0;
+#pragma GCC unroll 4
+                for (int r = 0; r < registers; ++r) suspicious |= signs(not_finite(reals(systems.row(a.b, r))));
+                if (suspicious != 0) return first_zero_pivot(a, count, a.ld, 1);
             }
             return 0;
         }
@@ -338,7 +346,7 @@ private:
     {
         const TridiagonalSystems<T> a = systems;
         Group<registers> group(a.ld, count); // here, so that it stays in registers
-        return group.run(a, scratch);
+        return group.run(a, count, scratch);
     }
 };
 

@@ -31,9 +31,8 @@ template <int order>
                                  Int ldc)
 {
     constexpr int lanes = Vec<T>::lanes, whole = order / lanes * lanes;
-    for_each_group<T, 1>(n, [&]<int registers>(Int j, Int count) {
-        const ColumnLanes<T, registers> columns(ldc, count);
-        T* const top = c + j * ldc;
+    const auto reflect_columns = [&](const ColumnLanes<T, 1>& columns, T* top) __attribute__((always_inline))
+    {
         Vec<T> x[order];
 #pragma GCC unroll 10
         for (int i = 0; i < whole; i += lanes) columns.square(top + i, 0, x + i);
@@ -44,7 +43,11 @@ template <int order>
         for (int i = 0; i < whole; i += lanes) columns.put_square(top + i, 0, x + i);
 #pragma GCC unroll 3
         for (int i = whole; i < order; ++i) columns.put_row(top + i, 0, x[i]);
-    });
+    };
+    const ColumnLanes<T, 1> full(ldc, lanes);
+    Int j = 0;
+    for (; j + lanes <= n; j += lanes) reflect_columns(full, c + j * ldc);
+    if (j < n) reflect_columns(ColumnLanes<T, 1>(ldc, n - j), c + j * ldc);
 }
 
 template <int order>

@@ -50,7 +50,8 @@ template <Pivot pivot, bool forward>
 void lasr(Int m, Int n, const R* c, const R* s, T* a, Int lda)
 {
     if (m < 2 || n < 1) return;
-    for_each_group<T, 4>(n, [&]<int registers>(Int j, Int count) {
+    constexpr int most = Vec<T>::lanes == 4 ? 4 : 6;
+    for_each_group<T, most>(n, [&]<int registers>(Int j, Int count) {
         Sequence<pivot, forward>{c, s}.template apply<registers>(m, count, a + j * lda, lda);
     });
 }
