@@ -139,7 +139,7 @@ inline void for_each_group(std::int64_t n, Body&& body)
     for (; n - j > (most - 1) * lanes; j += most * lanes)
         body.template operator()<most>(j, n - j < most * lanes ? n - j : most * lanes);
     if constexpr (most > 2)
-        if (n - j > lanes) {
+        while (n - j > lanes) {
             const std::int64_t count = n - j < 2 * lanes ? n - j : 2 * lanes;
             body.template operator()<2>(j, count);
             j += count;
