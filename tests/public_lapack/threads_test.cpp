@@ -71,7 +71,7 @@ TYPED_TEST_SUITE(LapackThreads, Precisions, PrecisionNames);
 
 TYPED_TEST(LapackThreads, NumberChangesNoBit)
 {
-    for (const std::int64_t n : {150, 321}) {
+    for (const std::int64_t n : {150, 433}) {
         ork_set_num_threads_local(1);
         const auto want = everything<TypeParam>(n);
         ork_set_parallel_backend(run_parts, nullptr);
