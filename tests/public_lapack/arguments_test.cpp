@@ -50,7 +50,6 @@ struct TableRow {
     std::string name;
     std::vector<Argument> arguments;
     std::function<void(void* routine, void** arguments)> call; // every argument is an address
-    std::size_t element_bytes;
 };
 
 const std::vector<TableRow>& table()
@@ -58,17 +57,14 @@ const std::vector<TableRow>& table()
     static const std::vector<TableRow> rows = [] {
         std::vector<TableRow> list;
         const auto add = [&]<class Row>(Row) {
-            list.push_back({Row::name,
-                            {std::begin(Row::arguments), std::end(Row::arguments)},
-                            [](void* routine, void** a) {
-                                [&]<std::size_t... i>(std::index_sequence<i...>)
-                                {
-                                    reinterpret_cast<void (*)(std::remove_reference_t<decltype(a[i])>...)>(routine)(
-                                        a[i]...);
-                                }
-                                (std::make_index_sequence<Row::count>());
-                            },
-                            sizeof(typename Row::Element)});
+            list.push_back(
+                {Row::name, {std::begin(Row::arguments), std::end(Row::arguments)}, [](void* routine, void** a) {
+                     [&]<std::size_t... i>(std::index_sequence<i...>)
+                     {
+                         reinterpret_cast<void (*)(std::remove_reference_t<decltype(a[i])>...)>(routine)(a[i]...);
+                     }
+                     (std::make_index_sequence<Row::count>());
+                 }});
         };
 #define ROUTINE(n, routine, ...) add(lapack::rows::routine());
 #define OWN_ROUTINE ROUTINE
