@@ -120,6 +120,17 @@ TEST_F(Tool, DemoShowsNothingOfAWrongComputation)
         }
 }
 
+TEST_F(Tool, DemoUpdatesKalmanFilters)
+{
+    const ChildResult run = ork({"demo", "kalman", "--checks"});
+    ASSERT_TRUE(run.ok()) << run.describe();
+    EXPECT_THAT(run.out, HasSubstr("held: residual of every system, packs by Cholesky"));
+    EXPECT_THAT(run.out, ContainsRegex("in packs, LU, packing included .* million systems a second"));
+    std::smatch outside;
+    ASSERT_TRUE(std::regex_search(run.out, outside, std::regex("([0-9.]+) % of the measurements fall outside")));
+    EXPECT_NEAR(std::stod(outside[1]), 5, 0.3);
+}
+
 TEST_F(Tool, DemoSolvesASystem)
 {
     const ChildResult run = ork({"demo", "system", "--checks"});
