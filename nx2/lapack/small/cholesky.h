@@ -48,6 +48,16 @@ inline Complex<R> quotient(Complex<R> a, R d)
     return a;
 }
 
+// The lanes of elements from `first` on.
+template <class T>
+inline Mask lanes_from(int first)
+{
+    if constexpr (sizeof(T) == 4)
+        return {_mm_setr_epi32(-(first <= 0), -(first <= 1), -(first <= 2), -(first <= 3))};
+    else
+        return {_mm_set_epi64x(-(first <= (sizeof(T) == 8 ? 1 : 0)), -(first <= 0))};
+}
+
 // Rows j .. j + columns - 1 of the columns from j on, which columns 0 .. j - 1 are done with; j is even.
 template <class T, int columns>
 class DiagonalSquare {
@@ -66,7 +76,7 @@ public:
         for (int q = 0; q < columns; ++q)
 #pragma GCC unroll 4
             for (int i = q; i < columns; ++i) x[i][q] = square[i + q * lda];
-        if constexpr (columns == 4)
+        if (columns == 4 && j > 0)
             subtract_before(j, l, lda, even, odd);
         else
             for (Int k = 0; k < j; k += 2) {
@@ -110,18 +120,16 @@ public:
     [[gnu::always_inline]] inline void subtract_before(Int j, const T* l, Int lda, R (&even)[columns],
                                                        R (&odd)[columns])
     {
-        constexpr int lanes = Vec<T>::lanes, registers = columns / lanes;
-        if (j == 0) return;
-        alignas(16) T kept[columns - 1][columns] = {}; // [column][row]
+        constexpr int lanes = Vec<T>::lanes, registers = (columns + lanes - 1) / lanes;
+        const T* square = l + j * lda;
         Vec<T> y[columns - 1][registers];
         Vec<R> sums[2][registers];
         const auto below = [](int q, int r) { return (r + 1) * lanes - 1 > q; };
 #pragma GCC unroll 4
         for (int q = 0; q + 1 < columns; ++q) {
 #pragma GCC unroll 4
-            for (int i = q + 1; i < columns; ++i) kept[q][i] = x[i][q];
-#pragma GCC unroll 4
-            for (int r = 0; r < registers; ++r) y[q][r] = load<lanes>(kept[q] + r * lanes);
+            for (int r = 0; r < registers; ++r)
+                y[q][r] = select(lanes_from<T>(q + 1 - r * lanes), load<lanes>(square + q * lda + r * lanes), Vec<T>{});
         }
 #pragma GCC unroll 4
         for (int r = 0; r < registers; ++r) sums[0][r] = sums[1][r] = broadcast(R(0));
@@ -141,9 +149,13 @@ public:
 #pragma GCC unroll 4
         for (int q = 0; q + 1 < columns; ++q) {
 #pragma GCC unroll 4
-            for (int r = 0; r < registers; ++r) store<lanes>(kept[q] + r * lanes, y[q][r]);
+            for (int r = 0; r < registers; ++r) {
+                alignas(16) T kept[lanes];
+                store<lanes>(kept, y[q][r]);
 #pragma GCC unroll 4
-            for (int i = q + 1; i < columns; ++i) x[i][q] = kept[q][i];
+                for (int i = 0; i < lanes; ++i)
+                    if (r * lanes + i > q) x[r * lanes + i][q] = kept[i];
+            }
         }
 #pragma GCC unroll 4
         for (int i = 0; i < columns; ++i) {
@@ -248,18 +260,8 @@ template <int columns, class T>
 
 // The lower triangle of a matrix of order n; info.
 template <class T>
-inline Int cholesky_lower(Int n, T* a, Int lda)
+[[gnu::noinline]] Int cholesky_blocks(Int n, T* a, Int lda)
 {
-    switch (n) {
-    case 1:
-        return columns_in_line<1>(1, 0, a, lda);
-    case 2:
-        return columns_in_line<2>(2, 0, a, lda);
-    case 3:
-        return columns_in_line<3>(3, 0, a, lda);
-    case 4:
-        return columns_in_line<4>(4, 0, a, lda);
-    }
     Int j = 0;
     for (; j + 4 <= n; j += 4)
         if (const Int failed = cholesky_columns<4>(n, j, a, lda)) return failed;
@@ -272,6 +274,39 @@ inline Int cholesky_lower(Int n, T* a, Int lda)
         return cholesky_columns<1>(n, j, a, lda);
     }
     return 0;
+}
+// Order 2, without what a loop over squares needs.
+template <class T>
+inline Int cholesky_two(T* a, Int lda)
+{
+    using R = Real<T>;
+    const R first = real_part(a[0]);
+    a[0] = T(first > 0 ? root(first) : first);
+    if (!(first > 0)) [[unlikely]]
+        return 1;
+    a[1] = quotient(a[1], real_part(a[0]));
+    const R second = real_part(a[lda + 1]) - squared_modulus(a[1]);
+    a[lda + 1] = T(second > 0 ? root(second) : second);
+    return second > 0 ? 0 : 2;
+}
+template <int n, class T>
+[[gnu::noinline]] Int cholesky_order(T* a, Int lda)
+{
+    return columns_in_line<n>(n, 0, a, lda);
+}
+template <class T>
+inline Int cholesky_lower(Int n, T* a, Int lda)
+{
+    switch (n) {
+    case 2:
+        return cholesky_two(a, lda);
+    case 3:
+        return cholesky_order<3>(a, lda);
+    case 4:
+        return cholesky_order<4>(a, lda);
+    default:
+        return cholesky_blocks(n, a, lda);
+    }
 }
 
 // The upper triangle: u(k, i) in the place of l(i, k), in scratch memory as far as that goes.

@@ -45,6 +45,10 @@ bool factor_square(Int n, T* a, Int lda, Int* ipiv, R safe, Int& info)
         ORDER(6)
         ORDER(7)
         ORDER(8)
+#if !ORK_KERNEL_COMPLEX // beyond, loops are as fast
+        ORDER(9)
+        ORDER(10)
+#endif
 #undef ORDER
     }
     return false;
