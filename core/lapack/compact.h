@@ -58,27 +58,45 @@ Int convert(const char* routine, Int layout, Int m, Int n, Pointer const* pointe
     return 0;
 }
 
+// The first matrix that failed, over all threads.
+class Failures {
+public:
+    // Looks at the last pivots of some packs that begin with matrix `begin`, from 0.
+    template <class T>
+    [[gnu::noinline]] void look(Int layout, Int m, Int n, const Part<T>* packs, Int lda, Int format, Int count,
+                                Int begin)
+    {
+        Int found;
+        kernels::pivots_compact_ps<T>(&layout, &m, &n, packs, &lda, &found, &format, &count);
+        if (found == 0) return;
+        found += begin;
+        Int known = first_.load(std::memory_order_relaxed);
+        while (found < known && !first_.compare_exchange_weak(known, found, std::memory_order_relaxed)) {
+        }
+    }
+    Int first(Int nmat) const
+    {
+        const Int first = first_.load(std::memory_order_relaxed);
+        return first <= nmat ? first : 0;
+    }
+
+private:
+    std::atomic<Int> first_ = std::numeric_limits<Int>::max();
+};
+
 // Runs factor(packs of a, how many matrices) on all shares and looks for the first matrix that failed.
 template <class T, class Factor>
 Int factorise(Int layout, Int m, Int n, double work, Part<T>* a, Int lda, const Batch<T>& batch, Factor&& factor)
 {
-    constexpr Int none = std::numeric_limits<Int>::max();
-    std::atomic<Int> failed = none;
+    Failures failures;
     const Int size = batch.size(lda, lines_of(layout, m, n));
     Division<T>(batch, work).run([&](Share share) {
         Part<T>* const packs = a + share.first * size;
         const Int count = share.packs * batch.width;
-        Int first;
         factor(packs, count);
-        kernels::pivots_compact_ps<T>(&layout, &m, &n, packs, &lda, &first, &batch.format, &count);
-        if (first == 0) return;
-        first += share.first * batch.width;
-        Int known = failed.load(std::memory_order_relaxed);
-        while (first < known && !failed.compare_exchange_weak(known, first, std::memory_order_relaxed)) {
-        }
+        failures.look<T>(layout, m, n, packs, lda, batch.format, count, share.first * batch.width);
     });
-    const Int first = failed.load(std::memory_order_relaxed);
-    return first <= batch.nmat ? first : 0;
+    return failures.first(batch.nmat);
 }
 
 inline double cube(Int m, Int n, Int k)
@@ -175,20 +193,23 @@ Int gemm(const char* routine, Int layout, char transa, char transb, Int m, Int n
     return 0;
 }
 
-// One triangular solve from the left after another, on as many packs at a time as stay in a near cache.
+// One triangular solve after another.
 struct Solve {
     char uplo, trans, diag;
 };
-template <class T, std::size_t steps>
+// On as many packs at a time as stay in a near cache, prepare(packs of a, how many matrices, the first of them) first.
+template <class T, std::size_t steps, class Prepare>
 void solve(const Solve (&solves)[steps], char side, Int layout, Int m, Int n, const T& alpha, const Part<T>* a, Int lda,
-           Part<T>* b, Int ldb, const Batch<T>& batch)
+           Part<T>* b, Int ldb, const Batch<T>& batch, double work, Prepare&& prepare)
 {
     const Int order = side == 'L' ? m : n;
     const Int size_a = batch.size(lda, order), size_b = batch.size(ldb, lines_of(layout, m, n));
     const Int near = std::max<Int>(1, (Int{1} << 17) / ((size_a + size_b + 1) * Int(sizeof(Part<T>))));
-    Division<T>(batch, static_cast<double>(steps) * cube(m, n, order) / 2).run([&](Share share) {
+    work += static_cast<double>(steps) * cube(m, n, order) / 2;
+    Division<T>(batch, work).run([&](Share share) {
         for (Int pack = share.first; pack < share.first + share.packs; pack += near) {
             const Int count = std::min(near, share.first + share.packs - pack) * batch.width;
+            prepare(pack * size_a, count, pack * batch.width);
             for (std::size_t i = 0; i < steps; ++i) {
                 const T factor = i == 0 ? alpha : T(1);
                 kernels::trsm_compact_ps<T>(&layout, &side, &solves[i].uplo, &solves[i].trans, &solves[i].diag, &m, &n,
@@ -198,6 +219,7 @@ void solve(const Solve (&solves)[steps], char side, Int layout, Int m, Int n, co
         }
     });
 }
+constexpr auto prepared = [](Int, Int, Int) {};
 
 template <class T>
 Int trsm(const char* routine, Int layout, char side, char uplo, char transa, char diag, Int m, Int n, const T& alpha,
@@ -210,7 +232,7 @@ Int trsm(const char* routine, Int layout, char side, char uplo, char transa, cha
     arguments.batch(13, format, nmat);
     if (const Int wrong = arguments.report(); wrong != 0) return wrong;
     const Solve once[] = {{uplo, transa, diag}};
-    solve<T>(once, side, layout, m, n, alpha, a, lda, b, ldb, Batch<T>(format, nmat));
+    solve<T>(once, side, layout, m, n, alpha, a, lda, b, ldb, Batch<T>(format, nmat), 0, prepared);
     return 0;
 }
 
@@ -225,7 +247,7 @@ Int getrsnp(const char* routine, Int layout, char trans, Int n, Int nrhs, const 
     const bool plain = (trans & ~0x20) == 'N';
     const Solve lower{'L', trans, 'U'}, upper{'U', trans, 'N'};
     const Solve both[] = {plain ? lower : upper, plain ? upper : lower};
-    solve<T>(both, 'L', layout, n, nrhs, T(1), a, lda, b, ldb, Batch<T>(format, nmat));
+    solve<T>(both, 'L', layout, n, nrhs, T(1), a, lda, b, ldb, Batch<T>(format, nmat), 0, prepared);
     return 0;
 }
 
@@ -239,8 +261,47 @@ Int potrs(const char* routine, Int layout, char uplo, Int n, Int nrhs, const Par
     if (const Int wrong = arguments.report(); wrong != 0) return wrong;
     const bool upper = (uplo & ~0x20) == 'U';
     const Solve both[] = {{uplo, upper ? 'C' : 'N', 'N'}, {uplo, upper ? 'N' : 'C', 'N'}};
-    solve<T>(both, 'L', layout, n, nrhs, T(1), a, lda, b, ldb, Batch<T>(format, nmat));
+    solve<T>(both, 'L', layout, n, nrhs, T(1), a, lda, b, ldb, Batch<T>(format, nmat), 0, prepared);
     return 0;
+}
+
+template <class T>
+Int gesvnp(const char* routine, Int layout, Int n, Int nrhs, Part<T>* a, Int lda, Part<T>* b, Int ldb, Int format,
+           Int nmat)
+{
+    Arguments arguments(routine, layout);
+    arguments.size(2, n).size(3, nrhs).lead(5, lda, n).lead(7, ldb, length_of(layout, n, nrhs));
+    arguments.batch(8, format, nmat);
+    if (const Int wrong = arguments.report(); wrong != 0) return wrong;
+    Failures failures;
+    const Solve both[] = {{'L', 'N', 'U'}, {'U', 'N', 'N'}};
+    solve<T>(both, 'L', layout, n, nrhs, T(1), a, lda, b, ldb, Batch<T>(format, nmat), cube(n, n, n) / 2,
+             [&](Int place, Int count, Int begin) {
+                 Int info;
+                 kernels::getrfnp_compact_ps<T>(&layout, &n, &n, a + place, &lda, &info, &format, &count);
+                 failures.look<T>(layout, n, n, a + place, lda, format, count, begin);
+             });
+    return failures.first(nmat);
+}
+
+template <class T>
+Int posv(const char* routine, Int layout, char uplo, Int n, Int nrhs, Part<T>* a, Int lda, Part<T>* b, Int ldb,
+         Int format, Int nmat)
+{
+    Arguments arguments(routine, layout);
+    arguments.letter(2, uplo, "UL").size(3, n).size(4, nrhs).lead(6, lda, n).lead(8, ldb, length_of(layout, n, nrhs));
+    arguments.batch(9, format, nmat);
+    if (const Int wrong = arguments.report(); wrong != 0) return wrong;
+    Failures failures;
+    const bool upper = (uplo & ~0x20) == 'U';
+    const Solve both[] = {{uplo, upper ? 'C' : 'N', 'N'}, {uplo, upper ? 'N' : 'C', 'N'}};
+    solve<T>(both, 'L', layout, n, nrhs, T(1), a, lda, b, ldb, Batch<T>(format, nmat), cube(n, n, n) / 4,
+             [&](Int place, Int count, Int begin) {
+                 Int info;
+                 kernels::potrf_compact_ps<T>(&layout, &uplo, &n, a + place, &lda, &info, &format, &count);
+                 failures.look<T>(layout, n, n, a + place, lda, format, count, begin);
+             });
+    return failures.first(nmat);
 }
 
 } // namespace ork::lapack::compact

@@ -7,8 +7,7 @@
        double* b = aligned_alloc(64, ork_compact_dsize(n, 1, format, count));   // right-hand sides
        ork_compact_dpack_strided(ORK_COMPACT_COLUMNS, n, n, matrices, n, n * n, a, n, format, count);
        ork_compact_dpack_strided(ORK_COMPACT_COLUMNS, n, 1, vectors, n, n, b, n, format, count);
-       int64_t failed = ork_compact_dgetrfnp(ORK_COMPACT_COLUMNS, n, n, a, n, format, count);
-       if (failed == 0) ork_compact_dgetrsnp(ORK_COMPACT_COLUMNS, 'N', n, 1, a, n, b, n, format, count);
+       int64_t failed = ork_compact_dgesvnp(ORK_COMPACT_COLUMNS, n, 1, a, n, b, n, format, count);
        ork_compact_dunpack_strided(ORK_COMPACT_COLUMNS, n, 1, vectors, n, n, b, n, format, count);
 
    NAMES. ork_compact_<p><routine>, p: s float, d double, c ork_complex_float, z ork_complex_double. Integers and letters
@@ -23,7 +22,7 @@
 
    RESULTS. 0: done. -i: argument i is illegal; that is reported once through xerbla_ (ork/blas.h), and nothing is
    touched. ORK_COMPACT_NO_MEMORY: nothing is touched. Factorisations do not stop at a pivot that can't be used (zero, or
-   for potrf not positive), nor do they look for rows to exchange: getrfnp and potrf give the number, from 1, of the
+   for potrf not positive), nor do they look for rows to exchange: getrfnp, potrf, gesvnp and posv give the number, from 1, of the
    first matrix that has none in its last place, where infinities and NaN end up. The others are factorised, whatever
    stands beside them, and the pivots on the diagonal tell which failed: the last is zero, infinite or NaN.
 

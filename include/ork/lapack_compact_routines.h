@@ -33,6 +33,12 @@ int64_t ORK_COMPACT(potrf)(int64_t layout, char uplo, int64_t n, ORK_REAL* a, in
 int64_t ORK_COMPACT(potrs)(int64_t layout, char uplo, int64_t n, int64_t nrhs, const ORK_REAL* a, int64_t lda,
                            ORK_REAL* b, int64_t ldb, int64_t format, int64_t nmat);
 
+/* Both at once, which reads memory once: the factors and, in B, A^-1 B. */
+int64_t ORK_COMPACT(gesvnp)(int64_t layout, int64_t n, int64_t nrhs, ORK_REAL* a, int64_t lda, ORK_REAL* b, int64_t ldb,
+                            int64_t format, int64_t nmat);
+int64_t ORK_COMPACT(posv)(int64_t layout, char uplo, int64_t n, int64_t nrhs, ORK_REAL* a, int64_t lda, ORK_REAL* b,
+                          int64_t ldb, int64_t format, int64_t nmat);
+
 /* A = Q R as LAPACK's geqrf has it; tau: packs of min(m, n) elements, of ork_compact_<p>size(min(m, n), 1, ...). */
 int64_t ORK_COMPACT(geqrf)(int64_t layout, int64_t m, int64_t n, ORK_REAL* a, int64_t lda, ORK_REAL* tau,
                            int64_t format, int64_t nmat);

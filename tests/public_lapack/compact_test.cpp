@@ -135,8 +135,19 @@ TYPED_TEST(PublicCompact, SolvesAnyNumberOfSystems)
                     x = packed<T>(c, b, 3);
                     EXPECT_EQ(COMPACT(potrf)(layout, uplo, n, factor.data(), n, c.format, count), 0);
                     EXPECT_EQ(COMPACT(potrs)(layout, uplo, n, 3, factor.data(), n, x.data(), ldb, c.format, count), 0);
-                    EXPECT_LE(residual(c, a, unpacked<T>(c, x, 3), b), 10 * static_cast<double>(n));
+                    const auto solution = unpacked<T>(c, x, 3);
+                    EXPECT_LE(residual(c, a, solution, b), 10 * static_cast<double>(n));
+
+                    factor = packed<T>(c, a, n); // the same at once
+                    x = packed<T>(c, b, 3);
+                    EXPECT_EQ(COMPACT(posv)(layout, uplo, n, 3, factor.data(), n, x.data(), ldb, c.format, count), 0);
+                    EXPECT_EQ(unpacked<T>(c, x, 3), solution);
                 }
+                auto factor = packed<T>(c, a, n);
+                x = packed<T>(c, b, 3);
+                EXPECT_EQ(COMPACT(gesvnp)(layout, n, 3, factor.data(), n, x.data(), ldb, c.format, count), 0);
+                EXPECT_EQ(factor, lu);
+                EXPECT_LE(residual(c, a, unpacked<T>(c, x, 3), b), 10 * static_cast<double>(n));
 
                 // X = A^-1 B by the inverse
                 EXPECT_EQ(COMPACT(getrinp)(layout, n, lu.data(), n, c.format, count), 0);
@@ -183,6 +194,9 @@ TYPED_TEST(PublicCompact, NamesTheFirstMatrixWithoutAUsableLastPivot)
     EXPECT_EQ(COMPACT(potrf)(c.layout, 'L', n, p.data(), n, c.format, count), 1235);
     p = packed<T>(c, a, n);
     EXPECT_EQ(COMPACT(getrfnp)(c.layout, n, n, p.data(), n, c.format, 1234), 0);
+    auto x = packed<T>(c, a, n);
+    p = x;
+    EXPECT_EQ(COMPACT(gesvnp)(c.layout, n, n, p.data(), n, x.data(), n, c.format, count), 1235);
 }
 
 TYPED_TEST(PublicCompact, BitsDoNotDependOnThreads)
@@ -245,6 +259,8 @@ TYPED_TEST(PublicCompact, IllegalArgumentsAreReportedOnceByPosition)
     expect(COMPACT(getrsnp)(columns, 'N', 2, 1, x, 2, y, 1, 181, 1), "getrsnp", 8);
     expect(COMPACT(potrf)(columns, 'N', 2, x, 2, 181, 1), "potrf", 2);
     expect(COMPACT(potrs)(columns, 'U', 2, -1, x, 2, y, 2, 181, 1), "potrs", 4);
+    expect(COMPACT(gesvnp)(rows, 2, 3, x, 2, y, 2, 181, 1), "gesvnp", 7);
+    expect(COMPACT(posv)(columns, 'U', 2, 1, x, 2, y, 2, 180, 1), "posv", 9);
     expect(COMPACT(geqrf)(columns, 2, 2, x, 1, y, 181, 1), "geqrf", 5);
     expect(COMPACT(gemm)(columns, 'N', 'q', 2, 2, 2, s, x, 2, y, 2, s, z, 2, 181, 1), "gemm", 3);
     expect(COMPACT(gemm)(columns, 'T', 'N', 2, 2, 3, s, x, 2, y, 3, s, z, 2, 181, 1), "gemm", 9);

@@ -158,13 +158,12 @@ public:
     }
     void solve()
     {
-        if (cholesky_) {
-            require(ork_compact_dpotrf(columns, 'L', order, a_.data(), order, format_, vehicles), "potrf");
-            ork_compact_dpotrs(columns, 'L', order, 1, a_.data(), order, b_.data(), order, format_, vehicles);
-        } else {
-            require(ork_compact_dgetrfnp(columns, order, order, a_.data(), order, format_, vehicles), "getrfnp");
-            ork_compact_dgetrsnp(columns, 'N', order, 1, a_.data(), order, b_.data(), order, format_, vehicles);
-        }
+        if (cholesky_)
+            require(ork_compact_dposv(columns, 'L', order, 1, a_.data(), order, b_.data(), order, format_, vehicles),
+                    "posv");
+        else
+            require(ork_compact_dgesvnp(columns, order, 1, a_.data(), order, b_.data(), order, format_, vehicles),
+                    "gesvnp");
     }
     void unpack(Numbers& w)
     {
