@@ -19,22 +19,47 @@ void scale(const Matrix<Real<T>>& b, Int m, Int n, T alpha)
         }
 }
 
-// x u = b: the rows of x are right-hand sides.
+// Of the diagonal of u, conjugated if asked, one behind the other.
+template <class T, bool conjugate, int size>
+inline void keep_reciprocals(const Matrix<const Real<T>>& u, Real<T>* to)
+{
+    constexpr int lanes = Vec<Real<T>>::lanes, parts = is_complex<T> ? 2 : 1;
+    for (int c = 0; c < size; ++c, to += parts * lanes) {
+        Lanes<T> q = reciprocal(Lanes<T>::at(u, c, c));
+        if constexpr (conjugate) q.im = negated(q.im);
+        q.put(to, lanes);
+    }
+}
+
+// x u = b of an order so small that a right-hand side, a row of x, stays in registers: one after the other.
+template <class T, bool conjugate, bool unit, int order>
+void solve_whole(const Matrix<Real<T>>* x, const Matrix<const Real<T>>* u, int count, Int rows)
+{
+    using R = Real<T>;
+    constexpr int lanes = Vec<R>::lanes, parts = is_complex<T> ? 2 : 1;
+    R reciprocals[slices_together][order][parts * lanes];
+    if constexpr (!unit)
+        for (int g = 0; g < count; ++g) keep_reciprocals<T, conjugate, order>(u[g], reciprocals[g][0]);
+    for (Int i = 0; i < rows; ++i)
+        for (int g = 0; g < count; ++g)
+            solve<T, conjugate, unit ? Diagonal::unit : Diagonal::reciprocal, 1, order>(
+                x[g].from(i, 0), u[g], 0, {reciprocals[g][0], parts * lanes, lanes});
+}
+
+// Of any order.
 template <class T, bool conjugate, bool unit>
 void solve_all(const Matrix<Real<T>>* x, const Matrix<const Real<T>>* u, int count, Int rows, Int order)
 {
     using R = Real<T>;
     constexpr int side = edge<T>, lanes = Vec<R>::lanes, parts = is_complex<T> ? 2 : 1;
     constexpr Diagonal diagonal = unit ? Diagonal::unit : Diagonal::reciprocal;
+    constexpr int whole = is_complex<T> ? 4 : 8;
+    if (rows < 3 && order <= whole)
+        return with_size<whole>(order, [&]<int size>() { solve_whole<T, conjugate, unit, size>(x, u, count, rows); });
     in_tiles<side>(0, order, [&]<int size>(Int j) {
         R reciprocals[slices_together][side][parts * lanes];
         if constexpr (!unit)
-            for (int g = 0; g < count; ++g)
-                for (int c = 0; c < size; ++c) {
-                    Lanes<T> q = reciprocal(Lanes<T>::at(u[g], j + c, j + c));
-                    if constexpr (conjugate) q.im = negated(q.im);
-                    q.put(reciprocals[g][c], lanes);
-                }
+            for (int g = 0; g < count; ++g) keep_reciprocals<T, conjugate, size>(u[g].from(j, j), reciprocals[g][0]);
         in_tiles<side>(0, rows, [&]<int height>(Int i) {
             for (int g = 0; g < count; ++g)
                 solve<T, conjugate, diagonal, height, size>(x[g].from(i, 0), u[g].from(0, j), j,
