@@ -200,6 +200,16 @@ Library core_library()
                    Kind::subject, handle ? handle : RTLD_DEFAULT);
 }
 
+void* lapack_kernel(const std::string& name)
+{
+    if (ork_initialize() != ORK_OK) return nullptr;
+    void* library = dlopen(ork_kernel_library(), RTLD_LAZY | RTLD_NOLOAD);
+    if (library == nullptr) return nullptr;
+    void* routine = dlsym(library, ("ork_lapack_ps_nx2_" + name).c_str());
+    dlclose(library);
+    return routine;
+}
+
 Library open_library(const std::string& file)
 {
     void* handle = dlopen(fs::absolute(file).c_str(), can_isolate ? isolated : RTLD_NOW | RTLD_LOCAL);

@@ -30,6 +30,9 @@ struct Library {
 // libork_core as this program is linked with it.
 Library core_library();
 
+// ork_lapack_ps_<tag>_<name> of the kernel library that the core has loaded, null when it has none.
+void* lapack_kernel(const std::string& name);
+
 // Every peer for BLAS that could be found, opened and shown to use the kernels it was asked for. Call it before any
 // thread is started: kernel sets are chosen by environment variables, which are put back afterwards, and one candidate
 // is tried in a child process first. `notes` says why a candidate is missing.

@@ -1,25 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Rotations, reflectors and tridiagonal systems against plain loops and the LAPACK of the peers.
 #include <algorithm>
-#include <dlfcn.h>
 #include <fmt/format.h>
 
 #include "bench/family.h"
-#include "ork/ork.h"
 #include "peers/blocks.h"
 
 namespace ork::tool::bench {
 namespace {
-
-void* kernel(const std::string& name)
-{
-    if (ork_initialize() != ORK_OK) return nullptr;
-    void* library = dlopen(ork_kernel_library(), RTLD_LAZY | RTLD_NOLOAD);
-    if (library == nullptr) return nullptr;
-    void* routine = dlsym(library, ("ork_lapack_ps_nx2_" + name).c_str());
-    dlclose(library);
-    return routine;
-}
 
 // The libraries that have LAPACK, ork's kernels, the plain loops.
 std::vector<peers::Library> contenders(const std::vector<peers::Library>& libraries, const std::string& kernel_name)
@@ -27,7 +15,7 @@ std::vector<peers::Library> contenders(const std::vector<peers::Library>& librar
     std::vector<peers::Library> result;
     for (peers::Library library : libraries) {
         if (library.kind == peers::Kind::subject)
-            library.find = [kernel_name](const char*) { return kernel(kernel_name); };
+            library.find = [kernel_name](const char*) { return peers::lapack_kernel(kernel_name); };
         result.push_back(library);
     }
     const char* names[] = {"plain", "plain-2"};

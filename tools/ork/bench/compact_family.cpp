@@ -2,11 +2,9 @@
 // Ten thousand matrices at a time: packs against one after the other, by the kernels for one matrix, Eigen and plain
 // loops.
 #include <algorithm>
-#include <dlfcn.h>
 #include <memory>
 
 #include "bench/family.h"
-#include "ork/ork.h"
 #include "peers/compact.h"
 #include "peers/lapack.h"
 
@@ -14,16 +12,6 @@ namespace ork::tool::bench {
 namespace {
 
 constexpr int matrices = 10000;
-
-void* kernel(const std::string& routine)
-{
-    if (ork_initialize() != ORK_OK) return nullptr;
-    void* library = dlopen(ork_kernel_library(), RTLD_LAZY | RTLD_NOLOAD);
-    if (library == nullptr) return nullptr;
-    void* symbol = dlsym(library, ("ork_lapack_ps_nx2_" + routine + "_small").c_str());
-    dlclose(library);
-    return symbol;
-}
 
 std::vector<peers::Library> ways(const std::vector<peers::Library>& libraries, const peers::CompactCase& c)
 {
@@ -38,7 +26,7 @@ std::vector<peers::Library> ways(const std::vector<peers::Library>& libraries, c
         result.push_back(library);
     };
     add("ork", peers::Kind::subject, Call::packs, nullptr);
-    add("one-by-one", peers::Kind::peer, Call::plain, kernel(c.routine));
+    add("one-by-one", peers::Kind::peer, Call::plain, peers::lapack_kernel(c.routine + "_small"));
     add("plain", peers::Kind::peer, Call::plain, peers::plain_factorisation(c.routine));
     const bool lu = c.routine.ends_with("getrfnp");
     const std::string symbol = lu ? c.routine.substr(0, 1) + "getrf_" : c.routine + "_";

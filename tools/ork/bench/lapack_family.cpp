@@ -1,31 +1,18 @@
 // SPDX-License-Identifier: MIT
 // Small matrices factored one by one: the kernels against LAPACK of the peers and Eigen's decompositions.
-#include <dlfcn.h>
-
 #include "bench/family.h"
-#include "ork/ork.h"
 #include "peers/lapack.h"
 
 namespace ork::tool::bench {
 namespace {
-
-// dgetrf_ -> the kernel dgetrf_small of the kernel library that the core has loaded.
-void* kernel(const std::string& symbol)
-{
-    if (ork_initialize() != ORK_OK) return nullptr;
-    void* library = dlopen(ork_kernel_library(), RTLD_LAZY | RTLD_NOLOAD);
-    if (library == nullptr) return nullptr;
-    void* routine = dlsym(library, ("ork_lapack_ps_nx2_" + symbol + "small").c_str());
-    dlclose(library);
-    return routine;
-}
 
 // The same libraries where their LAPACK is found, Eigen twice.
 std::vector<peers::Library> with_lapack(const std::vector<peers::Library>& libraries, int order)
 {
     std::vector<peers::Library> result;
     for (peers::Library library : libraries) {
-        if (library.kind == peers::Kind::subject) library.find = [](const char* symbol) { return kernel(symbol); };
+        if (library.kind == peers::Kind::subject)
+            library.find = [](const char* symbol) { return peers::lapack_kernel(std::string(symbol) + "small"); };
         if (library.name == "Eigen") {
             library.find = [](const char* symbol) { return peers::eigen_lapack_symbol(symbol, 0); };
             result.push_back(library);
