@@ -14,7 +14,7 @@ namespace {
 template <class T>
 Int factor(char uplo, Int n, Matrix<T> a)
 {
-    if (n <= small_cholesky) {
+    if (n <= small_cholesky<T>) {
         Int info = 0;
         kernels::potrf_small<T>(&uplo, &n, a.data, &a.lead, &info);
         return info;
