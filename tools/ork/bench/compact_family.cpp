@@ -3,6 +3,7 @@
 // loops.
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 #include "bench/family.h"
 #include "peers/compact.h"
@@ -58,8 +59,13 @@ std::vector<Case> compact_cases(const Selection& selection)
             if (std::find(known.begin(), known.end(), routine) == known.end() || !shape.square()) continue;
             const peers::CompactCase c{routine, shape.n, matrices};
             cases.push_back(
-                {routine, "10000 matrices", shape.label(), static_cast<double>(shape.n),
-                 [c](const auto& libraries) { return contest(peers::make_compact(c), ways(libraries, c)); }});
+                {routine, "10000 matrices", shape.label(), static_cast<double>(shape.n), [c](const auto& libraries) {
+                     const auto contenders = ways(libraries, c); // their ways live as long as the contest
+                     Contest result = contest(peers::make_compact(c), contenders);
+                     result.operands = std::make_shared<std::pair<std::shared_ptr<void>, std::vector<peers::Library>>>(
+                         result.operands, contenders);
+                     return result;
+                 }});
         }
     return cases;
 }
