@@ -64,7 +64,9 @@ void factor(const Shape& shape, bool upper, Int n, Real<T>* data, Int lda)
     if (n <= 0) return;
     const auto array = shape.array<T>(data, lda, n, n);
     const bool along_rows = shape.rows() != upper; // of the lower triangle
-    constexpr int smallest = is_complex<T> ? 3 : 5, side = edge<T>;
+    // Each column of a tile waits for the quotients of the one before, so tiles are narrow, and tall: up to a tenth
+    // faster than squares.
+    constexpr int smallest = is_complex<T> ? 3 : 5, side = 2, height = is_complex<T> ? 2 : 6;
     if (n <= smallest)
         return with_size<smallest>(n, [&]<int order>() {
             one_by_one<T>(shape, upper, array, [](const Matrix<R>& a) { factor_corner<T, order>(a, 0); });
@@ -79,7 +81,7 @@ void factor(const Shape& shape, bool upper, Int n, Real<T>* data, Int lda)
                     array, group, j, j + size, [=](Int line) { return along_rows ? 0 : line; },
                     [=](Int line) { return along_rows ? line + 1 : n; });
             for (int g = 0; g < count; ++g) factor_corner<T, size>(a[g].from(j, 0), j);
-            in_tiles<side>(j + size, n, [&]<int rows>(Int i) {
+            in_tiles<height>(j + size, n, [&]<int rows>(Int i) {
                 for (int g = 0; g < count; ++g) {
                     const Matrix<R> block = a[g].from(j, 0);
                     solve<T, true, Diagonal::divisor, rows, size>(
