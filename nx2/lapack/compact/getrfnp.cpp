@@ -28,6 +28,7 @@ struct Factors {
     int count;
     Matrix<R> a[slices_together];
     Reciprocals pivots[slices_together];
+    Ahead ahead;
 
     template <int size>
     void diagonal(Int j)
@@ -39,6 +40,7 @@ struct Factors {
             t.template subtract<false>(a[g].from(j, 0), a[g].from(0, j), j);
             t.factor(j + size < m, [&](int c, Lanes<T> q) { q.put(pivots[g].x[c][0], lanes); });
             t.put(corner);
+            ahead.step();
         }
     }
     // L below and U beside the block of columns from j on.
@@ -46,14 +48,18 @@ struct Factors {
     void beside(Int j)
     {
         in_tiles<side>(j + size, m, [&]<int rows>(Int i) {
-            for (int g = 0; g < count; ++g)
+            for (int g = 0; g < count; ++g) {
                 solve<T, false, Diagonal::reciprocal, rows, size>(a[g].from(i, 0), a[g].from(0, j), j,
                                                                   pivots[g].ends());
+                ahead.step();
+            }
         });
         in_tiles<side>(j + size, n, [&]<int columns>(Int k) {
-            for (int g = 0; g < count; ++g)
+            for (int g = 0; g < count; ++g) {
                 solve<T, false, Diagonal::unit, columns, size>(a[g].from(0, k).transposed(),
                                                                a[g].from(j, 0).transposed(), j, {});
+                ahead.step();
+            }
         });
     }
 };
@@ -66,17 +72,13 @@ void factor(const Shape& shape, Int m, Int n, Real<T>* data, Int lda)
     constexpr int smallest = is_complex<T> ? 3 : 5; // what still gains from being one tile, though it overflows
     if (m == n && n <= smallest)
         return with_size<smallest>(n, [&]<int order>() { one_by_one<T>(shape, false, array, factor_whole<T, order>); });
-    const Int least = m < n ? m : n, lines = shape.rows() ? m : n, length = shape.rows() ? n : m;
+    const Int least = m < n ? m : n;
     in_groups<T>(shape, m * n, [&](const Group& group) {
-        Factors<T> f;
-        f.m = m, f.n = n, f.count = group.count;
+        const Int blocks = (least + edge<T> - 1) / edge<T>;
+        Factors<T> f{m, n, group.count, {}, {}, {array, group, blocks * blocks * group.count}};
         for (int g = 0; g < f.count; ++g)
             f.a[g] = array.matrix(group.slices[g].pack, group.slices[g].lane, shape.rows());
         in_tiles<edge<T>>(0, least, [&]<int size>(Int j) {
-            if (group.next_packs > 0)
-                fetch(
-                    array, group, j, j + size < least ? j + size : lines, [](Int) { return Int{}; },
-                    [=](Int) { return length; });
             f.template diagonal<size>(j);
             f.template beside<size>(j);
         });

@@ -90,6 +90,27 @@ template <class T, class R, class Begin, class Stop>
         }
 }
 
+// The same a few lines of the cache at a time, between tiles: more at once than the processor keeps track of hold up
+// the loads of the work itself.
+struct Ahead {
+    const char *at = nullptr, *end = nullptr;
+    Int lines = 0;
+
+    // Of the next group, in about `steps` steps.
+    template <class T, class R>
+    Ahead(const compact::Packs<T, R>& array, const Group& g, Int steps)
+    {
+        if (g.next_packs <= 0) return;
+        const Int bytes = array.pack_size() * Int(sizeof(R));
+        at = reinterpret_cast<const char*>(array.data) + g.next_pack * bytes, end = at + g.next_packs * bytes;
+        lines = (end - at) / 64 / steps + 1;
+    }
+    [[gnu::always_inline]] inline void step()
+    {
+        for (Int k = 0; k < lines && at < end; ++k, at += 64) asm volatile("prefetcht0 %0" : : "m"(*at));
+    }
+};
+
 // work(matrix) for all slices of one array in order, transposed if asked.
 template <class T, class Work>
 void one_by_one(const Shape& shape, bool transposed, const compact::Packs<T, Real<T>>& array, Work&& work)
