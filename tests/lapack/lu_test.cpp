@@ -56,16 +56,20 @@ TYPED_TEST(Lu, PivotsInfoAndBitsAreThoseOfThePlainRules)
             }
 }
 
-TYPED_TEST(Lu, TheSafeMinimumIsAskedOfTheCore)
+TYPED_TEST(Lu, TheSafeMinimumIsAskedOfTheCoreByWhatMayDivide)
 {
     using T = TypeParam;
     const auto kernel = KERNEL(getrf_small);
-    const Int n = 9;
+    ASSERT_TRUE(kernel);
     Int ipiv[9], info;
     Random random;
-    Stored<T> a(n, n, n, Guard::end, [&](Int, Int) { return random.uniform<T>(); });
-    kernel(&n, &n, a.a.data(), &n, ipiv, &info);
-    EXPECT_EQ(fake_core().lamch_queries, 1);
+    int calls = 0;
+    for (const Int n : {1, 2, 7, 8, 9}) {
+        Stored<T> a(n, n, n, Guard::end, [&](Int, Int) { return random.uniform<T>(); });
+        kernel(&n, &n, a.a.data(), &n, ipiv, &info);
+        if (n > 1) ++calls;
+        EXPECT_EQ(fake_core().lamch_queries, calls) << "order " << n;
+    }
 }
 
 // What holds for the residual of a backward stable solution: a small multiple of order, unit and norms.

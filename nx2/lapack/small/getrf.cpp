@@ -32,10 +32,6 @@ Int factor_any(Int m, Int n, T* a, Int lda, Int* ipiv, R safe)
 bool factor_square(Int n, T* a, Int lda, Int* ipiv, R safe, Int& info)
 {
     switch (n) {
-    case 1:
-        ipiv[0] = 1;
-        info = a[0] == T{};
-        return true;
 #define ORDER(n)                                                                                                       \
     case n:                                                                                                            \
         return factor_order<n, (n <= 7)>(a, lda, ipiv, safe, info);
@@ -60,6 +56,11 @@ ORK_LAPACK_EXPORT(getrf_small)(const Int* m, const Int* n, T* a, const Int* lda,
 {
     *info = 0;
     if (*m <= 0 || *n <= 0) return;
+    if (*m == 1 && *n == 1) {
+        ipiv[0] = 1;
+        *info = a[0] == T{};
+        return;
+    }
     const R safe = safe_minimum<R>();
     if (*m == 2 && *n == 2) {
         *info = factor_two(a, *lda, ipiv);
