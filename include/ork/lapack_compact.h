@@ -10,21 +10,22 @@
        int64_t failed = ork_compact_dgesvnp(ORK_COMPACT_COLUMNS, n, 1, a, n, b, n, format, count);
        ork_compact_dunpack_strided(ORK_COMPACT_COLUMNS, n, 1, vectors, n, n, b, n, format, count);
 
-   NAMES. ork_compact_<p><routine>, p: s float, d double, c ork_complex_float, z ork_complex_double. Integers and letters
-   are values, and so are real scalars; complex ones are addresses.
+   NAMES. ork_compact_<p><routine>, p: s float, d double, c ork_complex_float, z ork_complex_double. Integers and
+   letters are values, and so are real scalars; complex ones are addresses.
 
    PACKS. A pack holds w matrices: 16, 32 or 64 bytes of real numbers by its format, 181, 182 or 183, so w is 2, 4, 8 in
    d and z, 4, 8, 16 in s and c. Element (i, j) of its matrices stands in w adjacent places, of a complex one w real
    parts before w imaginary ones. Elements follow by columns or by rows, lines (columns or rows) ld elements apart. The
-   last pack need not be full: packing fills it with identity matrices, whose places are computed with and ignored. Packs
-   may also be filled by the caller; then the places beyond the last matrix must hold numbers. Arrays of packs may stand
-   anywhere; on a multiple of 64 they are fastest.
+   last pack need not be full: packing fills it with identity matrices, whose places are computed with and ignored.
+   Packs may also be filled by the caller; then the places beyond the last matrix must hold numbers. Arrays of packs may
+   stand anywhere; on a multiple of 64 they are fastest.
 
    RESULTS. 0: done. -i: argument i is illegal; that is reported once through xerbla_ (ork/blas.h), and nothing is
-   touched. ORK_COMPACT_NO_MEMORY: nothing is touched. Factorisations do not stop at a pivot that can't be used (zero, or
-   for potrf not positive), nor do they look for rows to exchange: getrfnp, potrf, gesvnp and posv give the number, from 1, of the
-   first matrix that has none in its last place, where infinities and NaN end up. The others are factorised, whatever
-   stands beside them, and the pivots on the diagonal tell which failed: the last is zero, infinite or NaN.
+   touched. ORK_COMPACT_NO_MEMORY: nothing is touched. Factorisations do not stop at a pivot that can't be used (zero,
+   or for potrf not positive), nor do they look for rows to exchange: getrfnp, potrf, gesvnp and posv give the number,
+   from 1, of the first matrix that has none in its last place, where infinities and NaN end up. The others are
+   factorised, whatever stands beside them, and the pivots on the diagonal tell which failed: the last is zero, infinite
+   or NaN.
 
    BITS. A matrix gives the same bits in every format, place and number of threads. */
 #ifndef ORK_LAPACK_COMPACT_H

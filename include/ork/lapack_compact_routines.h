@@ -47,7 +47,8 @@ int64_t ORK_COMPACT(geqrf)(int64_t layout, int64_t m, int64_t n, ORK_REAL* a, in
 int64_t ORK_COMPACT(gemm)(int64_t layout, char transa, char transb, int64_t m, int64_t n, int64_t k, ORK_SCALAR alpha,
                           const ORK_REAL* a, int64_t lda, const ORK_REAL* b, int64_t ldb, ORK_SCALAR beta, ORK_REAL* c,
                           int64_t ldc, int64_t format, int64_t nmat);
-/* B <- alpha op(A)^-1 B (side L) or alpha B op(A)^-1 (R), B m x n, A the triangle uplo; diag U: with a unit diagonal. */
+/* B <- alpha op(A)^-1 B (side L) or alpha B op(A)^-1 (R), B m x n, A the triangle uplo; diag U: with a unit diagonal.
+ */
 int64_t ORK_COMPACT(trsm)(int64_t layout, char side, char uplo, char transa, char diag, int64_t m, int64_t n,
                           ORK_SCALAR alpha, const ORK_REAL* a, int64_t lda, ORK_REAL* b, int64_t ldb, int64_t format,
                           int64_t nmat);

@@ -52,8 +52,8 @@ IMPORT(ork_blas_dgemv)
 IMPORT(ork_blas_cgemv)
 IMPORT(ork_blas_zgemv)
 
-// The safe minimum, which decides whether a pivot's reciprocal may be used; what the processor has, which decides whether
-// compact matrices are in its own format
+// The safe minimum, which decides whether a pivot's reciprocal may be used; what the processor has, which decides
+// whether compact matrices are in its own format
 IMPORT(ork_lapack_slamch)
 IMPORT(ork_lapack_dlamch)
 IMPORT(ork_serv_cpu_detect)

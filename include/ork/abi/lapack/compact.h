@@ -1,20 +1,20 @@
 /* SPDX-License-Identifier: MIT */
 // Many matrices of one size side by side: see ork/abi/lapack.h for what holds for all.
 //
-// Compact layout. The matrices stand in packs of w; within a pack, element (i, j) of all w matrices stands in w adjacent
-// places. A complex element is w real parts, then w imaginary ones. Elements of a pack follow by columns (layout 102) or
-// by rows (layout 101), lines lda elements apart, packs lda * n elements apart by columns and lda * m by rows (n by n:
-// lda * n). A format says how many bytes the w numbers of one part take:
+// Compact layout. The matrices stand in packs of w; within a pack, element (i, j) of all w matrices stands in w
+// adjacent places. A complex element is w real parts, then w imaginary ones. Elements of a pack follow by columns
+// (layout 102) or by rows (layout 101), lines lda elements apart, packs lda * n elements apart by columns and lda * m
+// by rows (n by n: lda * n). A format says how many bytes the w numbers of one part take:
 //
 //     format   bytes   w: s, c   w: d, z
 //     181      16      4         2
 //     182      32      8         4
 //     183      64      16        8
 //
-// Of nmat matrices, the nmat / w whole packs are worked on, and nothing is done for another format or layout. No element
-// beside the matrices (between lines, where lda is larger) is read or written. Every format runs in registers, and a
-// matrix has the same bits whatever its format, lane and neighbours; the routines never ask what a lane holds, so a
-// pivot of zero gives infinities or NaN in its own matrix and nothing elsewhere. info becomes 0, always.
+// Of nmat matrices, the nmat / w whole packs are worked on, and nothing is done for another format or layout. No
+// element beside the matrices (between lines, where lda is larger) is read or written. Every format runs in registers,
+// and a matrix has the same bits whatever its format, lane and neighbours; the routines never ask what a lane holds, so
+// a pivot of zero gives infinities or NaN in its own matrix and nothing elsewhere. info becomes 0, always.
 //
 // LU without pivoting: the reciprocal of a pivot is formed once and multiplies the column below. Cholesky: entries are
 // divided by the square root of the diagonal, whose imaginary part is not read and becomes 0. In both, element (i, j)
@@ -55,17 +55,17 @@ struct CompactCalls {
                                  const char* diag, const Int* m, const Int* n, const T* alpha, const Part<T>* a,
                                  const Int* lda, Part<T>* b, const Int* ldb, const Int* format, const Int* nmat);
 
-    // Matrices into packs and back: a[k] is matrix k, in the same layout with lines lda elements apart. Here nmat counts
-    // every matrix; the places that the last pack has left are filled with the identity, and not unpacked.
+    // Matrices into packs and back: a[k] is matrix k, in the same layout with lines lda elements apart. Here nmat
+    // counts every matrix; the places that the last pack has left are filled with the identity, and not unpacked.
     using pack_compact_ps = void(const Int* layout, const Int* m, const Int* n, const T* const* a, const Int* lda,
                                  Part<T>* packs, const Int* ldp, const Int* format, const Int* nmat);
     using unpack_compact_ps = void(const Int* layout, const Int* m, const Int* n, T* const* a, const Int* lda,
                                    const Part<T>* packs, const Int* ldp, const Int* format, const Int* nmat);
 
-    // After a factorisation: first becomes the number, from 1, of the first matrix whose last pivot, element (r, r) with
-    // r = min(m, n), is zero, infinite or NaN, and 0 if there is none. A pivot that was unusable earlier has made it so:
-    // the reciprocal of zero, a root of a negative number and a division by zero leave no number on the diagonal behind
-    // them.
+    // After a factorisation: first becomes the number, from 1, of the first matrix whose last pivot, element (r, r)
+    // with r = min(m, n), is zero, infinite or NaN, and 0 if there is none. A pivot that was unusable earlier has made
+    // it so: the reciprocal of zero, a root of a negative number and a division by zero leave no number on the diagonal
+    // behind them.
     using pivots_compact_ps = void(const Int* layout, const Int* m, const Int* n, const Part<T>* a, const Int* lda,
                                    Int* first, const Int* format, const Int* nmat);
 
