@@ -47,44 +47,58 @@ public:
         return info;
     }
 
+    // Sizes in locals here and below: a register that is stored might be any of the members otherwise.
     void write(T* a, Int lda) const
     {
-        for (Int j = 0; j < n_; j += lanes) {
-            const int columns = n_ - j < lanes ? static_cast<int>(n_ - j) : lanes;
-            Int i = 0;
-            for (; i + lanes <= m_; i += lanes) {
-                Vec<T> x[lanes];
-#pragma GCC unroll 4
-                for (int q = 0; q < lanes; ++q) x[q] = load<lanes>(row(i + q) + j);
-                transpose(x);
-#pragma GCC unroll 4
-                for (int q = 0; q < lanes; ++q)
-                    if (q < columns) store<lanes>(a + i + (j + q) * lda, x[q]);
-            }
-            for (; i < m_; ++i)
-                for (int q = 0; q < columns; ++q) a[i + (j + q) * lda] = row(i)[j + q];
-        }
+        const Int m = m_, n = n_;
+        Int j = 0;
+        for (; j + lanes <= n; j += lanes) write_columns<lanes>(m, j, a + j * lda, lda);
+        if constexpr (lanes > 1)
+            for (; j < n; ++j) write_columns<1>(m, j, a + j * lda, lda);
     }
 
 private:
     T* row(Int i) { return row_[i]; }
     const T* row(Int i) const { return row_[i]; }
 
+    template <int columns>
+    [[gnu::always_inline]] inline void write_columns(Int m, Int j, T* a, Int lda) const
+    {
+        T* const* row = row_;
+        Int i = 0;
+        if constexpr (columns == lanes)
+            for (; i + lanes <= m; i += lanes) {
+                Vec<T> x[lanes];
+#pragma GCC unroll 4
+                for (int q = 0; q < lanes; ++q) x[q] = load<lanes>(row[i + q] + j);
+                transpose(x);
+#pragma GCC unroll 4
+                for (int q = 0; q < lanes; ++q) store<lanes>(a + i + q * lda, x[q]);
+            }
+        for (; i < m; ++i)
+#pragma GCC unroll 4
+            for (int q = 0; q < columns; ++q) a[i + q * lda] = row[i][j + q];
+    }
+
     // What fills a row's last register is zero.
     void read(const T* a, Int lda)
     {
-        for (Int j = 0; j < n_; j += lanes) {
-            const int columns = n_ - j < lanes ? static_cast<int>(n_ - j) : lanes;
+        const Int m = m_, n = n_, stride = stride_;
+        T* const s = s_;
+        for (Int j = 0; j < n; j += lanes, a += lanes * lda) {
+            const int columns = n - j < lanes ? static_cast<int>(n - j) : lanes;
+            T* to = s + j;
             Int i = 0;
-            for (; i + lanes <= m_; i += lanes) {
-                Vec<T> x[lanes];
+            if (columns == lanes)
+                for (; i + lanes <= m; i += lanes) {
+                    Vec<T> x[lanes];
 #pragma GCC unroll 4
-                for (int q = 0; q < lanes; ++q) x[q] = q < columns ? load<lanes>(a + i + (j + q) * lda) : Vec<T>{};
-                transpose(x);
+                    for (int q = 0; q < lanes; ++q) x[q] = load<lanes>(a + i + q * lda);
+                    transpose(x);
 #pragma GCC unroll 4
-                for (int q = 0; q < lanes; ++q) store<lanes>(row(i + q) + j, x[q]);
-            }
-            for (; i < m_; ++i) store<lanes>(row(i) + j, gathered(a + i + j * lda, lda, columns));
+                    for (int q = 0; q < lanes; ++q, to += stride) store<lanes>(to, x[q]);
+                }
+            for (; i < m; ++i, to += stride) store<lanes>(to, gathered(a + i, lda, columns));
         }
     }
 
@@ -188,11 +202,13 @@ private:
         for (int v = next; v < registers; ++v) right[v] = load<lanes>(u + v * lanes);
         PivotSearch<T> search(j + 1);
         Places<T> places = Places<T>::all(j + 1);
-        for (Int i = j + 1; i < m_; i += group) {
+        const Int m = m_;
+        T** const rows = row_;
+        for (Int i = j + 1; i < m; i += group) {
 #pragma GCC unroll 4
             for (int r = 0; r < group; ++r, places = places + Places<T>::all(1)) {
-                T* moved = row(i + r);
-                if constexpr (pivoting) row_[i + r] = moved = exchanged_if(i + r == place, moved, before);
+                T* moved = rows[i + r];
+                if constexpr (pivoting) rows[i + r] = moved = exchanged_if(i + r == place, moved, before);
                 T* x = moved + first;
                 const Vec<T> l = quotient(load<1>(x + c));
                 const Number<T> number = in_all_lanes(l);
