@@ -49,7 +49,9 @@ TYPED_TEST(Lu, PivotsInfoAndBitsAreThoseOfThePlainRules)
                 else
                     plain(&s.m, &s.n, got.a.data(), &lda, &info);
                 ASSERT_EQ(info, plain_lu(want, pivots ? &pivots_wanted : nullptr));
-                if (pivots) ASSERT_EQ(ipiv.values(), pivots_wanted);
+                if (pivots) {
+                    ASSERT_EQ(ipiv.values(), pivots_wanted);
+                }
                 ASSERT_TRUE(got.padding_intact());
                 ASSERT_NO_FATAL_FAILURE(expect_equal(got.elements(), want.elements()));
                 if (testing::Test::HasFailure()) return;

@@ -85,7 +85,9 @@ TYPED_TEST(Qr, QTimesRIsTheMatrixAndQIsUnitary)
                     }
                 for (Int k = 0; k < steps; ++k) {
                     ASSERT_EQ(std::imag(a(k, k)), R(0)) << "the diagonal of R is real";
-                    if (has_zeros && k == 1) ASSERT_EQ(tau[1], T(0)) << "nothing to annihilate";
+                    if (has_zeros && k == 1) {
+                        ASSERT_EQ(tau[1], T(0)) << "nothing to annihilate";
+                    }
                 }
             }
 }
