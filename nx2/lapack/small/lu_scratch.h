@@ -103,9 +103,9 @@ private:
     }
 
     // By a conditional move: which row it is can't be predicted.
-    static T* exchanged_if(bool found, T* row, T* before)
+    static T* exchanged_at(Int place, Int i, T* row, T* before)
     {
-        asm("test %2, %2\n\tcmovne %1, %0" : "+r"(row) : "r"(before), "r"(found) : "cc");
+        asm("cmp %2, %3\n\tcmove %1, %0" : "+r"(row) : "r"(before), "r"(place), "r"(i) : "cc");
         return row;
     }
 
@@ -208,7 +208,7 @@ private:
 #pragma GCC unroll 4
             for (int r = 0; r < group; ++r, places = places + Places<T>::all(1)) {
                 T* moved = rows[i + r];
-                if constexpr (pivoting) rows[i + r] = moved = exchanged_if(i + r == place, moved, before);
+                if constexpr (pivoting) rows[i + r] = moved = exchanged_at(place, i + r, moved, before);
                 T* x = moved + first;
                 const Vec<T> l = quotient(load<1>(x + c));
                 const Number<T> number = in_all_lanes(l);

@@ -7,7 +7,7 @@
 // jobvt the same for V^H and vt; capital or not; not both O. a is destroyed unless one is O. s descends. info > 0: so
 // many superdiagonals of the bidiagonal matrix have not converged, they are in work(2 ... n) or rwork(1 ... n - 1), s
 // is not sorted. A matrix that holds NaN or infinity is not tried: s and the vectors asked for become NaN, info = n.
-//   Method: scaling when max |a| lies outside [sqrt(safmin)/eps, eps/sqrt(safmin)] (by parts, and s back again);
+// Method: scaling when max |a| lies outside [sqrt(safmin)/eps, eps/sqrt(safmin)] (by parts, and s back again);
 // Householder bidiagonalisation (Golub and Van Loan, Matrix Computations, 5.4); QR sweeps on the bidiagonal matrix, of
 // shift zero where the shift would cost small singular values their relative accuracy, from the end with the smaller
 // entries (Demmel and Kahan, "Accurate singular values of bidiagonal matrices", 1990). V is turned by columns and
@@ -19,9 +19,8 @@
 // and imaginary part. info = i > 0: the QR iteration failed; wr and wi of i + 1 ... n and of what balancing split off
 // have converged, no vectors. A matrix that holds NaN or infinity is not tried: wr, wi and the vectors asked for become
 // NaN, info = n. Errors are small beside the balanced matrix, D^-1 A D with what balancing found for D.
-//   Method: scaling as above; balancing by permutation and by powers of two of Euclidean norms (James, Langou, Lowery,
-//   "On
-// matrix balancing and eigenvector computation", 2014); Householder reduction to Hessenberg form; Francis's double
+// Method: scaling as above; balancing by permutation and by powers of two of Euclidean norms (James, Langou, Lowery,
+// "On matrix balancing and eigenvector computation", 2014); Householder reduction to Hessenberg form; Francis's double
 // shift (Golub and Van Loan, 7.5) with the deflation test of Ahues and Tisseur (LAPACK Working Note 122, 1997),
 // exceptional shifts after 10 and 20 fruitless sweeps, 30 max(10, n) sweeps at most; back-substitution scaled against
 // overflow.
@@ -45,9 +44,8 @@
 // = d(j) + sigma, n elements each, both to as many digits as the rounding of the sum lets sigma have, also where sigma
 // rounds to a pole; n = 1 gives delta(1) = work(1) = 1. delta and work must not overlap d and z. info = 1: no
 // convergence, which takes a NaN or infinity.
-//   Method: the unknown is sigma^2 less the nearer pole's square; each half of the sum is interpolated by a constant
-//   and a
-// pole (Bunch, Nielsen, Sorensen, "Rank-one modification of the symmetric eigenproblem", 1978; Li, "Solving secular
+// Method: the unknown is sigma^2 less the nearer pole's square; each half of the sum is interpolated by a constant and
+// a pole (Bunch, Nielsen, Sorensen, "Rank-one modification of the symmetric eigenproblem", 1978; Li, "Solving secular
 // equations stably and efficiently", 1993), within a bracket that is halved (in its exponent while that is wide) when
 // it does not shrink fast enough.
 //
@@ -57,7 +55,7 @@
 // columns of u and rows of vt the vectors, products of the blocks of u2 and vt2 that ctot and idxc describe. dsigma, u2
 // and vt2 are not changed. q: k columns of scratch, ldq at least k. Products are those of the matrix multiply, which
 // takes memory for large ones and does without when there is none. info = 1: a root did not converge.
-//   lasd3 and lasd4 of the complex precisions are those of their real type: a bidiagonal matrix is real, and complex
+// lasd3 and lasd4 of the complex precisions are those of their real type: a bidiagonal matrix is real, and complex
 // vectors are had by one product at the end.
 #ifndef ORK_ABI_LAPACK_SPECTRAL_H
 #define ORK_ABI_LAPACK_SPECTRAL_H
