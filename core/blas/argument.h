@@ -127,8 +127,8 @@ constexpr Argument indexed(const char* name, bool written)
 }
 
 // Position of an argument by its name; the number of arguments when there is none.
-template <std::size_t length>
-constexpr std::size_t position(const Argument (&shape)[length], std::string_view name)
+template <class Any, std::size_t length>
+constexpr std::size_t position(const Any (&shape)[length], std::string_view name)
 {
     std::size_t i = 0;
     while (i < length && name != shape[i].name) ++i;

@@ -4,7 +4,8 @@
 #pragma once
 
 #include <cstddef>
-#include <string_view>
+
+#include "blas/argument.h"
 
 namespace ork::lapack {
 
@@ -55,13 +56,6 @@ constexpr Argument work_size(const char* name, Bound least, const char* unless =
 }
 constexpr Argument info(const char* name) { return {Role::info, name, nullptr, {}, nullptr, true}; }
 
-// Position of an argument by its name; the number of arguments when there is none.
-template <std::size_t length>
-constexpr std::size_t position(const Argument (&shape)[length], std::string_view name)
-{
-    std::size_t i = 0;
-    while (i < length && name != shape[i].name) ++i;
-    return i;
-}
+using blas::position;
 
 } // namespace ork::lapack

@@ -30,6 +30,15 @@ ORK_KERNEL(getrinp_small)
 ORK_KERNEL(potrf_small)
 ORK_KERNEL(geqrf_small)
 ORK_KERNEL(gtsv_small)
+ORK_KERNEL(getrfnp_compact_ps)
+ORK_KERNEL(getrinp_compact_ps)
+ORK_KERNEL(potrf_compact_ps)
+ORK_KERNEL(geqrf_compact_ps)
+ORK_KERNEL(trsm_compact_ps)
+ORK_KERNEL(pack_compact_ps)
+ORK_KERNEL(unpack_compact_ps)
+ORK_KERNEL(pivots_compact_ps)
+ORK_KERNEL(compact_format_ps)
 #undef ORK_KERNEL
 
 } // namespace ork::lapack::kernels

@@ -4,6 +4,7 @@
 
 #include <complex>
 #include <dlfcn.h>
+#include <functional>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -22,6 +23,13 @@ struct PrecisionNames {
     {
         return precision_letter<T>();
     }
+};
+
+// A matrix by its elements, and what it is called.
+template <class T>
+struct MatrixKind {
+    const char* name;
+    std::function<T(Int, Int)> element;
 };
 
 inline void* lapack_symbol(const std::string& name)

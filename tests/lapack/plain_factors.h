@@ -144,14 +144,9 @@ Int plain_cholesky(Stored<T>& a, bool upper)
     return 0;
 }
 
-template <class T>
-struct Kind {
-    const char* name;
-    std::function<T(Int, Int)> element;
-};
 // Of `rows` rows and any number of columns: what pivots must decide about.
 template <class T>
-std::vector<Kind<T>> kinds_of_pivots(Int rows, Random& random)
+std::vector<MatrixKind<T>> kinds_of_pivots(Int rows, Random& random)
 {
     using R = Real<T>;
     const auto values = [&](auto&& draw) {

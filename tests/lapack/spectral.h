@@ -89,15 +89,9 @@ long double lack_of_orthogonality(const Padded<T>& q)
     return worst;
 }
 
-template <class T>
-struct Kind {
-    const char* name;
-    std::function<T(Int, Int)> element;
-};
-
 // Of order n.
 template <class T>
-std::vector<Kind<T>> kinds(Int n, std::uint64_t seed = 1)
+std::vector<MatrixKind<T>> kinds(Int n, std::uint64_t seed = 1)
 {
     using R = Real<T>;
     const auto values = std::make_shared<std::vector<T>>(uniform_values<T>(n * n, seed));

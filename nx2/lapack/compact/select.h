@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
-// Choices lane by lane, without branches and without floating-point flags.
+// Comparisons of magnitudes that raise no floating-point flag, and what else is done lane by lane.
 #pragma once
 
 #include "blas/compact/lanes.h"
+#include "lapack/mask.h"
 
 namespace ork::lapack {
 
@@ -18,18 +19,11 @@ inline Vec<float> above(Vec<float> a, Vec<float> b)
     return {_mm_castsi128_ps(_mm_cmpgt_epi32(_mm_castps_si128(a.v), _mm_castps_si128(b.v)))};
 }
 
-inline Vec<double> select(Vec<double> mask, Vec<double> yes, Vec<double> no)
+template <class R>
+inline Vec<R> is_zero(Vec<R> a)
 {
-    return {_mm_blendv_pd(no.v, yes.v, mask.v)};
+    return equal(a, broadcast(R(0)));
 }
-inline Vec<float> select(Vec<float> mask, Vec<float> yes, Vec<float> no)
-{
-    return {_mm_blendv_ps(no.v, yes.v, mask.v)};
-}
-inline Vec<double> either(Vec<double> a, Vec<double> b) { return {_mm_or_pd(a.v, b.v)}; }
-inline Vec<float> either(Vec<float> a, Vec<float> b) { return {_mm_or_ps(a.v, b.v)}; }
-inline Vec<double> is_zero(Vec<double> a) { return {_mm_cmpeq_pd(a.v, _mm_setzero_pd())}; }
-inline Vec<float> is_zero(Vec<float> a) { return {_mm_cmpeq_ps(a.v, _mm_setzero_ps())}; }
 // Bit i is set where lane i of a mask is.
 inline int signs(Vec<double> mask) { return _mm_movemask_pd(mask.v); }
 inline int signs(Vec<float> mask) { return _mm_movemask_ps(mask.v); }

@@ -50,12 +50,12 @@ inline Complex<R> quotient(Complex<R> a, R d)
 
 // The lanes of elements from `first` on.
 template <class T>
-inline Mask lanes_from(int first)
+inline Vec<Real<T>> lanes_from(int first)
 {
     if constexpr (sizeof(T) == 4)
-        return {_mm_setr_epi32(-(first <= 0), -(first <= 1), -(first <= 2), -(first <= 3))};
+        return from_bits<float>(_mm_setr_epi32(-(first <= 0), -(first <= 1), -(first <= 2), -(first <= 3)));
     else
-        return {_mm_set_epi64x(-(first <= (sizeof(T) == 8 ? 1 : 0)), -(first <= 0))};
+        return from_bits<Real<T>>(_mm_set_epi64x(-(first <= (sizeof(T) == 8 ? 1 : 0)), -(first <= 0)));
 }
 
 // Rows j .. j + columns - 1 of the columns from j on, which columns 0 .. j - 1 are done with; j is even.

@@ -24,7 +24,7 @@ Int factor_any(Int m, Int n, T* a, Int lda, Int* ipiv, R safe)
 {
     if (ScratchLu<T>::fits(m, n)) return factor_in_scratch<pivoting>(m, n, a, lda, ipiv, safe);
     Int info = 0;
-    factor<pivoting, false>(m, n, a, lda, ipiv, safe, info);
+    factor<pivoting>(m, n, a, lda, ipiv, safe, info);
     return info;
 }
 

@@ -63,7 +63,7 @@ inline void solve_unit_lower(Int depth, const T* l, Int lda, T* x, Int ldx)
     for (; r < depth; ++r) subtract_products<false, columns>(Int(1), r, l + r, lda, x, Int(1), ldx, x + r, ldx);
 }
 
-template <bool pivoting, bool divides, class T>
+template <bool pivoting, class T>
 inline void factor(Int m, Int n, T* a, Int lda, Int* ipiv, Real<T> safe, Int& info)
 {
     const auto block = [&]<int columns>(Int j) {
@@ -73,7 +73,7 @@ inline void factor(Int m, Int n, T* a, Int lda, Int* ipiv, Real<T> safe, Int& in
         if (j >= m) return;
         subtract_products<false, columns>(m - j, j, a + j, lda, x, Int(1), lda, x + j, lda);
         const Panel<T> panel{m - j, x + j, lda};
-        panel.template factor<columns, pivoting, divides>(safe, j, ipiv + j, info);
+        panel.template factor<columns, pivoting>(safe, j, ipiv + j, info);
         if constexpr (pivoting) {
             const Int last = j + columns < m ? j + columns : m;
             exchange_rows(j, last, ipiv, a, lda, 0, j);

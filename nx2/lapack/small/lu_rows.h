@@ -95,10 +95,10 @@ inline Int factor_two(T* a, Int lda, Int* ipiv)
 {
     T* b = a + lda;
     const Vec<T> a1 = load<1>(a), a2 = load<1>(a + 1), b1 = load<1>(b), b2 = load<1>(b + 1);
-    const Mask below = greater(magnitudes(a2), magnitudes(a1));
+    const Vec<Real<T>> below = greater(magnitudes(a2), magnitudes(a1));
     const Vec<T> pivot = select(below, a2, a1), other = select(below, a1, a2), u = select(below, b2, b1);
     store<1>(a, pivot), store<1>(b, u);
-    ipiv[0] = 1 - static_cast<std::int32_t>(_mm_cvtsi128_si32(below.v)), ipiv[1] = 2;
+    ipiv[0] = 1 - static_cast<std::int32_t>(_mm_cvtsi128_si32(bits(below))), ipiv[1] = 2;
     const bool zero = a[0] == T{};
     const Vec<T> l = Divisor<T>(zero ? T(1) : a[0]).divide(other);
     store<1>(a + 1, l);

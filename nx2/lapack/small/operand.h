@@ -3,6 +3,7 @@
 // them: a - l u with product and difference rounded one after the other, the complex product the plain formula.
 #pragma once
 
+#include "lapack/mask.h"
 #include "lapack/scalar.h"
 
 namespace ork::lapack {
@@ -45,28 +46,6 @@ inline Vec<T> product(const Rows<T>& a, const Number<T>& b)
         return {alternating_sum(a.v * b.re, a.turned * b.im)};
 }
 
-// All bits of a lane set or none.
-struct Mask {
-    __m128i v;
-};
-inline Vec<double> select(Mask m, Vec<double> yes, Vec<double> no)
-{
-    return {_mm_blendv_pd(no.v, yes.v, _mm_castsi128_pd(m.v))};
-}
-inline Vec<float> select(Mask m, Vec<float> yes, Vec<float> no)
-{
-    return {_mm_blendv_ps(no.v, yes.v, _mm_castsi128_ps(m.v))};
-}
-template <class R>
-inline Vec<Complex<R>> select(Mask m, Vec<Complex<R>> yes, Vec<Complex<R>> no)
-{
-    return {select(m, yes.v, no.v)};
-}
-inline Mask greater(Vec<double> a, Vec<double> b) { return {_mm_castpd_si128(_mm_cmplt_pd(b.v, a.v))}; }
-inline Mask greater(Vec<float> a, Vec<float> b) { return {_mm_castps_si128(_mm_cmplt_ps(b.v, a.v))}; }
-inline Mask equal(Vec<double> a, Vec<double> b) { return {_mm_castpd_si128(_mm_cmpeq_pd(a.v, b.v))}; }
-inline Mask equal(Vec<float> a, Vec<float> b) { return {_mm_castps_si128(_mm_cmpeq_ps(a.v, b.v))}; }
-
 // Rows divided by one number, complex ones by Smith's method as divided() does it but without its branch: (x p) / size
 // with a prepared p.
 template <class T>
@@ -83,7 +62,7 @@ struct Divisor<Complex<R>> {
     explicit Divisor(Complex<R> d) : p(d), size(p.re)
     {
         const Vec<R> one = broadcast(R(1)), minus = broadcast(R(-1));
-        const Mask turned = greater(abs(p.im), abs(p.re));
+        const Vec<R> turned = greater(abs(p.im), abs(p.re));
         const Vec<R> large = select(turned, p.im, p.re), small = select(turned, p.re, p.im);
         const Vec<R> r = small / large;
         size = large + small * r;

@@ -12,8 +12,8 @@
 
 namespace ork::lapack {
 
-// What makes multipliers of the elements below a pivot.
-enum class Multipliers { multiply, divide, ready };
+// Whether the elements below a pivot are still to be multiplied by its reciprocal.
+enum class Multipliers { multiply, ready };
 
 template <class T>
 struct Panel {
@@ -46,8 +46,8 @@ struct Panel {
     void exchange(Int row, Int other) const
     {
         const Int block_row = block(row), block_other = block(other);
-        const Mask at_row = Places<T>::from(block_row) == Places<T>::all(row);
-        const Mask at_other = Places<T>::from(block_other) == Places<T>::all(other);
+        const Vec<Real<T>> at_row = Places<T>::from(block_row) == Places<T>::all(row);
+        const Vec<Real<T>> at_other = Places<T>::from(block_other) == Places<T>::all(other);
         const bool whole = block_row + lanes <= rows && block_other + lanes <= rows;
 #pragma GCC unroll 4
         for (int q = 0; q < columns; ++q) {
@@ -65,10 +65,9 @@ struct Panel {
 
     // The rows below pivot c; returns the place of the next one.
     template <int c, int columns, bool pivoting, Multipliers how>
-    Int pass(Divisor<T> divisor) const
+    Int pass(const Number<T>& multiplier) const
     {
         T* l = a + c * lda;
-        const Number<T> multiplier = divisor.reciprocal();
         constexpr int right = columns - c - 1;
         const auto u = [&]<int... q>(std::integer_sequence<int, q...>)
         {
@@ -78,9 +77,10 @@ struct Panel {
         PivotSearch<T> search(c + 1);
         const auto step = [&]<int width>(Int i, auto&& put, auto&& look) {
             Vec<T> x = load<width>(l + i);
-            if constexpr (how == Multipliers::multiply) x = product<false>(Rows<T>(x), multiplier);
-            if constexpr (how == Multipliers::divide) x = divisor.divide(x);
-            if constexpr (how != Multipliers::ready) put(l + i, x);
+            if constexpr (how == Multipliers::multiply) {
+                x = product<false>(Rows<T>(x), multiplier);
+                put(l + i, x);
+            }
             const Rows<T> left(x);
 #pragma GCC unroll 4
             for (int q = 0; q < right; ++q) {
@@ -95,7 +95,7 @@ struct Panel {
             constexpr Int from = (c + 1) / lanes * lanes;
             if (from + lanes <= rows) {
                 const Places<T> places = Places<T>::from(from);
-                const Mask below = places > Places<T>::all(c);
+                const Vec<Real<T>> below = places > Places<T>::all(c);
                 step.template operator()<lanes>(
                     from, [&](T* p, Vec<T> x) { store<lanes>(p, select(below, x, load<lanes>(p))); },
                     [&](Vec<T> x) { search.look(x, places, below); });
@@ -113,27 +113,23 @@ struct Panel {
     }
 
     // Pivot c, which stands on the diagonal.
-    template <int c, int columns, bool pivoting, bool divides>
+    template <int c, int columns, bool pivoting>
     Int eliminate(Real<T> safe, Int first, Int& info) const
     {
         const T pivot = a[c + c * lda];
-        if (pivot == T{}) [[unlikely]] {
+        if (magnitude(pivot) > safe) [[likely]]
+            return pass<c, columns, pivoting, Multipliers::multiply>(Divisor<T>(pivot).reciprocal());
+        if (pivot == T{}) {
             if (info == 0) info = first + c + 1;
-            return pass<c, columns, pivoting, Multipliers::ready>(Divisor<T>(T(1)));
-        }
-        if constexpr (divides) {
-            return pass<c, columns, pivoting, Multipliers::divide>(Divisor<T>(pivot));
         } else {
-            if (magnitude(pivot) > safe) [[likely]]
-                return pass<c, columns, pivoting, Multipliers::multiply>(Divisor<T>(pivot));
             for (Int i = c + 1; i < rows; ++i) a[i + c * lda] = divided(a[i + c * lda], pivot);
-            return pass<c, columns, pivoting, Multipliers::ready>(Divisor<T>(T(1)));
         }
+        return pass<c, columns, pivoting, Multipliers::ready>(Number<T>(T(1)));
     }
 
     // `first` is the number of pivots before this panel; those of the panel go to ipiv, counted from 1 in the whole
     // matrix.
-    template <int columns, bool pivoting, bool divides>
+    template <int columns, bool pivoting>
     [[gnu::noinline]] void factor(Real<T> safe, Int first, Int* ipiv, Int& info) const
     {
         Int place = pivoting ? largest(0, 0) : 0;
@@ -144,7 +140,7 @@ struct Panel {
                     ipiv[c] = first + place + 1;
                     exchange<columns>(c, place);
                 }
-                place = eliminate<c, columns, pivoting, divides>(safe, first, info);
+                place = eliminate<c, columns, pivoting>(safe, first, info);
             }
         };
         column.template operator()<0>();

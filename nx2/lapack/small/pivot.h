@@ -24,10 +24,14 @@ struct Places {
         return all(i) + Places{step};
     }
     friend Places operator+(Places a, Places b) { return {wide ? _mm_add_epi64(a.v, b.v) : _mm_add_epi32(a.v, b.v)}; }
-    friend Mask operator>(Places a, Places b) { return {wide ? _mm_cmpgt_epi64(a.v, b.v) : _mm_cmpgt_epi32(a.v, b.v)}; }
-    friend Mask operator==(Places a, Places b)
+    // Masks of lanes.
+    friend Vec<Real<T>> operator>(Places a, Places b)
     {
-        return {wide ? _mm_cmpeq_epi64(a.v, b.v) : _mm_cmpeq_epi32(a.v, b.v)};
+        return from_bits<Real<T>>(wide ? _mm_cmpgt_epi64(a.v, b.v) : _mm_cmpgt_epi32(a.v, b.v));
+    }
+    friend Vec<Real<T>> operator==(Places a, Places b)
+    {
+        return from_bits<Real<T>>(wide ? _mm_cmpeq_epi64(a.v, b.v) : _mm_cmpeq_epi32(a.v, b.v));
     }
 };
 
@@ -50,14 +54,18 @@ public:
     // Elements at the places of their lanes.
     void look(Vec<T> a, Places<T> places) { weigh(magnitudes(a), places); }
     // The same of the lanes in the mask.
-    void look(Vec<T> a, Places<T> places, Mask among) { weigh(select(among, magnitudes(a), broadcast(R(-1))), places); }
+    void look(Vec<T> a, Places<T> places, Vec<R> among)
+    {
+        weigh(select(among, magnitudes(a), broadcast(R(-1))), places);
+    }
 
     Int place() const
     {
         PivotSearch whole = *this;
-        if constexpr (sizeof(T) <= 4) whole.merge(_mm_shuffle_epi32(best(), 0xb1), _mm_shuffle_epi32(place_.v, 0xb1));
+        if constexpr (sizeof(T) <= 4)
+            whole.merge(_mm_shuffle_epi32(bits(best_), 0xb1), _mm_shuffle_epi32(place_.v, 0xb1));
         if constexpr (sizeof(T) <= 8)
-            whole.merge(_mm_shuffle_epi32(whole.best(), 0x4e), _mm_shuffle_epi32(whole.place_.v, 0x4e));
+            whole.merge(_mm_shuffle_epi32(bits(whole.best_), 0x4e), _mm_shuffle_epi32(whole.place_.v, 0x4e));
         return whole.place_of_lane();
     }
     // The same where every lane has seen the same.
@@ -66,28 +74,16 @@ public:
 private:
     void weigh(Vec<R> size, Places<T> places)
     {
-        const Mask better = greater(size, best_);
+        const Vec<R> better = greater(size, best_);
         best_ = larger(size, best_); // of a NaN, best_
-        place_.v = _mm_blendv_epi8(place_.v, places.v, better.v);
-    }
-    __m128i best() const
-    {
-        if constexpr (sizeof(R) == 8)
-            return _mm_castpd_si128(best_.v);
-        else
-            return _mm_castps_si128(best_.v);
+        place_.v = _mm_blendv_epi8(place_.v, places.v, bits(better));
     }
     void merge(__m128i other_best, __m128i other_place)
     {
-        Vec<R> other;
-        if constexpr (sizeof(R) == 8)
-            other.v = _mm_castsi128_pd(other_best);
-        else
-            other.v = _mm_castsi128_ps(other_best);
-        const Mask earlier = place_ > Places<T>{other_place};
-        const Mask better = {_mm_or_si128(greater(other, best_).v, _mm_and_si128(equal(other, best_).v, earlier.v))};
+        const Vec<R> other = from_bits<R>(other_best), earlier = place_ > Places<T>{other_place};
+        const Vec<R> better = either(greater(other, best_), both(equal(other, best_), earlier));
         best_ = select(better, other, best_);
-        place_.v = _mm_blendv_epi8(place_.v, other_place, better.v);
+        place_.v = _mm_blendv_epi8(place_.v, other_place, bits(better));
     }
 
     Vec<R> best_ = broadcast(R(0));
