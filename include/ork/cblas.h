@@ -19,7 +19,12 @@ ORK_BEGIN_DECLS
 #define ORK_ENUM
 #endif
 typedef enum CBLAS_LAYOUT ORK_ENUM { CblasRowMajor = 101, CblasColMajor = 102 } CBLAS_LAYOUT;
-typedef enum CBLAS_TRANSPOSE ORK_ENUM { CblasNoTrans = 111, CblasTrans = 112, CblasConjTrans = 113 } CBLAS_TRANSPOSE;
+typedef enum CBLAS_TRANSPOSE ORK_ENUM {
+    CblasNoTrans = 111,
+    CblasTrans = 112,
+    CblasConjTrans = 113,
+    CblasConjNoTrans = 114 /* in ork/trans.h only */
+} CBLAS_TRANSPOSE;
 typedef enum CBLAS_UPLO ORK_ENUM { CblasUpper = 121, CblasLower = 122 } CBLAS_UPLO;
 typedef enum CBLAS_DIAG ORK_ENUM { CblasNonUnit = 131, CblasUnit = 132 } CBLAS_DIAG;
 typedef enum CBLAS_SIDE ORK_ENUM { CblasLeft = 141, CblasRight = 142 } CBLAS_SIDE;
