@@ -21,6 +21,8 @@
 #define COMPLEX_FUNCTION(n, routine, ...) FORTRAN(routine) FORTRAN(routine##sub) CBLAS(routine##_sub)
 #define EXTENSION_COMPLEX_FUNCTION(n, routine, ...) FORTRAN(routine) CBLAS(routine##_sub)
 #include "blas/routines.inc"
+#define ROUTINE(routine) FORTRAN(routine) CBLAS(routine)
+#include "trans/routines.inc"
 #define FORTRAN_HELPER(routine) FORTRAN(routine)
 #define CBLAS_HELPER(routine) CBLAS(routine)
 #include "blas/helpers.inc"

@@ -119,6 +119,8 @@ TEST(DropIn, ExportsTheBlasAndNothingElse)
 #define COMPLEX_FUNCTION(n, routine, ...) fortran(#routine), fortran(#routine "sub"), c(#routine "_sub");
 #define EXTENSION_COMPLEX_FUNCTION(n, routine, ...) fortran(#routine), c(#routine "_sub");
 #include "blas/routines.inc"
+#define ROUTINE(routine) fortran(#routine), c(#routine);
+#include "trans/routines.inc"
     for (const char* helper : {"lsame", "xerbla", "xerbla_array"}) fortran(helper);
     c("xerbla");
     EXPECT_EQ(exports(ORK_LIB_DIR "/libblas.so.3"), want);
