@@ -44,7 +44,10 @@ private:
     void places(const T** p, const T* start, Int step) const
     {
         const int all = registers() * Sum::outputs;
-        for (int k = 0; k < all; ++k) p[k] = start + std::min(k, count - 1) * step;
+        for (int k = 0; k < all; ++k) {
+            p[k] = start;
+            if (k + 1 < count) start += step;
+        }
     }
 };
 
@@ -72,11 +75,12 @@ inline void finish(Block<Sum>& block, const Vectors<typename Sum::Element>& v, c
 {
     using T = typename Sum::Element;
     using W = typename Sum::Work;
+    const bool scaled = !(v.alpha == T{}) && !(Sum::one_scales_nothing && v.alpha == T(1));
     T* y = v.y + block.first * v.incy;
     for (int r = 0, left = block.count; left > 0; ++r, left -= Sum::outputs, y += Sum::outputs * v.incy) {
         const int count = std::min(left, Sum::outputs);
         Sum s = block.sums[r];
-        if (!(v.alpha == T{})) s.scale(alpha);
+        if (scaled) s.scale(alpha);
         if (!(v.beta == T{})) {
             const T* places[Sum::outputs];
             for (int k = 0; k < Sum::outputs; ++k) places[k] = y + std::min(k, count - 1) * v.incy;

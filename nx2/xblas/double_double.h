@@ -32,13 +32,18 @@ inline Vec<double> sum_with_error(Vec<double> a, Vec<double> b, Vec<double>& err
     error = (a - (t - b_part)) + (b - b_part);
     return t;
 }
+// The second where choice has its sign bit set. As an intrinsic it becomes a comparison with zero first.
+inline Vec<double> chosen(Vec<double> first, Vec<double> second, __m128i choice)
+{
+    asm("blendvpd %%xmm0, %1, %0" : "+x"(first.v) : "x"(second.v), "Yz"(choice));
+    return first;
+}
 // The same by exchanging numbers so that the larger comes first (Dekker): the sign of |a| - |b| as integers chooses.
 // Half the additions, five logical operations; used once a term, because twice is slower than once.
 inline Vec<double> sum_with_error_ordered(Vec<double> a, Vec<double> b, Vec<double>& error)
 {
-    const __m128d b_larger = _mm_castsi128_pd(_mm_sub_epi64(_mm_castpd_si128(abs(a).v), _mm_castpd_si128(abs(b).v)));
-    const Vec<double> larger{_mm_blendv_pd(a.v, b.v, b_larger)}, smaller{_mm_blendv_pd(b.v, a.v, b_larger)};
-    const Vec<double> t = a + b;
+    const __m128i b_larger = _mm_sub_epi64(_mm_castpd_si128(abs(a).v), _mm_castpd_si128(abs(b).v));
+    const Vec<double> larger = chosen(a, b, b_larger), smaller = chosen(b, a, b_larger), t = a + b;
     error = smaller - (t - larger);
     return t;
 }

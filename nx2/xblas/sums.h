@@ -26,6 +26,8 @@ struct Operand<Complex<R>, Work> {
         : re{_mm_moveldup_ps(a.v)}, im{_mm_movehdup_ps(a.v)}
     {
     }
+    // From memory: loads that repeat a number take no turn of the arithmetic.
+    explicit Operand(const Complex<double>* p) requires(sizeof(R) == 8) : re(load<1>(&p->re)), im(load<1>(&p->im)) {}
 };
 
 // (im, -re) of every pair, or (-im, re).
@@ -47,6 +49,7 @@ struct PlainSum {
     using Element = T;
     using Work = W;
     static constexpr int outputs = Vec<Work>::lanes / (is_complex<T> ? 2 : 1);
+    static constexpr bool one_scales_nothing = false; // with alpha = 1: infinities and NaNs of complex numbers
 
     // x, or alpha or beta, ready to multiply with.
     struct Factor {
@@ -80,6 +83,7 @@ struct ExtraSum {
     using Element = T;
     using Work = double;
     static constexpr int outputs = is_complex<T> ? 1 : 2;
+    static constexpr bool one_scales_nothing = true;
     static constexpr bool exact = sizeof(Real<T>) == 4; // products of two floats, in double
 
     struct Factor {

@@ -30,8 +30,8 @@
 //
 // By rows, A is what its transpose is by columns: a band keeps A(i, j) at a[i * lda + kl + j - i], by columns it is at
 // a[ku + i - j + j * lda]. The other triangle of a symmetric or Hermitian matrix and the corners of a band are not
-// read; imaginary parts on a Hermitian diagonal count as zero, whatever they are. A negative increment starts from the far
-// end, at (1 - length) * inc. y overlaps nothing; no byte outside the elements is touched.
+// read; imaginary parts on a Hermitian diagonal count as zero, whatever they are. A negative increment starts from the
+// far end, at (1 - length) * inc. y overlaps nothing; no byte outside the elements is touched.
 //
 // What y becomes, element by element
 //
@@ -46,23 +46,29 @@
 // y is stored. In the forms of two vectors s is the sum of the products with head plus the sum of those with tail.
 //
 // Extra: s is a pair (s_hi, s_lo) of doubles, for a complex number one for each part, also with float data.
-//   split   v: c = 134217729 v, v_hi = c - (c - v), v_lo = v - v_hi.
-//   product a x: p_hi = a x, p_lo = ((a_hi x_hi - p_hi) + a_hi x_lo + a_lo x_hi) + a_lo x_lo (Dekker). Exact, unless a
-//           part under- or overflows: a factor beyond 2^996 gives NaN. Of two floats p_hi is exact and p_lo zero.
-//   sum     (s_hi, s_lo) + (p_hi, p_lo): t1, e1 = s_hi + p_hi and its error; t2, e2 = s_lo + p_lo and its error, both
-//           t = a + b, b' = t - a, e = (a - (t - b')) + (b - b'); e1 += t2; (t1, e1) <- (t1 + e1, e1 - ((t1 + e1) - t1));
-//           e1 += e2; once more (t1, e1) <- (t1 + e1, e1 - ((t1 + e1) - t1)).
-//   Of a complex term the real part takes re re and then -(im im), the imaginary part re im (of a and x) and then im re,
-//   each as an exact product added as above.
-//   In the forms of two vectors the pair of head's products and that of tail's are added at the end.
-//   alpha s: c11 = s_hi alpha with its error c21 as in `product`, c2 = s_lo alpha, t1 = c11 + c2,
-//           t2 = (c2 - (t1 - c11)) + c21, head = t1 + t2, tail = t2 - (head - t1). With complex alpha four such pairs:
-//           the real part is that of re(s) re(alpha) plus that of -(im(s) im(alpha)), the imaginary part that of
-//           re(s) im(alpha) plus that of im(s) re(alpha).
-//   beta y: exact products added to alpha s: beta y; with complex beta re(beta) re(y) and then -(im(beta) im(y)) to the
-//           real part, im(beta) re(y) and then re(beta) im(y) to the imaginary part. alpha = 0: added to nothing.
-//   y <- the pair's head. Float data: the head rounded to float, which is the pair rounded once but where the head lies
-//   in the middle between two floats and the tail would decide.
+//
+//     split v       v_hi is v rounded to its 26 leading bits, v_lo = v - v_hi. How ties are rounded makes no
+//                   difference to p_lo, which is exact: c = 134217729 v, v_hi = c - (c - v) gives the same bits, up
+//                   to |v| = 2^996 where c overflows.
+//     a x           p_hi = a x, p_lo = ((a_hi x_hi - p_hi) + a_hi x_lo + a_lo x_hi) + a_lo x_lo (Dekker). Exact,
+//                   unless it overflows or |a x| < 2^-968. Of two floats p_hi is exact and p_lo zero.
+//     (s_hi, s_lo) + (p_hi, p_lo)
+//                   t1, e1 = s_hi + p_hi and its error; t2, e2 = s_lo + p_lo and its error, the error of t = a + b
+//                   being, with b' = t - a, (a - (t - b')) + (b - b'); e1 += t2; renormalised, e1 += e2, renormalised
+//                   again: (t1, e1) <- (t1 + e1, e1 - ((t1 + e1) - t1)).
+//     complex a x   the real part takes re re and then -(im im), the imaginary part re im (of a and x) and then im re,
+//                   each an exact product added as above.
+//     two vectors   the pair of head's products and that of tail's are added at the end.
+//     alpha s       alpha = 1: s, which has the same bits. Else c11 = s_hi alpha with its error c21 as in a x,
+//                   c2 = s_lo alpha, t1 = c11 + c2, t2 = (c2 - (t1 - c11)) + c21, head = t1 + t2,
+//                   tail = t2 - (head - t1). With complex alpha four such pairs are added to two: re(s) re(alpha) plus
+//                   -(im(s) im(alpha)) is the real part, re(s) im(alpha) plus im(s) re(alpha) the imaginary one.
+//     + beta y      exact products added to the pair of alpha s (zero when alpha is): beta y; with complex beta
+//                   re(beta) re(y) and then -(im(beta) im(y)) to the real part, im(beta) re(y) and then
+//                   re(beta) im(y) to the imaginary part.
+//     y             the pair's head. Float data: the head rounded to float, which is the pair rounded once but where
+//                   the head lies in the middle between two floats and the tail would decide.
+//
 // With s of k real products: |s_hi + s_lo - s| <= 4 k 2^-106 (|a_1 x_1| + ... + |a_k x_k|), nothing having underflowed.
 // The bits of y depend on nothing but the numbers: not on sizes, increments, storage or alignment.
 #ifndef ORK_ABI_XBLAS_H
