@@ -105,7 +105,7 @@ inline Word logarithm(Word g, Word a, Word modulus, Word order)
     }
 }
 
-// visit(p) for one p of every cycle of multiplication by n modulo N that is longer than one element or not, 0 < p < N.
+// visit(p, length) for one p of every cycle of multiplication by n modulo N, 0 < p < N.
 class Leaders {
 public:
     Leaders(Word n, Word N) : n_(n), N_(N), factors_(N)
@@ -204,10 +204,12 @@ private:
             diagonal[i] = row[i];
         }
 
+        Word units = 1, cycles = 1;
+        for (int i = 0; i < k; ++i) units *= orders[i], cycles *= diagonal[i];
         Word x[most] = {}, unit[most + 1]; // unit[i]: the product of the powers from i on
         for (int i = 0; i <= k; ++i) unit[i] = 1 % d;
         for (;;) {
-            visit(N_ / d * unit[0]);
+            visit(N_ / d * unit[0], units / cycles);
             int i = 0;
             while (i < k && x[i] + 1 == diagonal[i]) ++i;
             if (i == k) return;
@@ -244,6 +246,10 @@ struct Place {
     Divisor rows;
     Word m, n, lda;
 
+    Place(Int m, Int n, Int lda)
+        : rows(static_cast<Word>(m)), m(static_cast<Word>(m)), n(static_cast<Word>(n)), lda(static_cast<Word>(lda))
+    {
+    }
     Word at(Word p) const
     {
         const Word j = rows.quotient(p);
@@ -254,44 +260,119 @@ struct Place {
         const Word j = rows.quotient(p);
         return (p - j * m) * n + j;
     }
+    Word last() const { return m * n - 1; }
 };
 
-template <class T, class F>
-inline void walk_cycle(T* a, const Place& place, Word leader, const F& f)
+// walk(leader, length) for every cycle; length is zero where it is not known.
+template <class Walk>
+void each_cycle(const Place& place, const Walk& walk)
 {
-    Vec<T> carried = f(load<1>(a + place.at(leader)));
-    for (Word p = place.target(leader); p != leader; p = place.target(p)) {
-        T* const at = a + place.at(p);
-        const Vec<T> next = f(load<1>(at));
+    const Word last = place.last();
+    constexpr Word most_marks = 2048;
+    if (last >= most_marks) return Leaders(place.n, last).each(walk);
+    Word marks[most_marks / 64] = {};
+    for (Word leader = 1; leader < last; ++leader) {
+        if ((marks[leader / 64] >> leader % 64 & 1) != 0) continue;
+        for (Word p = place.target(leader); p != leader; p = place.target(p)) marks[p / 64] |= Word{1} << p % 64;
+        walk(leader, 0);
+    }
+}
+
+// Along single elements.
+template <class T, class F>
+class Walk {
+public:
+    Walk(T* a, const Place& place, const F& f) : a_(a), place_(place), f_(f) {}
+
+    void operator()(Word leader, Word length) const
+    {
+        if (length >= 8 * arcs) return by_arcs(leader, length);
+        Vec<T> carried = take(leader);
+        Word p = leader;
+        finish(p, leader, carried);
+    }
+
+private:
+    // A step waits for the address that the last one has computed: four parts of a cycle go on side by side. Each ends
+    // where the next begins, with the element that was taken from there before.
+    static constexpr int arcs = 4;
+
+    Vec<T> take(Word p) const { return f_(load<1>(a_ + place_.at(p))); }
+    void step(Word& p, Vec<T>& carried) const
+    {
+        p = place_.target(p);
+        T* const at = a_ + place_.at(p);
+        const Vec<T> next = f_(load<1>(at));
         store<1>(at, carried);
         carried = next;
     }
-    store<1>(a + place.at(leader), carried);
-}
+    void finish(Word p, Word leader, Vec<T> carried) const
+    {
+        const Walk self = *this; // in registers: vector stores may alias anything
+        while (self.place_.target(p) != leader) self.step(p, carried);
+        store<1>(self.a_ + self.place_.at(leader), carried);
+    }
+    void by_arcs(Word leader, Word length) const
+    {
+        const Walk self = *this;
+        const Word steps = length / arcs, last = place_.last(), stride = power(place_.n % last, steps, last);
+        Word p[arcs];
+        Vec<T> carried[arcs];
+        for (int k = 0; k < arcs; ++k)
+            p[k] = k == 0 ? leader : product(p[k - 1], stride, last), carried[k] = take(p[k]);
+        for (Word s = 1; s < steps; ++s)
+#pragma GCC unroll 4
+            for (int k = 0; k < arcs; ++k) self.step(p[k], carried[k]);
+        for (int k = 0; k + 1 < arcs; ++k) store<1>(a_ + place_.at(place_.target(p[k])), carried[k]);
+        finish(p[arcs - 1], leader, carried[arcs - 1]);
+    }
+
+    T* a_;
+    Place place_;
+    F f_;
+};
+
+// Along chunks of `width` adjacent elements, which the places count.
+template <class T>
+class WalkChunks {
+public:
+    static constexpr int most = 128;
+
+    WalkChunks(T* a, const Place& place, int width) : a_(a), place_(place), width_(width) {}
+
+    void operator()(Word leader, Word) const
+    {
+        T carried[2][most];
+        int full = 0;
+        move(carried[full], chunk(leader));
+        for (Word p = place_.target(leader); p != leader; p = place_.target(p), full ^= 1) {
+            move(carried[full ^ 1], chunk(p));
+            move(chunk(p), carried[full]);
+        }
+        move(chunk(leader), carried[full]);
+    }
+
+private:
+    T* chunk(Word p) const { return a_ + place_.at(p) * static_cast<Word>(width_); }
+    void move(T* to, const T* from) const
+    {
+        std::memcpy(static_cast<void*>(to), from, static_cast<std::size_t>(width_) * sizeof(T));
+    }
+
+    T* a_;
+    Place place_;
+    int width_;
+};
 
 // The m x n matrix at a becomes the n x m one, in the same m n places: element q of the result, by columns, stands
 // where element q of the matrix stood. m, n > 1.
 template <class T, class F>
-[[gnu::noinline]] void transpose_by_cycles(Int m, Int n, T* a, Int lda, const F& function)
+[[gnu::noinline]] void transpose_by_cycles(Int m, Int n, T* a, Int lda, const F& f)
 {
-    const F f = function;
-    const Place place{Divisor(static_cast<Word>(m)), static_cast<Word>(m), static_cast<Word>(n),
-                      static_cast<Word>(lda)};
-    const Word last = place.m * place.n - 1;
+    const Place place(m, n, lda);
     put(a, a, f); // the first and the last stay
-    put(a + place.at(last), a + place.at(last), f);
-    constexpr Word most_marks = 32768;
-    if (last >= most_marks) {
-        Leaders(place.n, last).each([&](Word leader) { walk_cycle(a, place, leader, f); });
-        return;
-    }
-    Word marks[most_marks / 64];
-    std::memset(marks, 0, (last / 64 + 1) * sizeof(Word));
-    for (Word leader = 1; leader < last; ++leader) {
-        if ((marks[leader / 64] >> leader % 64 & 1) != 0) continue;
-        for (Word p = place.target(leader); p != leader; p = place.target(p)) marks[p / 64] |= Word{1} << p % 64;
-        walk_cycle(a, place, leader, f);
-    }
+    put(a + place.at(place.last()), a + place.at(place.last()), f);
+    each_cycle(place, Walk<T, F>(a, place, f));
 }
 
 } // namespace ork::trans

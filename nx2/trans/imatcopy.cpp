@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // AB <- alpha op(AB).
-#include "trans/cycles.h"
+#include "trans/chunks.h"
 #include "trans/exchange.h"
 #include "trans/letters.h"
 #include "trans/members.h"
@@ -23,14 +23,17 @@ void swap_tiles(char trans, Int rows, Int cols, T* upper, T* lower, Int lda)
 }
 
 template <class F>
-void transpose_in_place(Int m, Int n, T* ab, Int lda, Int ldb, const F& f)
+void transpose_in_place(Int m, Int n, T* ab, Int lda, Int ldb, const F& f, bool changes)
 {
     if (m == n) {
         turn(n, ab, lda, f);
         if (lda != ldb) restride(n, n, ab, lda, ldb, Moved<T>(false));
         return;
     }
-    if (m > 1 && n > 1)
+    if (const ByChunks<T> chunks(m, n, ab); lda == m && m > 1 && n > 1 && chunks.possible()) {
+        if (changes) plain<T>(m * n, 1, Source<T, F>{ab, m, f}, Sink<T>{ab, m});
+        chunks.run();
+    } else if (m > 1 && n > 1)
         transpose_by_cycles(m, n, ab, lda, f);
     else
         restride(m, n, ab, lda, lda, f);
@@ -60,8 +63,8 @@ ORK_TRANS_EXPORT(imatcopy)
         if (one && m == n && lda == ldb && n >= 257 &&
             ORK_TRANS_DRIVER(imatcopy_square_t_par)(op.conjugated ? 'C' : 'T', n, ab, lda, swap_tiles) != 0)
             return;
-        if (one) return transpose_in_place(m, n, ab, lda, ldb, Moved<T>(op.conjugated));
-        return transpose_in_place(m, n, ab, lda, ldb, Scaled<T>(alpha, op.conjugated));
+        if (one) return transpose_in_place(m, n, ab, lda, ldb, Moved<T>(op.conjugated), is_complex<T> && op.conjugated);
+        return transpose_in_place(m, n, ab, lda, ldb, Scaled<T>(alpha, op.conjugated), true);
     }
     if (!one) return move_in_place(m, n, ab, lda, ldb, Scaled<T>(alpha, op.conjugated));
     if (lda != ldb || (is_complex<T> && op.conjugated)) move_in_place(m, n, ab, lda, ldb, Moved<T>(op.conjugated));
