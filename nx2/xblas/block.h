@@ -51,7 +51,7 @@ private:
     }
 };
 
-// head and tail are x and, if there is one, its second vector; they and y start at their first elements.
+// head and tail are x and, if there is one, its second vector.
 template <class T>
 struct Vectors {
     T alpha;
@@ -60,14 +60,16 @@ struct Vectors {
     T beta;
     T* y;
     Int incy;
-};
 
-// The first element of a vector of so many.
-template <class T>
-inline T* start(T* x, Int length, Int increment)
-{
-    return increment < 0 ? x + (1 - length) * increment : x;
-}
+    // Callers' pointers become those to the first elements, which a negative increment has at the far end.
+    void start(Int terms, Int length)
+    {
+        const Int x_start = incx < 0 ? (1 - terms) * incx : 0;
+        head += x_start;
+        if (tail != nullptr) tail += x_start;
+        if (incy < 0) y += (1 - length) * incy;
+    }
+};
 
 template <class Sum>
 inline void finish(Block<Sum>& block, const Vectors<typename Sum::Element>& v, const typename Sum::Factor& alpha,
@@ -115,8 +117,9 @@ void multiply(const Matrix& matrix, Int length, const Vectors<typename Sum::Elem
 
 // prec, one of 211 .. 214, decides which sums.
 template <class Matrix, class T>
-inline void multiply(Int prec, const Matrix& matrix, Int length, const Vectors<T>& v)
+inline void multiply(Int prec, const Matrix& matrix, Int terms, Int length, Vectors<T> v)
 {
+    v.start(terms, length);
     if (prec == 214) return multiply<ExtraSum<T>>(matrix, length, v);
     if (prec == 212) return multiply<PlainSum<T, double>>(matrix, length, v);
     multiply<PlainSum<T, Real<T>>>(matrix, length, v);

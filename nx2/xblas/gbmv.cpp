@@ -76,11 +76,15 @@ void gbmv(const char* routine, Int order, Int trans, Int m, Int n, Int kl, Int k
     const bool along_rows = (order == by_rows) == plain; // the terms of an element are adjacent
     const Int length = plain ? m : n, terms = plain ? n : m;
     const Int before = plain ? kl : ku, after = plain ? ku : kl;
-    const Band matrix{along_rows ? a : a + (before + after), lda, along_rows ? 1 : lda - 1, before, after, terms,
-                      trans == conjugate_transposed,         incx};
-    multiply(prec, matrix, length,
-             Vectors<T>{alpha, start(head, terms, incx), start(tail, terms, incx), incx, beta, start(y, length, incy),
-                        incy});
+    const Band matrix{along_rows ? a : a + (before + after - before * lda),
+                      lda,
+                      along_rows ? 1 : lda - 1,
+                      before,
+                      after,
+                      terms,
+                      trans == conjugate_transposed,
+                      incx};
+    multiply(prec, matrix, terms, length, Vectors<T>{alpha, head, tail, incx, beta, y, incy});
 }
 
 } // namespace

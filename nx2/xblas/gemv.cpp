@@ -38,9 +38,7 @@ void gemv(const char* routine, Int order, Int trans, Int m, Int n, T alpha, cons
     const bool along_rows = (order == by_rows) == (trans == not_transposed);
     const Int length = trans == not_transposed ? m : n, terms = trans == not_transposed ? n : m;
     const General matrix{a, along_rows ? lda : 1, along_rows ? 1 : lda, terms, trans == conjugate_transposed, incx};
-    multiply(prec, matrix, length,
-             Vectors<T>{alpha, start(head, terms, incx), start(tail, terms, incx), incx, beta, start(y, length, incy),
-                        incy});
+    multiply(prec, matrix, terms, length, Vectors<T>{alpha, head, tail, incx, beta, y, incy});
 }
 
 } // namespace

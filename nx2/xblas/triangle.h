@@ -74,8 +74,7 @@ void triangle_product(const char* routine, Int order, Int uplo, Int n, T alpha, 
     const Int later = tail != nullptr; // the second vector moves what stands behind it
     if (refused(routine, {{n < 0, 3}, {incx == 0, 8 + later}, {incy == 0, 11 + later}, {lda < n, 6}})) return;
     const Triangle<T, hermitian> matrix{a, lda, n, (uplo == lower) == (order == by_columns), order == by_rows, incx};
-    multiply(prec, matrix, n,
-             Vectors<T>{alpha, start(head, n, incx), start(tail, n, incx), incx, beta, start(y, n, incy), incy});
+    multiply(prec, matrix, n, n, Vectors<T>{alpha, head, tail, incx, beta, y, incy});
 }
 
 } // namespace ork::xblas
