@@ -10,6 +10,8 @@ namespace ork::trans {
 
 namespace {
 
+// Bytes of matrices that a further thread must have to write.
+constexpr double bytes_per_thread = 512 * 1024;
 constexpr int most_shares = 256, shares_of_a_thread = 8;
 
 // Cycles go through memory without order: what a transposition of another shape costs in place, beside a copy.
@@ -70,8 +72,9 @@ void Batch::run() const
         matrices += size(g);
     }
     const Place end{groups_.count, matrices, 0};
-    const int threads = affordable_threads(total);
-    const bool large = total >= 2 * bytes_per_thread * static_cast<double>(matrices);
+    const int threads = blas::affordable_threads(total, bytes_per_thread);
+    const bool large =
+        total >= 2 * bytes_per_block * static_cast<double>(matrices); // so that a call uses threads itself
     if (threads == 1 || matrices == 1 || (where_ == Where::out_of_place && large && matrices < 4 * threads))
         return run(Place(), end);
 

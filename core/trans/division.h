@@ -10,13 +10,7 @@
 
 namespace ork::trans {
 
-// Bytes of a matrix that a further thread must have to write.
-inline constexpr double bytes_per_thread = 256 * 1024;
-
 inline constexpr Int line = 64; // bytes of the cache's lines
-
-// Threads worth using for `bytes`; at least 1.
-inline int affordable_threads(double bytes) { return blas::affordable_threads(bytes, bytes_per_thread); }
 
 inline double bytes_of(Int rows, Int cols, Int element)
 {
@@ -35,9 +29,15 @@ struct Block {
     Int row, column, rows, columns;
 };
 
+// Bytes of a block. The kernels write past the caches from 2 MiB on, which suits what does not stay there, and what is
+// divided should not suit less: halves of 1 MiB of a matrix with columns of 4 KiB took three times as long as the
+// whole. A block of this size takes 50 to 200 microseconds, well over what it costs to wake a thread.
+inline constexpr double bytes_per_block = 2.5 * (1 << 20);
+
 // Blocks of a rows x columns matrix by columns at `address`, elements stand side by side in a column: several times as
-// many as there are threads, since the processors may have other work. Whole columns where there are enough of them;
-// else parts of all columns, between which the cache's lines are not divided if columns begin on equal places of lines.
+// many as there are threads, since the processors may have other work. Whole columns where there are enough of them:
+// parts of columns made copies take up to twice as long. Else parts of all columns, between which the cache's lines are
+// not divided if columns begin on equal places of lines.
 class Division {
 public:
     Division(Int rows, Int columns, Int element, const void* address);
@@ -53,9 +53,11 @@ public:
     }
 
 private:
+    Int begin(int part) const;
+
     Int rows_, columns_;
     bool by_columns_ = true;
-    Int first_ = 0, length_ = 0; // the first block takes first_ more
+    Int unit_ = 1, first_ = 0; // blocks begin at multiples of unit_ after first_
     int parts_ = 1;
 };
 

@@ -9,6 +9,7 @@ namespace ork::trans {
 
 namespace {
 
+constexpr double bytes_per_thread = 1 << 20;
 constexpr Int side = 64;              // of a tile
 constexpr int shares_of_a_thread = 8; // several, since the processors may have other work
 
@@ -47,7 +48,7 @@ private:
 template <class T>
 Int imatcopy_square_t_par(char trans, Int n, T* ab, Int lda, typename CoreCalls<T>::SwapTiles* swap)
 {
-    const int threads = affordable_threads(bytes_of(n, n, sizeof(T)));
+    const int threads = blas::affordable_threads(bytes_of(n, n, sizeof(T)), bytes_per_thread);
     if (threads == 1 || !is_transposition(trans)) return 0;
     const Tiles tiles(n, sizeof(T), ab);
     const auto exchange = [=](Int row, Int column, Int rows, Int columns) {
