@@ -50,31 +50,37 @@ struct Operand {
     char trans() const { return op.transposed ? op.conjugated ? 'C' : 'T' : op.conjugated ? 'R' : 'N'; }
 };
 
+// C (m x n) <- one term, of C's array or of another.
+void copy_alone(Int m, Int n, const Operand& a, T* c, Int ldc)
+{
+    const Int rows = a.op.transposed ? n : m, cols = a.op.transposed ? m : n; // as stored
+    if (c == a.a)
+        ORK_TRANS_MEMBER(imatcopy)('C', a.trans(), rows, cols, a.factor, c, a.lda, ldc);
+    else
+        ORK_TRANS_MEMBER(omatcopy)('C', a.trans(), rows, cols, a.factor, a.a, a.lda, c, ldc);
+}
+
+// C <- alpha op(C) + beta op(C), n x n, one of them transposed.
+void add_mirrored(Int n, const Operand& plain, const Operand& mirrored, T* c)
+{
+    const Scaled<T> f = plain.term().f, g = mirrored.term().f;
+    for (Int j = 0; j < n; ++j)
+        for (Int i = 0; i <= j; ++i) {
+            T *const upper = c + i + j * plain.lda, *const lower = c + j + i * plain.lda;
+            const Vec<T> x = load<1>(upper), y = load<1>(lower);
+            store<1>(upper, sum(f(x), g(y))), store<1>(lower, sum(f(y), g(x)));
+        }
+}
+
 // C <- alpha op(C) + beta op(C), m x n.
 void add_to_itself(Int m, Int n, const Operand& a, const Operand& b, T* c, Int ldc)
 {
-    if (a.factor == T(0) || b.factor == T(0)) {
-        const Operand& one = a.factor == T(0) ? b : a;
-        return ORK_TRANS_MEMBER(imatcopy)('C', one.trans(), one.op.transposed ? n : m, one.op.transposed ? m : n,
-                                          one.factor, c, one.lda, ldc);
-    }
-    if (a.op.transposed != b.op.transposed) { // square
-        for (Int j = 0; j < n; ++j)
-            for (Int i = 0; i <= j; ++i) {
-                T *const upper = c + i + j * ldc, *const lower = c + j + i * ldc;
-                const Vec<T> x = load<1>(upper), y = load<1>(lower);
-                const auto value = [&](Vec<T> plain, Vec<T> mirrored) {
-                    return sum(a.term().f(a.op.transposed ? mirrored : plain),
-                               b.term().f(b.op.transposed ? mirrored : plain));
-                };
-                const Vec<T> of_upper = value(x, y), of_lower = value(y, x);
-                store<1>(upper, of_upper), store<1>(lower, of_lower);
-            }
-        return;
-    }
-    const bool transposed = a.op.transposed;
+    const bool transposed = a.op.transposed && b.op.transposed;
     const Int rows = transposed ? n : m, cols = transposed ? m : n; // as stored
-    plain<T>(rows, cols, SourceOfSums<T, Scaled<T>>{{c, a.lda, a.term().f}, {c, b.lda, b.term().f}}, Sink<T>{c, a.lda});
+    if (a.op.transposed != b.op.transposed)
+        b.op.transposed ? add_mirrored(n, a, b, c) : add_mirrored(n, b, a, c);
+    else
+        plain<T>(rows, cols, SourceOfSums<T, Scaled<T>>{a.term(), b.term()}, Sink<T>{c, a.lda});
     if (transposed || a.lda != ldc)
         ORK_TRANS_MEMBER(imatcopy)('C', transposed ? 'T' : 'N', rows, cols, T(1), c, a.lda, ldc);
 }
@@ -82,20 +88,14 @@ void add_to_itself(Int m, Int n, const Operand& a, const Operand& b, T* c, Int l
 // C is the array of a, not that of b.
 void add_in_place(Int m, Int n, const Operand& a, const Operand& b, T* c, Int ldc)
 {
-    if (a.factor == T(0)) // A is not read
-        return ORK_TRANS_MEMBER(omatcopy)('C', b.trans(), b.op.transposed ? n : m, b.op.transposed ? m : n, b.factor,
-                                          b.a, b.lda, c, ldc);
-    const bool reads_b = !(b.factor == T(0));
-    if (!a.op.transposed && a.lda == ldc && reads_b) {
-        if (b.op.transposed)
-            add_transposed(m, n, a.term(), b.term(), c, ldc);
-        else
-            plain<T>(m, n, SourceOfSums<T, Scaled<T>>{a.term(), b.term()}, Sink<T>{c, ldc});
-        return;
+    if (a.op.transposed || a.lda != ldc) {
+        copy_alone(m, n, a, c, ldc);
+        return add_into(m, n, b.op.transposed, b.term(), c, ldc);
     }
-    ORK_TRANS_MEMBER(imatcopy)
-    ('C', a.trans(), a.op.transposed ? n : m, a.op.transposed ? m : n, a.factor, c, a.lda, ldc);
-    if (reads_b) add_into(m, n, b.op.transposed, b.term(), c, ldc);
+    if (b.op.transposed)
+        add_transposed(m, n, a.term(), b.term(), c, ldc);
+    else
+        plain<T>(m, n, SourceOfSums<T, Scaled<T>>{a.term(), b.term()}, Sink<T>{c, ldc});
 }
 
 } // namespace
@@ -123,23 +123,14 @@ ORK_TRANS_EXPORT(omatadd)
  T* c, Int ldc)
 {
     if (rows == 0 || cols == 0) return;
-    if (c == a || c == b) {
-        const Operand first{operation(transa), alpha, a, lda}, second{operation(transb), beta, b, ldb};
+    const Operand first{operation(transa), alpha, a, lda}, second{operation(transb), beta, b, ldb};
+    const bool alone = alpha == T(0) || beta == T(0);
+    if (alone || c == a || c == b) {
         if (rows < 0 || cols < 0 || !first.op.known || !second.op.known) return;
         const Int m = by_columns(ordering) ? rows : cols, n = by_columns(ordering) ? cols : rows;
+        if (alone) return copy_alone(m, n, alpha == T(0) ? second : first, c, ldc);
         if (a == b) return add_to_itself(m, n, first, second, c, ldc);
-        if (c == a) return add_in_place(m, n, first, second, c, ldc);
-        return add_in_place(m, n, second, first, c, ldc);
-    }
-    if (alpha == T(0) || beta == T(0)) {
-        const bool only_b = alpha == T(0);
-        const char trans = only_b ? transb : transa;
-        if (!operation(transa).known || !operation(transb).known) return;
-        const bool transposed = operation(trans).transposed; // omatcopy counts what is stored
-        const Int m = transposed ? cols : rows, n = transposed ? rows : cols;
-        const char letter = by_columns(ordering) ? 'C' : 'R';
-        return ORK_TRANS_MEMBER(omatcopy)(letter, trans, m, n, only_b ? beta : alpha, only_b ? b : a,
-                                          only_b ? ldb : lda, c, ldc);
+        return c == a ? add_in_place(m, n, first, second, c, ldc) : add_in_place(m, n, second, first, c, ldc);
     }
     using Size = std::uint64_t;
     const auto m = static_cast<Size>(rows), n = static_cast<Size>(cols);

@@ -41,9 +41,10 @@ struct Calls : CoreCalls<T> {
     // that is in neither matrix.
     using imatcopy = void(char ordering, char trans, Int rows, Int cols, T alpha, T* ab, Int lda, Int ldb);
     // C <- alpha op(A) + beta op(B); rows and cols are C's here, and any ordering but C is R. Products first, each
-    // rounded, then their sum. C may be the array of A, of B, or of both if lda = ldb. omatadd with alpha zero is
-    // omatcopy of B, else with beta zero that of A, and does not read the other. _seq reads both, never asks the core
-    // and wants C apart from A and B, unless neither is transposed and their leading dimensions are ldc.
+    // rounded, then their sum. omatadd with alpha zero is omatcopy of B, else with beta zero that of A, and does not
+    // read the other. C may be the array of A or of B, with any leading dimension, or of both: if lda = ldb, and C is
+    // square where one is transposed. _seq reads both, never asks the core and wants C apart from A and B, unless
+    // neither is transposed and their leading dimensions are ldc.
     using omatadd = void(char ordering, char transa, char transb, Int rows, Int cols, T alpha, const T* a, Int lda,
                          T beta, const T* b, Int ldb, T* c, Int ldc);
     using omatadd_seq = omatadd;
