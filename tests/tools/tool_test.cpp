@@ -109,7 +109,9 @@ TEST_F(Tool, DemoShowsNothingOfAWrongComputation)
                                        {"ecg", "by the median of"},
                                        {"blur", "PSNR"},
                                        {"structure", "iterations"},
-                                       {"pagerank", "most typical"}})
+                                       {"pagerank", "most typical"},
+                                       {"residual", "condition"},
+                                       {"rotate", "turned at"}})
         for (const char* fault : {"nan", "small"}) {
             const ChildResult run = ork({"demo", demo, "--out", folder},
                                         {"LD_PRELOAD=" ORK_WRONG_BLAS, std::string("ORK_TEST_FAULT=") + fault});
@@ -129,6 +131,46 @@ TEST_F(Tool, DemoUpdatesKalmanFilters)
     std::smatch outside;
     ASSERT_TRUE(std::regex_search(run.out, outside, std::regex("([0-9.]+) % of the measurements fall outside")));
     EXPECT_NEAR(std::stod(outside[1]), 5, 0.3);
+}
+
+// Refinement reaches the last digit with extra-precise residuals and goes nowhere with plain ones.
+TEST_F(Tool, DemoRefinesANearlySingularFit)
+{
+    const ChildResult run = ork({"demo", "residual", "--checks"});
+    ASSERT_TRUE(run.ok()) << run.describe();
+    EXPECT_THAT(run.out, HasSubstr("held: extra-precise residuals, of half an ulp"));
+    std::smatch first, last;
+    const std::string numbers = " +([0-9.]+) +([0-9.]+) +([0-9.]+) +([0-9.]+)\n";
+    ASSERT_TRUE(std::regex_search(run.out, first, std::regex("\n  0" + numbers)));
+    ASSERT_TRUE(std::regex_search(run.out, last, std::regex("\n  6" + numbers)));
+    EXPECT_EQ(first[3], first[4]) << "the same solution to begin with";
+    EXPECT_LT(std::stod(last[1]), 1);
+    EXPECT_GT(std::stod(last[2]), 15.5);
+    EXPECT_LT(std::stod(last[3]), 8);
+    EXPECT_GT(std::stod(last[4]), 15.5);
+
+    std::ofstream(folder / "ecg.txt") << "1000\n1001\n";
+    EXPECT_THAT(ork({"demo", "residual", "--data", folder}).err, HasSubstr("2 samples"));
+}
+
+TEST_F(Tool, DemoTurnsAPhotograph)
+{
+    const ChildResult run = ork({"demo", "rotate", "--out", folder, "--checks"});
+    ASSERT_TRUE(run.ok()) << run.describe();
+    EXPECT_EQ(xml_fault(read(folder / "ork-demo-rotate.svg")), "");
+    const auto pixels = [](const fs::path& file, const std::string& header) {
+        const std::string picture = read(file);
+        EXPECT_EQ(picture.substr(0, header.size()), header) << file;
+        return picture.substr(std::min(picture.size(), header.size()));
+    };
+    const std::string square = "P5\n512 512\n255\n";
+    const std::string original = pixels(ORK_SOURCE_DIR "/examples/data/ascent.pgm", square);
+    const std::string half = pixels(folder / "ork-demo-rotate-half.pgm", square);
+    EXPECT_EQ(half, std::string(original.rbegin(), original.rend())) << "upside down";
+    const std::string crop = pixels(folder / "ork-demo-rotate-crop.pgm", "P5\n300 512\n255\n");
+    ASSERT_EQ(crop.size(), size_t{300} * 512);
+    EXPECT_EQ(crop[0], original[size_t{511} * 512]) << "the lower left corner comes first";
+    EXPECT_EQ(crop[299], original[size_t{212} * 512]);
 }
 
 TEST_F(Tool, DemoSolvesASystem)

@@ -1,7 +1,7 @@
 /* SPDX-License-Identifier: MIT */
 /* Preloaded in front of ork: a dgemm and a sparse product whose last element is NaN or off by one part in a million,
-   transforms of which that holds for the third number, and a product through a handle of which it does for the first.
- */
+   transforms of which that holds for the third number, a product through a handle of which it does for the first, an
+   extra-precise product of which it does for the last, and a transposition in place of which it does for the second. */
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <math.h>
@@ -77,4 +77,25 @@ int64_t ork_sparse_d_mv(int op, double alpha, void* a, struct handle_kind kind, 
     if (fault && *fault == 'n') y[0] = NAN;
     if (fault && *fault == 's') y[0] *= 1.000001;
     return status;
+}
+
+void BLAS_dsymv_x(int order, int uplo, int n, double alpha, const double* a, int lda, const double* x, int incx,
+                  double beta, double* y, int incy, int prec)
+{
+    void (*right)(int, int, int, double, const double*, int, const double*, int, double, double*, int, int);
+    *(void**)&right = dlsym(RTLD_NEXT, "BLAS_dsymv_x");
+    right(order, uplo, n, alpha, a, lda, x, incx, beta, y, incy, prec);
+    const char* fault = getenv("ORK_TEST_FAULT");
+    if (fault && *fault == 'n') y[n - 1] = NAN;
+    if (fault && *fault == 's') y[n - 1] *= 1.000001;
+}
+
+void cblas_simatcopy(int layout, int trans, int rows, int cols, float alpha, float* ab, int lda, int ldb)
+{
+    void (*right)(int, int, int, int, float, float*, int, int);
+    *(void**)&right = dlsym(RTLD_NEXT, "cblas_simatcopy");
+    right(layout, trans, rows, cols, alpha, ab, lda, ldb);
+    const char* fault = getenv("ORK_TEST_FAULT");
+    if (fault && *fault == 'n') ab[1] = NAN;
+    if (fault && *fault == 's') ab[1] *= 1.000001F;
 }

@@ -8,7 +8,7 @@ namespace ork::tool {
 
 const std::vector<Demo>& demos()
 {
-    static const std::vector<Demo> all = {pca, linear_system, ecg, blur, structure, pagerank, kalman};
+    static const std::vector<Demo> all = {pca, linear_system, ecg, blur, structure, pagerank, kalman, residual, rotate};
     return all;
 }
 
