@@ -95,7 +95,7 @@ TYPED_TEST(XblasProducts, ThreadsChangeNoBit)
     };
     for (const auto& member : members<T>())
         for (const auto& [m, n, kl, ku] :
-             {Sizes{301, 263, 110, 77}, {2000, 60, 30, 20}, {50, 1500, 20, 45}, {200, 170, 5, 400}})
+             {Sizes{301, 263, 110, 77}, {2000, 60, 30, 20}, {300, 1500, 20, 100}, {200, 170, 5, 400}})
             for (const Int64 order : {blas_colmajor, blas_rowmajor})
                 for (const Int64 option : {options(member)[0], options(member)[1]})
                     for (const auto& [incx, incy] : {std::pair{1, 1}, {-2, 1}, {1, -2}}) {
