@@ -62,7 +62,7 @@ TYPED_TEST(MatrixCopy, IsRightInEveryShapeAndLetter)
     for (const auto& [rows, cols] : shapes)
         for (int letter = 0; letter < 8; letter += 2) {
             const char trans = all_letters[letter + random.integer(0, 1)];
-            const Int stridea = random.integer(-1, 3), strideb = random.integer(-1, 3); // one in three of five
+            const Int stridea = random.integer(-1, 3), strideb = random.integer(-1, 3); // below 1: 1
             Copy<T> c{one_of<char>(orderings, random),
                       trans,
                       rows,
