@@ -83,6 +83,16 @@ struct Problem {
         T last(1);
         for (T& x : x_head) x = last = value(random, last);
         for (T& x : x_tail) x = last = value(random, last);
+        // Every other time the second half of the terms takes the first one away: what is left is nothing but errors of
+        // additions, of which the last one shows.
+        if (seed % 2 == 0 && !triangle())
+            for (Int t = (terms() + 1) / 2; t < terms(); ++t) {
+                const Int from = t - (terms() + 1) / 2;
+                x_head[static_cast<std::size_t>(t)] = x_head[static_cast<std::size_t>(from)];
+                x_tail[static_cast<std::size_t>(t)] = x_tail[static_cast<std::size_t>(from)];
+                for (Int k = 0; k < length(); ++k)
+                    (transposed() ? at(t, k) : at(k, t)) = -(transposed() ? at(from, k) : at(k, from));
+            }
         if (!(alpha == T{})) { // otherwise A and x remain NaN
             for (Int j = 0; j < n; ++j)
                 for (Int i = 0; i < m; ++i)
