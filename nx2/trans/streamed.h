@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Transposition of what does not stay in the caches. Rows of A are taken 128 at a time, from the first column to the
-// last: long pieces of columns are read, and the columns of B grow by whole cache lines, written past the caches
+// Transposition of what does not stay in the caches. Rows of A are taken 64 or 96 at a time, from the first column to
+// the last: long pieces of columns are read, and the columns of B grow by whole cache lines, written past the caches
 // wherever they begin. What has come of a column of B stands in a row of a buffer, of which less than a line is carried
 // on from block to block of columns.
 //
 // While a block is read, the one before is written, two columns here and some rows there, and what is read next is
 // fetched: memory reads and writes all the time. Leading dimensions that are powers of two do not matter: no line is
-// needed twice, and the columns fetched ahead are few enough for the ways of a set.
+// needed twice, and few columns are fetched ahead.
 #pragma once
 
 #include "trans/tile.h"
@@ -24,8 +24,9 @@ inline void stream(Complex<R>* p, Vec<Complex<R>> a)
 template <class T, class From, class To>
 class Streamed {
     static constexpr int lanes = Vec<T>::lanes, side = line<T>;
-    static constexpr int most_rows = 128, width = 2 * side, pitch = side + width, group = lanes < 2 ? 2 : lanes;
-    static constexpr int ahead = sizeof(T) == 4 ? 8 : sizeof(T) == 8 ? 6 : 4; // columns
+    static constexpr int most_rows = sizeof(T) == 4 ? 96 : 64, width = 2 * side, pitch = side + width;
+    static constexpr int group = lanes < 2 ? 2 : lanes;
+    static constexpr int ahead = sizeof(T) == 4 ? 16 : sizeof(T) == 8 ? 12 : 10; // columns, some 100 lines
 
 public:
     Streamed(Int m, Int n, const From& from, const To& to) : m_(m), n_(n), from_(from), to_(to) {}
@@ -78,6 +79,8 @@ private:
         const bool ends = ahead_i >= m_ || ahead_j + group > n_;
         const Sink<T> sink{row(filling_, 0) + side + j, pitch};
         const From from = from_;
+        if (!ends) // the line that a piece may end in
+            for (int k = 0; k < group; ++k) from.fetch(ahead_i + block.rows - 1, ahead_j + k);
         for (int r = 0; r < block.rows; r += side) {
             if (!ends)
 #pragma GCC unroll 4
@@ -132,7 +135,7 @@ private:
     To to_;
     Block last_{0, 0, 0, 0};
     int filling_ = 0, written_ = 0;
-    alignas(64) T buffer_[2][most_rows * pitch]; // 24 KiB each
+    alignas(64) T buffer_[2][most_rows * pitch]; // 12 to 18 KiB each
 };
 
 // Whether it pays, and lines of B begin with whole elements.
