@@ -2,7 +2,9 @@
 // Transposition of a square in place: blocks beside the diagonal change places with their mirror images.
 #pragma once
 
-#include "trans/streamed.h"
+#include <cstring>
+
+#include "trans/tile.h"
 
 namespace ork::trans {
 
@@ -75,13 +77,13 @@ template <class T, class F>
     }
 }
 
-// The same for blocks that come from memory. A block and its mirror image are read whole, by pieces of columns fetched
-// ahead, into two buffers, and written back from there by whole lines past the caches; a line that a piece has a part
-// of is written as usual. So no line is needed twice, and leading dimensions that are powers of two do not matter.
+// The same where the columns of a tile compete for the same few lines of the caches. A block and its mirror image are
+// read whole, by pieces of columns fetched ahead, into two buffers, and written back from there piece by piece: no line
+// is needed twice.
 template <class T, class F>
 class Exchanged {
     static constexpr int lanes = Vec<T>::lanes, side = line<T>;
-    static constexpr int ahead = 8; // columns fetched ahead: as many as the ways of a set leave room for
+    static constexpr int ahead = sizeof(T) == 4 ? 12 : 8; // columns fetched ahead: no more than the ways of a set
 
 public:
     static constexpr int edge = sizeof(T) == 4 ? 64 : sizeof(T) == 8 ? 48 : 32;
@@ -134,12 +136,7 @@ private:
 
     static void write(int count, T* to, const T* from)
     {
-        const T* const end = from + count;
-        for (; from < end && reinterpret_cast<std::uintptr_t>(to) % 64 != 0; ++to, ++from) store<1>(to, load<1>(from));
-        for (; end - from >= side; to += side, from += side)
-#pragma GCC unroll 8
-            for (int k = 0; k < side; k += lanes) stream(to + k, load<lanes>(from + k));
-        for (; from < end; ++to, ++from) store<1>(to, load<1>(from));
+        std::memcpy(static_cast<void*>(to), from, static_cast<std::size_t>(count) * sizeof(T));
     }
 
     Int lda_;
@@ -147,16 +144,18 @@ private:
     alignas(64) T by_rows_[2][edge * edge]; // 16 to 18 KiB each
 };
 
-// Whether that pays for blocks of an n x n matrix.
+// Whether columns lda apart do, in an n x n matrix that is beyond the first caches. Wide elements leave few to a tile,
+// and from memory its rows come slower than pieces of columns.
 template <class T>
-inline bool is_exchange_streamed(Int n, const T* a)
+inline bool is_exchange_buffered(Int n, Int lda)
 {
-    return n * n >= streamed_bytes / static_cast<Int>(sizeof(T)) &&
-           reinterpret_cast<std::uintptr_t>(a) % sizeof(T) == 0;
+    constexpr Int size = sizeof(T);
+    const Int bytes = n * n * size;
+    return bytes >= (1 << 20) && (lda * size % 4096 == 0 || (size == 16 && bytes >= (6 << 20)));
 }
 
 template <class T, class F>
-[[gnu::noinline]] void exchange_streamed(Int m, Int n, T* upper, T* lower, Int lda, const F& f)
+[[gnu::noinline]] void exchange_buffered(Int m, Int n, T* upper, T* lower, Int lda, const F& f)
 {
     Exchanged<T, F> blocks(lda, f);
     constexpr Int edge = Exchanged<T, F>::edge;
@@ -168,18 +167,17 @@ template <class T, class F>
             blocks.exchange(rows, cols, upper + i + j * lda, lower + j + i * lda,
                             j + edge < n || i + edge < m ? next : nullptr);
         }
-    _mm_sfence(); // other threads see these stores in order again
 }
 
 // The whole n x n matrix.
 template <class T, class F>
 void turn(Int n, T* a, Int lda, const F& f)
 {
-    if (!is_exchange_streamed(n, a)) return turn_block(n, a, lda, f);
+    if (!is_exchange_buffered<T>(n, lda)) return turn_block(n, a, lda, f);
     constexpr Int edge = 4 * Exchanged<T, F>::edge; // what stands on the diagonal, in the second-level cache
     for (Int j = 0; j < n; j += edge) {
         const Int cols = n - j < edge ? n - j : edge;
-        if (j > 0) exchange_streamed(j, cols, a + j * lda, a + j, lda, f);
+        if (j > 0) exchange_buffered(j, cols, a + j * lda, a + j, lda, f);
         turn_block(cols, a + j + j * lda, lda, f);
     }
 }

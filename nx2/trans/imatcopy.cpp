@@ -16,8 +16,8 @@ void swap_tiles(char trans, Int rows, Int cols, T* upper, T* lower, Int lda)
     const Moved<T> f(operation(trans).conjugated);
     if (upper == lower)
         turn(cols, upper, lda, f);
-    else if (is_exchange_streamed(lda, upper))
-        exchange_streamed(rows, cols, upper, lower, lda, f);
+    else if (is_exchange_buffered<T>(lda, lda))
+        exchange_buffered(rows, cols, upper, lower, lda, f);
     else
         exchange_blocks(rows, cols, upper, lower, lda, f);
 }
