@@ -12,6 +12,8 @@ namespace {
 
 // Bytes of matrices that a further thread must have to write.
 constexpr double bytes_per_thread = 512 * 1024;
+// Matrices of this size take threads themselves.
+constexpr double large_matrix = 5 << 20;
 constexpr int most_shares = 256, shares_of_a_thread = 8;
 
 // Cycles go through memory without order: what a transposition of another shape costs in place, beside a copy.
@@ -73,8 +75,7 @@ void Batch::run() const
     }
     const Place end{groups_.count, matrices, 0};
     const int threads = blas::affordable_threads(total, bytes_per_thread);
-    const bool large =
-        total >= 2 * bytes_per_block * static_cast<double>(matrices); // so that a call uses threads itself
+    const bool large = total >= large_matrix * static_cast<double>(matrices);
     if (threads == 1 || matrices == 1 || (where_ == Where::out_of_place && large && matrices < 4 * threads))
         return run(Place(), end);
 

@@ -29,18 +29,17 @@ struct Block {
     Int row, column, rows, columns;
 };
 
-// Bytes of a block. The kernels write past the caches from 2 MiB on, which suits what does not stay there, and what is
-// divided should not suit less: halves of 1 MiB of a matrix with columns of 4 KiB took three times as long as the
-// whole. A block of this size takes 50 to 200 microseconds, well over what it costs to wake a thread.
-inline constexpr double bytes_per_block = 2.5 * (1 << 20);
+// Bytes of a result from which on it is divided, at least two blocks, and how.
+struct Policy {
+    double least, least_block;
+    bool by_columns; // if there are enough of them
+};
 
-// Blocks of a rows x columns matrix by columns at `address`, elements stand side by side in a column: several times as
-// many as there are threads, since the processors may have other work. Whole columns where there are enough of them:
-// parts of columns made copies take up to twice as long. Else parts of all columns, between which the cache's lines are
-// not divided if columns begin on equal places of lines.
+// Blocks of a result of rows x columns elements by columns at `address`, elements stand side by side in a column:
+// several times as many as there are threads, since the processors may have other work.
 class Division {
 public:
-    Division(Int rows, Int columns, Int element, const void* address);
+    Division(Int rows, Int columns, Int element, const void* address, const Policy& policy);
     int parts() const { return parts_; }
 
     Block block(int part) const;
@@ -56,7 +55,7 @@ private:
     Int begin(int part) const;
 
     Int rows_, columns_;
-    bool by_columns_ = true;
+    bool by_columns_;
     Int unit_ = 1, first_ = 0; // blocks begin at multiples of unit_ after first_
     int parts_ = 1;
 };

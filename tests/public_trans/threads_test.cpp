@@ -44,7 +44,7 @@ TYPED_TEST_SUITE(TransThreads, Precisions, PrecisionNames);
 TYPED_TEST(TransThreads, NumberChangesNoBit)
 {
     using T = TypeParam;
-    const Int bytes = 6 << 20, square = 1000, wide = bytes / 17 / sizeof(T);
+    const Int square = 1000, bytes = 8 << 20, wide = bytes / 17 / sizeof(T);
     for (const Routine& routine : routines)
         for (const auto& [rows, cols, count] : {std::tuple<Int, Int, Int>{square, bytes / square / sizeof(T), 1},
                                                 {17, wide, 2},
@@ -69,6 +69,14 @@ TYPED_TEST(TransThreads, NumberChangesNoBit)
                     }
                 }
             }
+}
+
+TYPED_TEST(TransThreads, SumsOfWhatIsReadAlike)
+{
+    const Threads threads(3);
+    Call<TypeParam> call("omatadd", 'C', 'R', 'N', 999, (24 << 20) / 999 / sizeof(TypeParam));
+    call.expect_right(bindings[2]);
+    EXPECT_GT(most_parts, 1);
 }
 
 TYPED_TEST(TransThreads, SquaresInPlace)
