@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <string_view>
 
 #include "peers/eigen.h"
 #include "peers/opening.h"
@@ -107,7 +108,12 @@ std::optional<Library> open_build(const std::string& name, const std::optional<f
                       version_of(handle_single, "fftwf_version").find("avx") != std::string::npos;
     return Library{name,
                    version + " (FFTW_MEASURE), " + (handle_double ? file_double : file_single)->parent_path().string(),
-                   wide ? Kind::wide : Kind::peer, [](const char*) { return static_cast<void*>(nullptr); }, make};
+                   wide ? Kind::wide : Kind::peer,
+                   [=](const char* symbol) {
+                       void* handle = std::string_view(symbol).starts_with("fftwf_") ? handle_single : handle_double;
+                       return handle != nullptr ? dlsym(handle, symbol) : nullptr;
+                   },
+                   make};
 }
 
 std::optional<fs::path> existing(const fs::path& file)

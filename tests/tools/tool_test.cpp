@@ -397,6 +397,28 @@ TEST_F(Tool, BenchMeasuresTransforms)
     }
 }
 
+TEST_F(Tool, BenchMeasuresMovedMatrices)
+{
+    const std::string json = folder / "bench.json";
+    const ChildResult run = ork({"bench", "trans", "--routine", "zomatcopy,dimatcopy,somatadd", "--trans",
+                                 "t,n,c,nt,tt", "--sizes", "17,12,5x9,70x3", "--quick", "--json", json},
+                                {"ORK_PEERS=" + folder.string()});
+    ASSERT_TRUE(run.ok()) << run.describe();
+    const auto root = nlohmann::json::parse(read(json));
+    ASSERT_EQ(root["cases"].size(), 36u); // T, N, C each; T with factor 2 as well; NT, TT
+    const std::map<std::string, double> elements = {{"17", 289}, {"12", 144}, {"5x9", 45}, {"70x3", 210}};
+    const std::map<std::string, double> bytes = {{"zomatcopy", 32}, {"dimatcopy", 16}, {"somatadd", 12}};
+    for (const auto& c : root["cases"]) {
+        SCOPED_TRACE(c.dump());
+        EXPECT_EQ(c["work"].get<double>(), elements.at(c["shape"]) * bytes.at(c["routine"]));
+        ASSERT_GE(c["figures"].size(), 3u);
+        EXPECT_EQ(c["figures"][0]["name"], "ork");
+        for (const auto& figure : c["figures"]) EXPECT_TRUE(figure["right"].get<bool>());
+        EXPECT_GT(c["limit"].get<double>(), 0);
+        EXPECT_GT(c["speed_up"].get<double>(), 0);
+    }
+}
+
 TEST_F(Tool, BenchMeasuresSparseMatrices)
 {
     const std::string json = folder / "bench.json", file = folder / "small.mtx";
@@ -548,6 +570,7 @@ TEST_F(Tool, BadArgumentsAreNamedAndFail)
         {{"bench", "gemm", "--sizes", "99999999999"}, "99999999999"},
         {{"bench", "gemm", "--trans", "NX"}, "NX"},
         {{"bench", "level3", "--routine", "dtrsm", "--trans", "LNN"}, "LNN"},
+        {{"bench", "trans", "--routine", "domatcopy", "--trans", "NT"}, "NT"},
         {{"bench", "fft", "--sizes", "100*"}, "100*"},
         {{"bench", "fft", "--kind", "cdx"}, "cdx"},
         {{"bench", "gemm", "--accuracy"}, "fft"},

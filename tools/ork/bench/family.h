@@ -82,6 +82,8 @@ std::vector<Case> lapack_cases(const Selection& selection);
 std::vector<Case> blocks_cases(const Selection& selection);
 std::vector<Case> factor_cases(const Selection& selection);
 std::vector<Case> compact_cases(const Selection& selection);
+std::vector<Case> trans_cases(const Selection& selection);
+std::vector<Case> xblas_cases(const Selection& selection);
 std::vector<Case> thread_cases(const Selection& selection);
 std::vector<Case> fft_cases(const Selection& selection);
 

@@ -50,7 +50,10 @@ void Table::row(const Result& result)
         else
             fmt::print("{:>8}  {:<13}", "peer", "");
         fmt::print(" {:>8} {:>8} {:>8}", "ork/peer", "limit", "of limit");
-        if (result.traffic > 0) fmt::print("     GB/s  2 threads speed-up over mv");
+        if (result.traffic > 0)
+            fmt::print("     GB/s  2 threads speed-up over mv");
+        else if (result.two_threads > 0)
+            fmt::print("  2 threads speed-up");
         fmt::print("{}\n", all_ || result.traffic > 0 ? "" : "     wide");
     }
     const Figure *subject = result.subject(), *best = result.find(result.best_peer), *wide = nullptr;
@@ -68,6 +71,8 @@ void Table::row(const Result& result)
     if (result.traffic > 0)
         fmt::print(" {:>8} {:>10} {:>8} {:>7}", number(result.traffic), number(result.two_threads),
                    number(result.speed_up), number(result.over_singles));
+    else if (result.two_threads > 0)
+        fmt::print(" {:>10} {:>8}", number(result.two_threads), number(result.speed_up));
     fmt::print("{}\n", all_ || result.traffic > 0 ? "" : fmt::format(" {:>8}", rate_of(wide)));
     for (const Figure& f : result.figures) {
         if (!f.note.empty() && (all_ || &f == best || &f == subject)) fmt::print("{:>14} {}: {}\n", "", f.name, f.note);
