@@ -58,13 +58,15 @@ template <class T, class From, class To>
 }
 
 // Columns of A that are transposed together, by the 4096-byte pages that they and the columns of B span, so that both
-// stay in the first level of address translation; leading dimensions in bytes.
+// stay in the first level of address translation; leading dimensions in bytes. Where that leaves few columns, 32 are
+// taken all the same: in the second-level cache columns of 4096 bytes run 1.7 to 2.7 times as fast as by 8.
 inline Int strip_width(Int lda, Int ldb)
 {
-    constexpr Int page = 4096, aliasing = 32768;
+    constexpr Int page = 4096, aliasing = 32768, least = 32;
     const Int pages_a = (lda + page - 1) / lda, pages_b = (ldb + page - 1) / ldb;
-    if (ldb <= page || pages_a * lda % aliasing == 0) return 8 * pages_a;
-    return (62 - (pages_b + 7) / pages_b) * pages_a;
+    const bool few = ldb <= page || pages_a * lda % aliasing == 0;
+    const Int width = few ? 8 * pages_a : (62 - (pages_b + 7) / pages_b) * pages_a;
+    return width < least ? least : width;
 }
 
 template <class T, class From, class To>
