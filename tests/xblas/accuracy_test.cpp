@@ -83,22 +83,6 @@ TYPED_TEST(Accuracy, WhatDoubleLoses)
     }
 }
 
-// Floats summed in double: the products, 1 + 2^-24 and -1, leave nothing in float.
-TYPED_TEST(Accuracy, DoubleSumsOfFloats)
-{
-    using T = TypeParam;
-    using R = Real<T>;
-    const auto tiny = static_cast<R>(std::ldexp(1.0, -24));
-    const T a[] = {T(1), T(tiny), T(-1)}, x[] = {T(1), T(1), T(1)};
-    for (Problem<T> p; const Int prec : all_precisions) {
-        p.n = 3, p.prec = prec;
-        T y(7);
-        p.call(a, 1, x, nullptr, &y, 0);
-        const bool lost = sizeof(R) == 4 && (prec == single_precision || prec == of_the_data);
-        EXPECT_EQ(y, lost ? T{} : T(tiny)) << prec;
-    }
-}
-
 // Splitting doesn't overflow before the product does; infinities and NaN show.
 TYPED_TEST(Accuracy, EndsOfTheRange)
 {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What is refused leaves y alone; what is allowed at the edge is not refused. And what calls leave behind.
+// What is refused leaves y alone. And what calls leave behind.
 #include "support/environment.h"
 #include "xblas/problem.h"
 
@@ -58,20 +58,6 @@ TYPED_TEST(Arguments, WrongOnesLeaveY)
                 if (kind == Kind::band) expect_refused(band);
                 if (kind == Kind::symmetric || kind == Kind::hermitian) expect_refused(triangle);
             }
-    }
-}
-
-// No rows: A^T x is zero, and y is scaled; lda may be zero.
-TYPED_TEST(Arguments, NoRows)
-{
-    using T = TypeParam;
-    for (const Int prec : all_precisions) {
-        Problem<T> p;
-        p.trans = 112, p.m = 0, p.n = 2, p.prec = prec, p.beta = T(3);
-        T y[] = {T(5), T(6)};
-        p.call(y, 0, y, nullptr, y, by_columns);
-        EXPECT_EQ(y[0], T(15));
-        EXPECT_EQ(y[1], T(18));
     }
 }
 

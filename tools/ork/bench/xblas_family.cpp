@@ -9,7 +9,8 @@
 namespace ork::tool::bench {
 namespace {
 
-// The kernel and the loops; no other library has these routines.
+// The kernel and the loops; no other library has these routines. Peers are those with the same bits: long double has 42
+// of them less, __float128 a few more.
 std::vector<peers::Library> contenders(const std::vector<peers::Library>& libraries, char letter)
 {
     std::vector<peers::Library> result;
@@ -21,7 +22,7 @@ std::vector<peers::Library> contenders(const std::vector<peers::Library>& librar
     for (const std::string& loop : peers::xblas_loops())
         result.push_back({loop,
                           "a loop of this program",
-                          peers::Kind::peer,
+                          loop == "long double" || loop == "__float128" ? peers::Kind::wide : peers::Kind::peer,
                           [loop, letter](const char* symbol) { return peers::xblas_loop(loop, symbol, letter); },
                           {}});
     return result;
