@@ -81,6 +81,29 @@ TYPED_TEST(InPlaceCopy, IsRightInLargerShapes)
             }
 }
 
+// The cycles of an m x n matrix's transposition are those of multiplication by n modulo m n - 1, whose divisors decide
+// how many there are and where: sizes in a row, powers of primes, products of many, primes.
+TYPED_TEST(InPlaceCopy, IsRightWhateverTheCycles)
+{
+    using T = TypeParam;
+    std::vector<std::pair<Int, Int>> shapes = {
+        {17, 241},  {241, 17},  {99, 331},  {331, 99}, {33, 993}, // 2^12, 2^15
+        {34, 193},  {193, 34},  {26, 601},  {88, 191},            // 3^8, 5^6, 7^5
+        {59, 509},  {509, 59},  {19, 1459}, {73, 137},            // 2 3 5 7 11 13, 2^3 3^2 5 7 11, 2^4 5^4
+        {2, 5000},  {30, 500},  {500, 30},  {2, 4999},            // 9999, 14999 = 53 283, 9997 = 13 769
+        {128, 256}, {256, 128}, {64, 1024}, {210, 143}};          // n a power of two; 30029, a prime
+    for (Int m = 2; m <= 64; ++m)
+        for (Int n = 2040 / m; n <= 2064 / m + 6; ++n) shapes.emplace_back(m, n);
+    Random random(9);
+    for (const auto& [rows, cols] : shapes)
+        for (const Int pada : {0, 1}) {
+            const T alpha = random.integer(0, 3) == 0 ? some<T>(2, -1) : T(1);
+            expect_in_place(
+                InPlace<T>{'C', random.integer(0, 1) == 0 ? 'T' : 'C', rows, cols, alpha, pada, random.integer(0, 1)});
+            if (this->HasFailure()) return;
+        }
+}
+
 TYPED_TEST(InPlaceCopy, IsRightInSquares)
 {
     using T = TypeParam;
