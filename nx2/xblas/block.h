@@ -15,7 +15,13 @@ struct Block {
     using T = typename Sum::Element;
     Int first;
     int count;
-    Sum sums[most_registers]{};
+    Sum sums[most_registers];
+
+    Block(Int first, int count) : first(first), count(count)
+    {
+#pragma GCC unroll 4 // brackets at sums would call for a string instruction, 6 % of a product of order 16
+        for (Sum& s : sums) s = Sum::zero();
+    }
 
     int registers() const { return (count + Sum::outputs - 1) / Sum::outputs; }
 

@@ -9,7 +9,7 @@
 namespace ork::xblas {
 
 struct Pair {
-    Vec<double> hi{}, lo{};
+    Vec<double> hi, lo;
 };
 
 // v = hi + lo, hi the 26 leading bits of v, rounded half away from zero: a carry into the exponent is what it must be.

@@ -60,8 +60,9 @@ struct PlainSum {
         }
     };
 
-    Vec<Work> s{};
+    Vec<Work> s;
 
+    static PlainSum zero() { return {broadcast(Work{})}; }
     void add(const Operand<T, Work>& a, const Factor& x) { s = s + product(a, x); }
     void add(const PlainSum& other) { s = s + other.s; }
     void scale(const Factor& alpha) { s = product(Operand<T, Work>(s), alpha); }
@@ -93,6 +94,7 @@ struct ExtraSum {
 
     Pair s;
 
+    static ExtraSum zero() { return {{broadcast(0.0), broadcast(0.0)}}; }
     void add(const Operand<T, double>& a, const Factor& x)
     {
         if constexpr (is_complex<T>) {
