@@ -110,7 +110,14 @@ TYPED_TEST(MatrixSum, IsRightWhereMatricesAreLarge)
 {
     using T = TypeParam;
     Random random(7);
-    for (const auto& [rows, cols] : {std::pair<Int, Int>{257, 256}, {256, 256}, {17, 1300}, {700, 61}, {131, 307}})
+    constexpr Int beyond_caches = (2 << 20) / sizeof(T);
+    for (const auto& [rows, cols] : {std::pair<Int, Int>{257, 256},
+                                     {256, 256},
+                                     {17, 1300},
+                                     {700, 61},
+                                     {131, 307},
+                                     {401, beyond_caches / 401 + 1},
+                                     {beyond_caches / 93 + 1, 93}})
         for (const Place place : {Place::apart, Place::at_a, Place::at_b, Place::all_one})
             for (const char transa : {'N', 'T', 'C'})
                 for (const char transb : {'N', 'T', 'R'}) {

@@ -111,6 +111,23 @@ TYPED_TEST(MatrixCopy, IsRightWhereMatricesAreLarge)
             }
 }
 
+// Megabytes, which are stored around the caches, line by line of B wherever its columns begin.
+TYPED_TEST(MatrixCopy, IsRightBeyondTheCaches)
+{
+    using T = TypeParam;
+    Random random(10);
+    for (const Int bytes : {2 << 20, 3 << 20})
+        for (const Int rows : {31, 32, 35, 65, 600, 1021, 9000})
+            for (const char trans : {'N', 'T', 'R', 'C'})
+                for (const T alpha : {T(1), some<T>(0.5f, -1)}) {
+                    const Int cols = (bytes / static_cast<Int>(sizeof(T)) + rows - 1) / rows + random.integer(0, 2);
+                    expect_copy(Copy<T>{'C', trans, rows, cols, alpha, random.integer(0, 20), random.integer(0, 20), 1,
+                                        1, one_of<Guard>(both_guards, random)},
+                                By::omatcopy);
+                    if (this->HasFailure()) return;
+                }
+}
+
 TYPED_TEST(MatrixCopy, StepsOverElementsBetween)
 {
     using T = TypeParam;

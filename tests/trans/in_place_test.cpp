@@ -70,7 +70,8 @@ TYPED_TEST(InPlaceCopy, IsRightInLargerShapes)
                         {97, 101, 0, 0},   {101, 97, 0, 0},  {101, 97, 1, 0},   {97, 101, 0, 30}, {64, 127, 0, 0},
                         {127, 64, 0, 1},   {128, 63, 2, 0},  {63, 128, 65, 0},  {2, 997, 0, 0},   {997, 2, 3, 1},
                         {255, 256, 0, 0},  {256, 255, 1, 0}, {256, 255, 0, 2},  {200, 400, 0, 0}, {131, 67, 500, 3},
-                        {67, 131, 2, 600}, {300, 700, 0, 0}, {311, 691, 13, 0}, {256, 512, 0, 0}, {512, 100, 0, 412}};
+                        {67, 131, 2, 600}, {300, 700, 0, 0}, {311, 691, 13, 0}, {256, 512, 0, 0}, {512, 100, 0, 412},
+                        {323, 4104, 0, 0}, {4104, 323, 0, 0}};
     Random random(4);
     for (const auto& s : shapes)
         for (const char trans : {'N', 'T', 'R', 'C'})
@@ -117,6 +118,20 @@ TYPED_TEST(InPlaceCopy, IsRightInSquares)
                 for (const T& alpha : {T(1), one_of<T>(factors<T>(), random)}) {
                     expect_in_place(InPlace<T>{one_of<char>(orderings, random), trans, n, n, alpha, pad, pad,
                                                one_of<Guard>(both_guards, random)});
+                    if (this->HasFailure()) return;
+                }
+}
+
+// Leading dimensions of whole pages put all columns on the same cache sets.
+TYPED_TEST(InPlaceCopy, IsRightInSquaresOfCompetingColumns)
+{
+    using T = TypeParam;
+    for (const auto way : {Drivers::Square::declines, Drivers::Square::tiles})
+        for (const Int n : {257, 300, 370, 530, 700})
+            for (const char trans : {'T', 'C'})
+                for (const T& alpha : {T(1), some<T>(2, 3)}) {
+                    drivers() = {way, {}};
+                    expect_in_place(InPlace<T>{'C', trans, n, n, alpha, 1024 - n, 1024 - n});
                     if (this->HasFailure()) return;
                 }
 }
