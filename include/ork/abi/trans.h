@@ -4,8 +4,8 @@
 //
 //     ork_trans_<tag>_ork_<p><stem>      d omatcopy
 //
-// p is the precision s d c z. Sizes, scalars and letters are passed by value, integers have 64 bits; a complex scalar is
-// passed as C's own _Complex.
+// p is the precision s d c z. Sizes, scalars and letters are passed by value, integers have 64 bits; a complex scalar
+// is passed as C's own _Complex.
 //
 // ordering is C or R, case apart: the matrices stand by columns or by rows. op is chosen by trans, case apart:
 //     N  op(A) = A     R  conj(A)     T  A^T     C  conj(A)^T
