@@ -49,6 +49,7 @@ struct Sink {
     {
         return v;
     }
+    void fetch(Int, Int, Int) const {} // what value() will read of so many elements of a column
     Sink from(Int i, Int j) const { return {at(i, j), ldb}; }
 };
 
@@ -64,6 +65,10 @@ struct SinkOfSums {
     Vec<T> value(Int i, Int j, Vec<T> v) const
     {
         return sum(other.template get<width>(i, j), v);
+    }
+    [[gnu::always_inline]] void fetch(Int i, Int j, Int count) const
+    {
+        for (Int k = 0; k <= count; k += line<T>) other.fetch(i + k, j);
     }
     SinkOfSums from(Int i, Int j) const { return {at(i, j), ldb, other.from(i, j)}; }
 };

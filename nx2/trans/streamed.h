@@ -27,6 +27,7 @@ class Streamed {
     static constexpr int most_rows = sizeof(T) == 4 ? 96 : 64, width = 2 * side, pitch = side + width;
     static constexpr int group = lanes < 2 ? 2 : lanes;
     static constexpr int ahead = sizeof(T) == 4 ? 16 : sizeof(T) == 8 ? 12 : 10; // columns, some 100 lines
+    static constexpr int rows_ahead = 16;
 
 public:
     Streamed(Int m, Int n, const From& from, const To& to) : m_(m), n_(n), from_(from), to_(to) {}
@@ -108,6 +109,7 @@ private:
     {
         const T* const carried = from + width - side; // the last line of the row
         const Int column = last.i + r;
+        to.fetch(last.j, column + rows_ahead, width);
         const int offset = static_cast<int>(reinterpret_cast<std::uintptr_t>(to.at(0, column)) % 64 / sizeof(T));
         Int at = last.j; // of from in the column
         int count = last.cols;
