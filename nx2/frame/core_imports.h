@@ -7,6 +7,7 @@
 
 #include "ork/abi/core_blas.h"
 #include "ork/abi/core_lapack.h"
+#include "ork/abi/core_trans.h"
 #include "ork/abi/dft.h"
 #include "ork/abi/services.h"
 
@@ -66,5 +67,39 @@ IMPORT(ork_conv_exec)
 IMPORT(ork_conv_execx)
 IMPORT(ork_conv_newtask)
 IMPORT(ork_conv_newtaskx)
+
+// Drivers of matrix copy, transposition and addition, which call back (ork/abi/core_trans.h)
+IMPORT(ork_trans_ork_cimatcopy_batch_par)
+IMPORT(ork_trans_ork_cimatcopy_batch_strided_par)
+IMPORT(ork_trans_ork_cimatcopy_square_t_par)
+IMPORT(ork_trans_ork_comatadd_batch_strided_par)
+IMPORT(ork_trans_ork_comatadd_par)
+IMPORT(ork_trans_ork_comatcopy2_par)
+IMPORT(ork_trans_ork_comatcopy_batch_par)
+IMPORT(ork_trans_ork_comatcopy_batch_strided_par)
+IMPORT(ork_trans_ork_dimatcopy_batch_par)
+IMPORT(ork_trans_ork_dimatcopy_batch_strided_par)
+IMPORT(ork_trans_ork_dimatcopy_square_t_par)
+IMPORT(ork_trans_ork_domatadd_batch_strided_par)
+IMPORT(ork_trans_ork_domatadd_par)
+IMPORT(ork_trans_ork_domatcopy2_par)
+IMPORT(ork_trans_ork_domatcopy_batch_par)
+IMPORT(ork_trans_ork_domatcopy_batch_strided_par)
+IMPORT(ork_trans_ork_simatcopy_batch_par)
+IMPORT(ork_trans_ork_simatcopy_batch_strided_par)
+IMPORT(ork_trans_ork_simatcopy_square_t_par)
+IMPORT(ork_trans_ork_somatadd_batch_strided_par)
+IMPORT(ork_trans_ork_somatadd_par)
+IMPORT(ork_trans_ork_somatcopy2_par)
+IMPORT(ork_trans_ork_somatcopy_batch_par)
+IMPORT(ork_trans_ork_somatcopy_batch_strided_par)
+IMPORT(ork_trans_ork_zimatcopy_batch_par)
+IMPORT(ork_trans_ork_zimatcopy_batch_strided_par)
+IMPORT(ork_trans_ork_zimatcopy_square_t_par)
+IMPORT(ork_trans_ork_zomatadd_batch_strided_par)
+IMPORT(ork_trans_ork_zomatadd_par)
+IMPORT(ork_trans_ork_zomatcopy2_par)
+IMPORT(ork_trans_ork_zomatcopy_batch_par)
+IMPORT(ork_trans_ork_zomatcopy_batch_strided_par)
 
 #undef IMPORT

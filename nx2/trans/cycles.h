@@ -39,7 +39,14 @@ private:
     Word d_, reciprocal_;
 };
 
-inline Word product(Word a, Word b, Word modulus) { return static_cast<Word>(static_cast<Wide>(a) * b % modulus); }
+// Of numbers below the modulus. By the instruction: the compiler would call a routine of its run-time.
+inline Word product(Word a, Word b, Word modulus)
+{
+    const Wide whole = static_cast<Wide>(a) * b;
+    Word quotient = static_cast<Word>(whole), rest = static_cast<Word>(whole >> 64);
+    asm("divq %2" : "+a"(quotient), "+d"(rest) : "r"(modulus) : "cc");
+    return rest;
+}
 inline Word power(Word a, Word exponent, Word modulus)
 {
     Word result = 1 % modulus;

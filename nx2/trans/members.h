@@ -8,6 +8,7 @@
 // omatcopy2_par) is a driver of the core; its address must not be taken, as imports are bound on their first call.
 #pragma once
 
+#include "frame/core_imports.h"
 #include "frame/export.h"
 #include "ork/abi/trans.h"
 #include "simd/complex.h"
