@@ -14,7 +14,7 @@ constexpr double bytes_per_thread = 1 << 20;
 constexpr int shares_of_a_thread = 8; // several, since the processors may have other work
 
 // Tiles of an n x n matrix begin where lines of the cache do, if columns begin on equal places of lines; the first may
-// be narrower. Their sides are four times those of the blocks in which the kernels exchange what comes from memory.
+// be narrower. Their sides are some of those of the blocks in which the kernels exchange what comes from memory.
 class Tiles {
 public:
     Tiles(Int n, Int element, const void* address)

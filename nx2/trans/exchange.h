@@ -83,10 +83,10 @@ template <class T, class F>
 template <class T, class F>
 class Exchanged {
     static constexpr int lanes = Vec<T>::lanes, side = line<T>;
-    static constexpr int ahead = sizeof(T) == 4 ? 12 : 8; // columns fetched ahead: no more than the ways of a set
+    static constexpr int ahead = sizeof(T) == 16 ? 12 : 24; // columns fetched ahead
 
 public:
-    static constexpr int edge = sizeof(T) == 4 ? 64 : sizeof(T) == 8 ? 48 : 32;
+    static constexpr int edge = 256 / static_cast<int>(sizeof(T)); // 48 or 64 doubles are slower
 
     Exchanged(Int lda, const F& f) : lda_(lda), f_(f) {}
 
@@ -141,17 +141,18 @@ private:
 
     Int lda_;
     F f_;
-    alignas(64) T by_rows_[2][edge * edge]; // 16 to 18 KiB each
+    alignas(64) T by_rows_[2][edge * edge]; // 4 to 16 KiB each
 };
 
-// Whether columns lda apart do, in an n x n matrix that is beyond the first caches. Wide elements leave few to a tile,
-// and from memory its rows come slower than pieces of columns.
+// Whether columns lda apart do, in an n x n matrix that is beyond the first caches. From memory wide elements come
+// faster by pieces of columns in any case.
 template <class T>
 inline bool is_exchange_buffered(Int n, Int lda)
 {
-    constexpr Int size = sizeof(T);
-    const Int bytes = n * n * size;
-    return bytes >= (1 << 20) && (lda * size % 4096 == 0 || (size == 16 && bytes >= (6 << 20)));
+    constexpr Int size = sizeof(T), mebibyte = 1 << 20;
+    const Int bytes = n * n * size, column = lda * size;
+    return (bytes >= mebibyte && column % 4096 == 0) || (bytes >= 8 * mebibyte && column % 2048 == 0) ||
+           (size == 8 && bytes >= 16 * mebibyte) || (size == 16 && bytes >= 6 * mebibyte);
 }
 
 template <class T, class F>
@@ -174,7 +175,7 @@ template <class T, class F>
 void turn(Int n, T* a, Int lda, const F& f)
 {
     if (!is_exchange_buffered<T>(n, lda)) return turn_block(n, a, lda, f);
-    constexpr Int edge = 4 * Exchanged<T, F>::edge; // what stands on the diagonal, in the second-level cache
+    constexpr Int edge = Exchanged<T, F>::edge;
     for (Int j = 0; j < n; j += edge) {
         const Int cols = n - j < edge ? n - j : edge;
         if (j > 0) exchange_buffered(j, cols, a + j * lda, a + j, lda, f);
