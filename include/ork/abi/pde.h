@@ -36,21 +36,154 @@ struct TrigCalls {
                       ork_dft_descriptor** handle, const Int* ipar, const R* fpar);
 };
 
-// Shared by the stages of one solve. Arrays of the boundary that a problem has not are null.
+// POISSON AND HELMHOLTZ SOLVERS
+//
+// -Laplace(u) + q u = f on grid points 0..nx, 0..ny (and 0..nz) by central differences; h is the step of a direction. A
+// side is Dirichlet (code 0: u given), Neumann (1: derivative along the outward normal given) or periodic (2: point n
+// is point 0). UNKNOWN points of a direction, by the pair of its sides:
+//     dd 1 .. n-1     dn 1 .. n     nd 0 .. n-1     nn 0 .. n     pp 0 .. n-1
+// The solver (a kernel library) checks, plans and calls the stages (routines of the core); it never looks at f between
+// them. Arrays of the boundary are indexed like a side of f: bd_ax[j + k (ny+1)], bd_ay[i + k (nx+1)],
+// bd_az[i + j (nx+1)]; those of periodic sides are not read.
+//
+// INTEGERS, 128 of them. Indices from 0; "position" counts real numbers from 1.
+//     0       status of the last stage
+//     1, 2    switches of error and warning messages: > 0 printed, < 0 appended to the log file, 0 silent
+//     6..11   codes of the sides ax, bx, ay, by, az, bz; a letter that is none of d, n, p gives -1
+//     12..14  nx, ny, nz (0 in two dimensions)
+//     15      position of the table of x, 6; 16 that of its last entry, nx + 6
+//     17, 18  the same of y in three dimensions, nx + 7 and nx + ny + 7; 0 in two
+//     19      position of the array of the x transform. Two dimensions: nx + 7, periodic x nx + ny + 10. Three:
+//             nx + ny + 8
+//     20      periodic x: position of the array of the second transform. Two dimensions else: nx + 7 + 3 nx / 2 rounded
+//             down, which nobody reads
+//     21, 22  three dimensions: the same of y
+//     23      1: messages by _print_diagnostics_c, 0: by _f
+//     24      threads that a stage may use
+//     25, 26  path of x and of y (26: three dimensions only): type of the transform, or Path
+//     27      1 when the problem is singular; set by commit and by every solve
+//     28      seal of the commit: what of this array must be as it was (sizes, codes, positions, paths, handles)
+//     29, 30  descriptors of the second transforms of x and y, for periodic sides
+//     40..59  the ipar of the x transform       80..99    of the second one
+//     60..79  of the y transform                100..119  of the second one
+//
+// REAL NUMBERS: 0 bx - ax, 1 by - ay, 2 bz - az, 3 q, 4 tolerance of the test for singularity 1e-10, tables from
+// element 5, arrays of the transforms. reals_2d(), reals_3d() suffice.
+constexpr Int transform_reals(Int n) { return 5 * n / 2 + 2; } // of one array
+constexpr Int reals_2d(Int nx, Int ny) { return 6 * nx + ny + 16; }
+constexpr Int reals_3d(Int nx, Int ny) { return 6 * (nx + ny) + 20; }
+
+// TRANSFORMED DIRECTIONS: x, and y in three dimensions. Every transform is committed without scaling (ipar[10] = 1), so
+// backward after forward is 2n times the numbers and what is zero by the type is neither read nor written: Dirichlet
+// values stay where they are. Below for x; n = nx.
+//     dd   type 0 of the whole line; mode k = 1 .. n-1 at column k
+//     nn   type 1; mode k = 0 .. n at column k
+//     nd   type 2; mode k = 0 .. n-1 at column k
+//     dn   type 2 of the line reversed: element i is column n - i (stride -1 from column n); mode k at column n - k
+//     pp   halves, n even and > 2, m = n / 2. First (u(i) + u(n-i)) / 2 at column i and (u(i) - u(n-i)) / 2 at column
+//          n - i for 0 < i < m; columns 0 and m as they are. Then type 1 of length m on columns 0 .. m, and the second
+//          transform, type 0 of length m, on columns m .. n (it leaves columns m and n alone). Cosine k = 0 .. m at
+//          column k, sine k = 1 .. m-1 at column m + k.
+//          whole, n odd or 2. Even part e(i) = (u(i) + u(n-i)) / 2, odd part o(i) = (u(i) - u(n-i)) / 2, i = 0 .. n,
+//          each a line of its own: type 1 of length n of e, type 0 of length n of o. Their even elements 2k (the odd
+//          ones are zero) are cosine and sine k: cosine k at column 2k, sine k at column 2k - 1.
+// The table of x has an entry for each column 0 .. nx, that of y for each row 0 .. ny: in two dimensions
+//     2 + hy^2 (lambda + q)
+// for x, in three
+//     hz^2 lambda                 for x
+//     2 + hz^2 (lambda + q)       for y
+// where lambda = (2 - 2 cos theta) / h^2, theta = pi k / n of dd and nn, pi (2k + 1) / 2n of nd and dn, 2 pi k / n of
+// pp, k the mode at that place. Where no mode stands the entry repeats a neighbour's.
+enum Path : Int { halves = -1, whole = -2 };
+
+// Shared by the stages of one solve.
 template <class R>
 struct Work {
     R* f; // x fastest, (nx + 1) (ny + 1) (nz + 1) numbers, nz = 0 in two dimensions
-    const R *bd_ax, *bd_bx, *bd_ay, *bd_by, *bd_az, *bd_bz;
+    const R *bd_ax, *bd_bx, *bd_ay, *bd_by, *bd_az, *bd_bz; // null: a direction that the problem has not
     Int* ipar;
     R* fpar;
     Int nx, ny, nz;
-    ork_dft_descriptor **xhandle, **yhandle;
-    Int singular; // 1: the problem has a solution but for a constant, if at all
-    Int status;   // 0; anything else is a failure
+    ork_dft_descriptor **xhandle, **yhandle; // null: a direction that is not transformed
+    Int singular;                            // 1: the solution is determined but for a constant, if there is any
+    Int status;                              // 0; a stage stores anything else when it fails
+    ork_dft_descriptor **xsecond, **ysecond; // of the second transforms
 };
 
+// STAGES. Two dimensions: ft_2d_<x>, lu_2d_<y>, inv_ft_2d_<x>, where <x> is the pair of x. Three: ft_3d_x_<x>,
+// ft_3d_y_<y>, ft_3d_z_<z>, inv_ft_3d_z_<z>, inv_ft_3d_y_<y>, inv_ft_3d_x_<x>. A stage that finds status set is not
+// called. Pairs of other directions: 2 code(a) + code(b) = 0 dd, 1 dn, 2 nd, 3 nn, 6 pp.
+//
+// Before the first stage f holds the right-hand side at unknown points and u at the points of Dirichlet sides (x sides
+// first, then y, then z, so an edge has the value of the later). h is hy in two dimensions, hz in three.
+//
+// ft_2d, ft_3d_x: at unknown points f becomes h^2 times
+//         f + u(Dirichlet neighbour) / hx^2          beside a Dirichlet side of x, from f
+//         f + 2 bd / hx                              on a Neumann side of x
+//     and the same for y (and z) with their steps. A point that lies beside a Dirichlet side and on the Neumann one
+//     across (one interval) takes 2 u / h^2. Then every line of unknown points is transformed along x, with what
+//     scale suits the stages that come back. Points that are no unknowns stay as they are.
+// ft_3d_y: every line of coefficients is transformed along y, in planes of unknown points.
+// lu_2d, ft_3d_z: one tridiagonal system along the last direction for every coefficient,
+//         d v(j) - v(j-1) - v(j+1) = g(j)            d the table's entry, or the sum of the entries of x and y
+//     for unknown j, without the neighbour at a Dirichlet end, with twice the inner neighbour at a Neumann end
+//     (d v(0) - 2 v(1)), cyclic for pp (one interval: (d - 2) v(0); two: d v(0) - 2 v(1)). v replaces g. In a singular
+//     problem the system of the constant mode (column 0, row 0) first loses the mean of its right-hand side and then
+//     its solution's: sums with half weights at Neumann ends, so that the mean of u by the scheme's weights is 0.
+// inv_ft_3d_z: nothing that f needs; a place to release what ft_3d_z kept.
+// inv_ft_3d_y: back along y, the same lines as ft_3d_y.
+// inv_ft_2d, inv_ft_3d_x: back along x, the same lines as ft. Then the copies of periodic directions, in this order:
+//     column nx is column 0, row ny row 0, plane nz plane 0, over the whole side.
 template <class R>
 using Stage = void(Work<R>* work);
+
+// fpar has the problem's precision; free has none. Every stage stores its status in stat and ipar[0].
+// init: ok, whatever the arguments. commit: f and boundary arrays are not read. A second commit with the same handles
+// releases the transforms of the first. free: also after a failed commit; nothing is left to be freed then.
+template <class R>
+struct PoissonCalls {
+    using init_helmholtz_2d = void(const R* ax, const R* bx, const R* ay, const R* by, const Int* nx, const Int* ny,
+                                   const char* BCtype, const R* q, Int* ipar, R* fpar, Int* stat);
+    using init_helmholtz_3d = void(const R* ax, const R* bx, const R* ay, const R* by, const R* az, const R* bz,
+                                   const Int* nx, const Int* ny, const Int* nz, const char* BCtype, const R* q,
+                                   Int* ipar, R* fpar, Int* stat);
+    using helmholtz_2d = void(R* f, const R* bd_ax, const R* bd_bx, const R* bd_ay, const R* bd_by,
+                              ork_dft_descriptor** xhandle, Int* ipar, R* fpar, Int* stat);
+    using helmholtz_3d = void(R* f, const R* bd_ax, const R* bd_bx, const R* bd_ay, const R* bd_by, const R* bd_az,
+                              const R* bd_bz, ork_dft_descriptor** xhandle, ork_dft_descriptor** yhandle, Int* ipar,
+                              R* fpar, Int* stat);
+    using commit_helmholtz_2d = helmholtz_2d;
+    using commit_helmholtz_3d = helmholtz_3d;
+    using free_helmholtz_2d = void(ork_dft_descriptor** xhandle, Int* ipar, Int* stat);
+    using free_helmholtz_3d = void(ork_dft_descriptor** xhandle, ork_dft_descriptor** yhandle, Int* ipar, Int* stat);
+    using pl_print_diagnostics_c = void(const Int* code, const Int* ipar, const R* fpar, const char* argument);
+    using pl_print_diagnostics_f = pl_print_diagnostics_c;
+};
+
+// DIAGNOSTICS: what is wrong, and the catalogue messages of printer c after 10, the title (11 heads errors, 12
+// warnings). Printer f takes numbers 193 higher. Every argument of a message is text (%s), numbers included; `argument`
+// is the text that the caller hands over. 201 (name of the log file) and 202 say that the file can't be opened.
+//     0 1 2         solve: nx, ny, nz below 1            23(nx) 24 25 26 27; 28(ny) 29 30 31 32; 33(nz) 34 35 36 37
+//     10000 1 2     commit: the same                     the same
+//     3 4 5         length of x, y, z not above 0        38(length) 39; 40(length) 39; 41(length) 39
+//     6 .. 11       code of ax, bx, ay, by, az, bz       42 .. 47 (code), then 48 49
+//     10067         periodic on one side of x only       50(code ax) 51(code bx) 52
+//     10089         of y                                 53(code ay) 54(code by) 52
+//     10111         of z                                 55(code az) 56(code bz) 52
+//     12            called in a wrong state              13(ipar[0]) 14 15
+//     23 24         init, commit of the x transform      57(its status) 58; 59(its status) 60
+//     10023 10024   of its second transform              61(its status) 58; 62(its status) 60
+//     33 34         init, commit of the y transform      63(its status) 58; 64(its status) 60
+//     10033 10034   of its second transform              65(its status) 58; 66(its status) 60
+//     25 26         stage ft in x; lu, or ft_3d_z        67(work status) 70; 68(work status) 70
+//     27            stages ft_3d_y and inv_ft            69(work status) 70
+//     28            free of a transform                  71(its status) 72
+//     29            no memory for the work record        73 74
+//     10200         ipar is not what commit left         75 76
+//     10900         singular: mean 0 is what solve gives 190 191
+//     10903         free for what drops a part of f      192 193
+//     10904         q below 0                            194(q) 195 196
+//     others        errors and warnings                  16(code)
 
 } // namespace ork::pde
 
