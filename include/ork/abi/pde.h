@@ -62,8 +62,9 @@ struct TrigCalls {
 //     24      threads that a stage may use
 //     25, 26  path of x and of y (26: three dimensions only): type of the transform, or Path
 //     27      1 when the problem is singular; set by commit and by every solve
-//     28      seal of the commit: what of this array must be as it was (sizes, codes, positions, paths, handles)
+//     28      seal of the commit: what of this array must be as it was (sizes, codes, positions, paths)
 //     29, 30  descriptors of the second transforms of x and y, for periodic sides
+//     31      seal of the handles: what a free or a second commit may release
 //     40..59  the ipar of the x transform       80..99    of the second one
 //     60..79  of the y transform                100..119  of the second one
 //
@@ -160,30 +161,30 @@ struct PoissonCalls {
     using pl_print_diagnostics_f = pl_print_diagnostics_c;
 };
 
-// DIAGNOSTICS: what is wrong, and the catalogue messages of printer c after 10, the title (11 heads errors, 12
-// warnings). Printer f takes numbers 193 higher. Every argument of a message is text (%s), numbers included; `argument`
-// is the text that the caller hands over. 201 (name of the log file) and 202 say that the file can't be opened.
-//     0 1 2         solve: nx, ny, nz below 1            23(nx) 24 25 26 27; 28(ny) 29 30 31 32; 33(nz) 34 35 36 37
-//     10000 1 2     commit: the same                     the same
-//     3 4 5         length of x, y, z not above 0        38(length) 39; 40(length) 39; 41(length) 39
-//     6 .. 11       code of ax, bx, ay, by, az, bz       42 .. 47 (code), then 48 49
-//     10067         periodic on one side of x only       50(code ax) 51(code bx) 52
-//     10089         of y                                 53(code ay) 54(code by) 52
-//     10111         of z                                 55(code az) 56(code bz) 52
-//     12            called in a wrong state              13(ipar[0]) 14 15
-//     23 24         init, commit of the x transform      57(its status) 58; 59(its status) 60
-//     10023 10024   of its second transform              61(its status) 58; 62(its status) 60
-//     33 34         init, commit of the y transform      63(its status) 58; 64(its status) 60
-//     10033 10034   of its second transform              65(its status) 58; 66(its status) 60
-//     25 26         stage ft in x; lu, or ft_3d_z        67(work status) 70; 68(work status) 70
-//     27            stages ft_3d_y and inv_ft            69(work status) 70
-//     28            free of a transform                  71(its status) 72
-//     29            no memory for the work record        73 74
-//     10200         ipar is not what commit left         75 76
+// DIAGNOSTICS: what is wrong, and the catalogue messages of printer c after 10, the title, and 11 (errors) or 12
+// (warnings); printer f takes numbers 193 higher. Every argument of a message is text, numbers included; (argument) is
+// the text that the caller of the printer hands over. 201 (name) and 202 say that the log file can't be opened.
+//     0 1 2         solve: nx, ny, nz below 1            13(nx) 14 15; 16(ny) 17 18; 19(nz) 20 21
+//     10000 1 2     commit: the same                     23(nx) 24 25 26 27; 28(ny) 29 30 31 32; 33(nz) 34 35 36 37
+//     3 4 5         length of x, y, z not above 0        38(length) 39; 40(length) 41; 42(length) 43
+//     6 .. 11       code of ax, bx, ay, by, az, bz       44(code) 45; 46(code) 47; ... 54(code) 55
+//     10067         periodic on one side of x only       59(code ax, code bx) 60
+//     10089 10111   of y, of z                           61(code ay, code by) 62; 63(code az, code bz) 64
+//     12            called in a wrong state              56(ipar[0]) 57 58
+//     23 24         init, commit of the x transform      65(argument) 69 70; 66(argument) 69 70
+//     10023 10024   of its second transform              67(argument) 69 70; 68(argument) 69 70
+//     33 34         init, commit of the y transform      78(argument) 69 70; 79(argument) 69 70
+//     10033 10034   of its second transform              the same
+//     25            stage ft of x, or of y               71(argument) 74 75
+//     26            stage lu, or ft_3d_z                 72(argument) 74 75
+//     27            stages inv_ft                        73(argument) 74 75
+//     28            no memory for the work record        76 77
+//     29            a transform can't be freed           80(argument)
+//     10200         ipar is not what commit left         81 58
 //     10900         singular: mean 0 is what solve gives 190 191
 //     10903         free for what drops a part of f      192 193
 //     10904         q below 0                            194(q) 195 196
-//     others        errors and warnings                  16(code)
+//     others                                             22
 
 } // namespace ork::pde
 
