@@ -95,6 +95,43 @@ TEST(Messages, UnknownNumberGivesAnEmptyText)
     EXPECT_STREQ(text, "");
 }
 
+TEST(Messages, ArgumentsAreTextsAndNoneIsReadBeyondTheirCount)
+{
+    char text[256], cut[8];
+    const std::string full = "The commit found n = 1 in ipar[0]; a transform has at least n = 2.";
+    EXPECT_EQ(ork_serv_get_msg(text, sizeof text, 451, 1, "1"), static_cast<int64_t>(full.size()));
+    EXPECT_EQ(text, full);
+    ork_serv_get_msg(text, sizeof text, 451, 2, "1", "unused");
+    EXPECT_EQ(text, full);
+    ork_serv_get_msg(text, sizeof text, 451, 0);
+    EXPECT_NE(std::string(text).find("n = ? in"), std::string::npos);
+    EXPECT_EQ(ork_serv_get_msg(cut, sizeof cut, 451, 1, "1"), -1);
+    EXPECT_STREQ(cut, "The com");
+    ork_serv_get_msg(text, sizeof text, 487, 1, "100 %s of it");
+    EXPECT_NE(std::string(text).find("100 %s of it"), std::string::npos) << "an argument is no format";
+}
+
+// Both sets of the diagnostics say the same, one counting from 0 and one from 1.
+TEST(Messages, SetsAreParallel)
+{
+    const auto words = [](int64_t number) {
+        char text[256] = "";
+        EXPECT_GT(ork_serv_get_msg(text, sizeof text, number, 0), 0) << number;
+        std::string kept;
+        for (const char* c = text; *c != 0; ++c)
+            if (*c == '[' || *c == '(')
+                for (; *c != 0 && *c != ']' && *c != ')'; ++c) {
+                }
+            else
+                kept += *c;
+        return kept;
+    };
+    for (int64_t number = 449; number <= 487; ++number) EXPECT_EQ(words(number), words(number - 39));
+    for (int64_t number = 10; number <= 32; ++number) EXPECT_EQ(words(number), words(number + 193));
+    for (int64_t number = 190; number <= 196; ++number) EXPECT_EQ(words(number), words(number + 193));
+    for (int64_t number : {201, 202, 396, 397, 398, 407, 408, 409}) words(number);
+}
+
 TEST(Printing, GoesToItsChannelAndToFiles)
 {
     char path[] = "/tmp/ork-file-XXXXXX";

@@ -45,8 +45,10 @@ void ork_serv_xerbla(const char* routine, const int64_t* info, int64_t routine_l
 int64_t ork_serv_lsame(const char* a, const char* b); /* 1 when the letters agree, case apart */
 
 /* Messages, printing and files. The *_s forms take the size of the destination, always end it with a zero and return
-   the number of characters that were written, or -1 when the text was cut. get_msg writes catalogue message `number`
-   with its arguments filled in, at most size - 1 characters. */
+   the number of characters that were written, or -1 when the text was cut. get_msg writes catalogue message `number`,
+   at most size - 1 characters. Its `arguments` arguments are texts (const char*), filled in one after the other: the
+   caller has formatted integers with "%lli" into fields of 22 characters and real numbers with "%.7g". Arguments that
+   the message doesn't use are ignored; where it asks for more, "?" stands. */
 int64_t ork_serv_get_msg(char* buffer, size_t size, int64_t number, int64_t arguments, ...);
 int ork_serv_print(int64_t channel, const char* text); /* channel 0: standard output, 1: standard error */
 int ork_serv_format_print(int64_t channel, const char* format, ...);
