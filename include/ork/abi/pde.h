@@ -21,6 +21,24 @@ using Int = std::int64_t;
 // Statuses of every stage, stored in stat and in the array of integers.
 enum Status : Int { ok = 0, bad_argument = -100, transform_failed = -1000, bad_state = -10000, running = -99999 };
 
+// TRIGONOMETRIC TRANSFORMS. A kernel computes twice the sum below, in place; unless ipar[10] is set the stage multiplies
+// by 1/n (forward) or 1/2 (backward), which makes forward and backward inverse to each other. Without it backward after
+// forward gives 2n times the numbers. A sum with (half ...) counts those elements half.
+//
+//     type  forward F(k), sum over i of f(i) times   i, k                    backward f(i), sum over k of F(k) times
+//     0     sin(pi k i / n)                          1 .. n-1                the same
+//     1     cos(pi k i / n) (half i = 0, n)          0 .. n                  the same (half k = 0, n)
+//     2     cos((2k+1) pi i / 2n) (half i = 0)       0 .. n-1                the same, no half
+//     3     sin((2k-1) pi i / 2n) (half i = n)       1 .. n                  the same, no half
+//     4     cos((2k+1)(2i+1) pi / 4n)                0 .. n-1                the same
+//     5     sin((2k+1)(2i+1) pi / 4n)                0 .. n-1                the same
+//
+// F(k) lands where f(k) stands. f[0] and f[n] of type 0, f[n] of type 2 and f[0] of type 3 are zeros of the function:
+// they are not read into the sums and only the scaling touches them (in types 2 and 3 both, in type 0 the forward one).
+// Type 3 with ipar[10] set transforms f[0 .. n-1], so f(i) stands at f[i-1]. f[n] of types 4 and 5 is not touched.
+//
+// The array of real numbers has 5n/2 + 2 elements or more: tolerance, a mark of the commit, tables. A computation with
+// an array that bears no mark, or the mark of another n or type, is refused with bad_state.
 template <class R>
 struct TrigCalls {
     using init = void(const Int* n, const Int* type, Int* ipar, R* fpar, Int* stat);
@@ -65,6 +83,7 @@ struct TrigCalls {
 //     28      seal of the commit: what of this array must be as it was (sizes, codes, positions, paths)
 //     29, 30  descriptors of the second transforms of x and y, for periodic sides
 //     31      seal of the handles: what a free or a second commit may release
+//     32      seal of init: the sizes, by which arrays are as long as they are
 //     40..59  the ipar of the x transform       80..99    of the second one
 //     60..79  of the y transform                100..119  of the second one
 //

@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+#include "pde/trig/lines.h"
+
+#include "frame/core_imports.h"
+
+namespace ork::pde {
+namespace {
+
+// Where the kernel of a type starts, and which elements it has not but the scaling has.
+struct Extent {
+    Int first, elements; // of a line
+    Int alone[2];        // scaled and nothing else; -1: none
+};
+
+Extent extent(Int type, Int n, Way way, bool scaled)
+{
+    switch (type) {
+    case 0:
+        return way == Way::forward ? Extent{0, n + 1, {0, n}} : Extent{0, n + 1, {-1, -1}};
+    case 1:
+        return {0, n + 1, {-1, -1}};
+    case 2:
+        return {0, n, {n, -1}};
+    case 3:
+        return {scaled ? 1 : 0, n, {0, -1}};
+    default:
+        return {0, n, {-1, -1}};
+    }
+}
+
+// Lines whose elements are this near are put into the buffer side by side: a cache line.
+template <class R>
+constexpr Int side_by_side = 64 / sizeof(R);
+
+} // namespace
+
+template <class R>
+Int transform_lines(const TrigPlan<R>& plan, Way way, bool scaled, R* f, const Lines& lines)
+{
+    const Int n = plan.n;
+    const Extent e = extent(plan.type, n, way, scaled);
+    const R factor = !scaled ? R(1) : way == Way::forward ? R(1) / static_cast<R>(n) : R(0.5);
+
+    constexpr Int on_stack = 8192 / sizeof(R), unit = 64 / sizeof(R);
+    const bool buffered = lines.stride != 1;
+    const Int group = !buffered ? 0 : lines.count < side_by_side<R> ? lines.count : side_by_side<R>;
+    const Int line = (e.elements + unit) / unit * unit + unit; // not a power of two
+    const Int numbers = work_numbers<R>(plan.type, n), whole = (numbers + unit - 1) / unit * unit + group * line;
+    alignas(64) R small[on_stack];
+    R* const work =
+        whole <= on_stack ? small : static_cast<R*>(ork_serv_allocate(static_cast<std::size_t>(whole) * sizeof(R), 64));
+    if (work == nullptr) return ORK_DFT_MEMORY_ERROR;
+    R* const buffer = work + (whole - group * line);
+
+    Int status = 0;
+    for (Int k = 0; k < lines.count && status == 0; k += buffered ? group : 1) {
+        R* const first = f + k * lines.distance;
+        const Int count = !buffered ? 1 : lines.count - k < group ? lines.count - k : group;
+        if (scaled)
+            for (Int j = 0; j < count; ++j)
+                for (const Int i : e.alone)
+                    if (i >= 0) first[j * lines.distance + i * lines.stride] *= factor;
+        if (!buffered) {
+            status = transform(plan, way, factor, first + e.first, work);
+            continue;
+        }
+        R* const at = first + e.first * lines.stride;
+        for (Int i = 0; i < e.elements; ++i)
+            for (Int j = 0; j < count; ++j) buffer[j * line + i] = at[j * lines.distance + i * lines.stride];
+        for (Int j = 0; j < count && status == 0; ++j) status = transform(plan, way, factor, buffer + j * line, work);
+        for (Int i = 0; i < e.elements; ++i)
+            for (Int j = 0; j < count; ++j) at[j * lines.distance + i * lines.stride] = buffer[j * line + i];
+    }
+    if (work != small) ork_serv_deallocate(work);
+    return status;
+}
+
+#define INSTANTIATE(R) template Int transform_lines(const TrigPlan<R>&, Way, bool, R*, const Lines&);
+INSTANTIATE(float)
+INSTANTIATE(double)
+
+} // namespace ork::pde
