@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+// The kernels of transforms and Poisson solvers by their stems: lines<double> is ork_pdett_nx2_d_lines_trig_transform.
+#pragma once
+
+#include "loader/kernel.h"
+#include "ork/abi/pde.h"
+#include "ork/abi/pde_tridiagonal.h"
+
+namespace ork::pde::kernels {
+
+template <class R>
+constexpr const char* of_precision(const char* s, const char* d)
+{
+    return sizeof(R) == sizeof(float) ? s : d;
+}
+
+#define ORK_KERNEL(name, domain, before, after, signature)                                                             \
+    template <class R>                                                                                                 \
+    inline constinit loader::Kernel<signature> name{domain, of_precision<R>("s_" before after, "d_" before after)};
+#define ORK_TRANSFORM(name)                                                                                            \
+    ORK_KERNEL(name##_trig_transform, "pdett", #name, "_trig_transform", typename TrigCalls<R>::name)
+#define ORK_POISSON(name) ORK_KERNEL(name, "pdepl", "", #name, typename PoissonCalls<R>::name)
+ORK_TRANSFORM(init)
+ORK_TRANSFORM(commit)
+ORK_TRANSFORM(forward)
+ORK_TRANSFORM(backward)
+ORK_TRANSFORM(lines)
+ORK_POISSON(init_helmholtz_2d)
+ORK_POISSON(commit_helmholtz_2d)
+ORK_POISSON(helmholtz_2d)
+ORK_POISSON(init_helmholtz_3d)
+ORK_POISSON(commit_helmholtz_3d)
+ORK_POISSON(helmholtz_3d)
+ORK_KERNEL(tridiagonal, "pdepl", "", "tridiagonal", Tridiagonal<R>)
+#undef ORK_POISSON
+#undef ORK_TRANSFORM
+#undef ORK_KERNEL
+
+} // namespace ork::pde::kernels
