@@ -17,6 +17,7 @@ struct TrigPlan {
 };
 
 // Length of the Fourier transform.
+template <class R>
 Int dft_length(Int type, Int n);
 // Writes the tables of a type.
 template <class R>

@@ -99,7 +99,7 @@ void commit(const R* f, ork_dft_descriptor** handle, Int* ipar, R* fpar, Int* st
     Int failure = n < longest_trig ? 0 : ORK_DFT_LENGTH_ERROR;
     if (failure == 0) {
         make_tables(type, n, fpar + trig_tables);
-        if (ipar[trig_set_up] != 0) failure = make_dft<R>(handle, dft_length(type, n), ipar[trig_threads]);
+        if (ipar[trig_set_up] != 0) failure = make_dft<R>(handle, dft_length<R>(type, n), ipar[trig_threads]);
     }
     if (failure != 0) {
         report({dft_failed, 0, 0, failure}, ipar);

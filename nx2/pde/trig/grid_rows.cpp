@@ -1,0 +1,283 @@
+// SPDX-License-Identifier: MIT
+#include "pde/trig/grid_rows.h"
+
+#include "frame/core_imports.h"
+#include "pde/trig/lanes.h"
+#include "pde/trig/roots.h"
+
+namespace ork::pde {
+namespace {
+
+// E and O for m = 2, 4, 8; `c` and `s` are overwritten by them.
+constexpr double root_half = 0.70710678118654752440, cos_8 = 0.92387953251128675613, sin_8 = 0.38268343236508977173;
+
+template <class V>
+[[gnu::always_inline]] inline void cosines(V (&c)[3])
+{
+    const V sum = c[0] + c[2];
+    const V e1 = c[0] - c[2];
+    c[0] = sum + c[1], c[2] = sum - c[1], c[1] = e1;
+}
+template <class V>
+[[gnu::always_inline]] inline void cosines(V (&c)[5])
+{
+    using R = typename LanesOf<V>::number;
+    V even[3] = {c[0] + c[4], c[1] + c[3], c[2]};
+    const V b = c[0] - c[4], d = all<V>(R(root_half)) * (c[1] - c[3]);
+    cosines(even);
+    c[0] = even[0], c[2] = even[1], c[4] = even[2];
+    c[1] = b + d, c[3] = b - d;
+}
+template <class V>
+[[gnu::always_inline]] inline void cosines(V (&c)[9])
+{
+    using R = typename LanesOf<V>::number;
+    V even[5] = {c[0] + c[8], c[1] + c[7], c[2] + c[6], c[3] + c[5], c[4]};
+    const V b0 = c[0] - c[8], b1 = c[1] - c[7], b2 = all<V>(R(root_half)) * (c[2] - c[6]), b3 = c[3] - c[5];
+    const V outer = all<V>(R(cos_8)) * b1 + all<V>(R(sin_8)) * b3,
+            inner = all<V>(R(sin_8)) * b1 - all<V>(R(cos_8)) * b3;
+    cosines(even);
+    c[0] = even[0], c[2] = even[1], c[4] = even[2], c[6] = even[3], c[8] = even[4];
+    const V sum = b0 + b2, difference = b0 - b2;
+    c[1] = sum + outer, c[7] = sum - outer;
+    c[3] = difference + inner, c[5] = difference - inner;
+}
+
+template <class V>
+[[gnu::always_inline]] inline void sines(V (&)[2])
+{
+}
+template <class V>
+[[gnu::always_inline]] inline void sines(V (&s)[4])
+{
+    using R = typename LanesOf<V>::number;
+    const V sum = all<V>(R(root_half)) * (s[1] + s[3]), o2 = s[1] - s[3];
+    s[1] = sum + s[2], s[3] = sum - s[2], s[2] = o2;
+}
+template <class V>
+[[gnu::always_inline]] inline void sines(V (&s)[8])
+{
+    using R = typename LanesOf<V>::number;
+    V even[4] = {s[0], s[1] - s[7], s[2] - s[6], s[3] - s[5]};
+    const V t1 = s[1] + s[7], t2 = all<V>(R(root_half)) * (s[2] + s[6]), t3 = s[3] + s[5], t4 = s[4];
+    const V u = all<V>(R(sin_8)) * t1 + all<V>(R(cos_8)) * t3, w = all<V>(R(cos_8)) * t1 - all<V>(R(sin_8)) * t3;
+    sines(even);
+    s[2] = even[1], s[4] = even[2], s[6] = even[3];
+    const V v = t2 + t4, x = t2 - t4;
+    s[1] = u + v, s[7] = u - v;
+    s[3] = w + x, s[5] = w - x;
+}
+
+// Blocks of `lanes` k from 1 on; a block has, row after row from 1 to m, the real parts and the imaginary parts.
+template <class R>
+const R* factors(const R* table, Int m, Int k)
+{
+    constexpr Int lanes = Vec<R>::lanes;
+    return table + (k - 1) / lanes * (2 * m * lanes) + (k - 1) % lanes;
+}
+
+template <class R, bool sine, int m>
+class Rows {
+public:
+    Rows(const TrigPlan<R>& plan, R factor, R* f, R* work)
+        : plan_(plan), f_(f), work_(work), n_(plan.n), length_(plan.n / m), distance_(grid_distance<R>(length_)),
+          factor_(factor)
+    {
+    }
+
+    Int run()
+    {
+        gather();
+        for (Int q = 0; q <= m; ++q)
+            if (const Int status = ork_dft_dfticomputeforward(plan_.dft, row(q))) return status;
+        const Int pairs = (length_ - 1) / 2;
+        in_lanes<R>(
+            1, pairs + 1, [&](Int k, auto v) __attribute__((always_inline)) { combine<decltype(v)>(k); });
+        ends();
+        return 0;
+    }
+
+private:
+    static constexpr int lanes = Vec<R>::lanes, radix = 2 * m;
+
+    R* row(Int q) const { return work_ + q * distance_; }
+    R extended(Int i) const
+    {
+        if (sine && (i == 0 || i == n_)) return 0;
+        return i <= n_ ? f_[i] : sine ? -f_[2 * n_ - i] : f_[2 * n_ - i];
+    }
+
+    void gather()
+    {
+        const Int blocks = n_ / radix / lanes * lanes;
+        for (Int j = 0; j < blocks; j += lanes) {
+            const R* from = f_ + radix * j;
+            for (int q = 0; q < radix; q += lanes) {
+                Vec<R> x[lanes];
+                for (int i = 0; i < lanes; ++i) x[i] = load(from + i * radix + q);
+                transpose(x);
+                for (int i = 0; i < lanes; ++i) {
+                    if (q + i <= m) store(row(q + i) + j, x[i]);
+                    if (q + i != 0 && q + i < m) continue;
+                    const Vec<R> mirrored = reversed(sine ? negated(x[i]) : x[i]);
+                    if (q + i == 0)
+                        store(row(0) + length_ - j - lanes + 1, mirrored); // one of the first block is beside the row
+                    else
+                        store(row(radix - q - i) + length_ - j - lanes, mirrored);
+                }
+            }
+        }
+        const Int end = length_ - blocks + 1 < length_ ? length_ - blocks + 1 : length_;
+        for (Int q = 0; q <= m; ++q)
+            for (Int j = blocks; j < end; ++j) row(q)[j] = extended(radix * j + q);
+        row(0)[0] = extended(0);
+    }
+
+    template <class V>
+    [[gnu::always_inline]] void combine(Int k)
+    {
+        V c[m + 1], s[m];
+        const Int at = length_ % 2 == 0 ? 2 * k : 2 * k - 1;
+        const R* w = factors(plan_.table, m, k);
+#pragma GCC unroll 9
+        for (int q = 0; q <= m; ++q) {
+            V re, im;
+            get_pairs(row(q) + at, re, im);
+            if (q == 0) {
+                c[q] = sine ? im : re;
+                continue;
+            }
+            const V w_re = get<V>(w + (2 * q - 2) * lanes), w_im = get<V>(w + (2 * q - 1) * lanes);
+            if (sine || q < m) {
+                const V b = re * w_im + im * w_re;
+                if (sine)
+                    c[q] = b;
+                else
+                    s[q] = b;
+            }
+            if (!sine || q < m) {
+                const V a = re * w_re - im * w_im;
+                if (!sine)
+                    c[q] = a;
+                else
+                    s[q] = a;
+            }
+        }
+        cosines(c);
+        sines(s);
+        const V factor = all<V>(factor_);
+        R *up = f_ + k, *down = f_ - k;
+        put(up, (sine ? negated(c[0]) : c[0]) * factor);
+#pragma GCC unroll 9
+        for (int p = 1; p < m; ++p) {
+            put(up + p * length_, (sine ? s[p] - c[p] : c[p] + s[p]) * factor);
+            put_down(down + p * length_, (sine ? s[p] + c[p] : c[p] - s[p]) * factor);
+        }
+        put_down(down + m * length_, c[m] * factor);
+    }
+
+    // k = 0, and l/2 for even l, where spectra are real.
+    void ends()
+    {
+        R c[m + 1] = {}, s[m] = {};
+        for (int q = 0; q <= m; ++q) {
+            const R value = q == 0 || q == m ? row(q)[0] : 2 * row(q)[0];
+            if (!sine)
+                c[q] = value;
+            else if (q < m)
+                s[q] = value;
+        }
+        cosines(c);
+        sines(s);
+        for (int p = sine ? 1 : 0; p <= (sine ? m - 1 : m); ++p) f_[p * length_] = (sine ? s[p] : c[p]) * factor_;
+        if (length_ % 2 != 0) return;
+        const Int k = length_ / 2;
+        const R* w = factors(plan_.table, m, k);
+        for (int q = 0; q <= m; ++q) {
+            const R re = row(q)[1], a = q == 0 ? re : re * w[(2 * q - 2) * lanes];
+            const R b = q == 0 ? R(0) : re * w[(2 * q - 1) * lanes];
+            c[q] = sine ? b : a;
+            if (q < m) s[q] = sine ? a : b;
+        }
+        cosines(c);
+        sines(s);
+        f_[k] = (sine ? -c[0] : c[0]) * factor_;
+        for (int p = 1; p < m; ++p) f_[p * length_ + k] = (sine ? s[p] - c[p] : c[p] + s[p]) * factor_;
+    }
+
+    const TrigPlan<R>& plan_;
+    R *f_, *work_;
+    Int n_, length_, distance_;
+    R factor_;
+};
+
+// Without a step.
+template <class R, bool sine>
+Int whole_transform(const TrigPlan<R>& plan, R factor, R* f, R* work)
+{
+    const Int n = plan.n;
+    R* const middle = work + n;
+    in_lanes<R>(1, n, [&](Int i, auto v) {
+        using V = decltype(v);
+        const V x = get<V>(f + i);
+        put(work + i, x);
+        put_down(work + 2 * n - i, sine ? negated(x) : x);
+    });
+    work[0] = sine ? 0 : f[0], *middle = sine ? 0 : f[n];
+    if (const Int status = ork_dft_dfticomputeforward(plan.dft, work)) return status;
+    in_lanes<R>(1, n, [&](Int k, auto v) {
+        using V = decltype(v);
+        V re, im;
+        get_pairs(work + 2 * k, re, im);
+        put(f + k, (sine ? negated(im) : re) * all<V>(factor));
+    });
+    if (!sine) f[0] = work[0] * factor, f[n] = work[1] * factor;
+    return 0;
+}
+
+template <class R, bool sine>
+Int of_radix(const TrigPlan<R>& plan, R factor, R* f, R* work)
+{
+    switch (grid_radix<R>(plan.n)) {
+    case 4:
+        return Rows<R, sine, 2>(plan, factor, f, work).run();
+    case 8:
+        return Rows<R, sine, 4>(plan, factor, f, work).run();
+    case 16:
+        return Rows<R, sine, 8>(plan, factor, f, work).run();
+    default:
+        return whole_transform<R, sine>(plan, factor, f, work);
+    }
+}
+
+} // namespace
+
+template <class R>
+void make_grid_table(Int n, R* table)
+{
+    const Int radix = grid_radix<R>(n), m = radix / 2;
+    if (radix == 1) return;
+    const Roots roots(2 * n);
+    for (Int k = 1; k <= n / radix; ++k) {
+        R* w = table + (factors(table, m, k) - table);
+        for (Int q = 1; q <= m; ++q) {
+            const Complex<long double> z = (q < m ? 2.0L : 1.0L) * roots[q * k];
+            w[(2 * q - 2) * Vec<R>::lanes] = static_cast<R>(z.re);
+            w[(2 * q - 1) * Vec<R>::lanes] = static_cast<R>(z.im);
+        }
+    }
+}
+
+template <class R>
+Int grid_transform(const TrigPlan<R>& plan, R factor, R* f, R* work)
+{
+    return plan.type == 0 ? of_radix<R, true>(plan, factor, f, work) : of_radix<R, false>(plan, factor, f, work);
+}
+
+#define INSTANTIATE(R)                                                                                                 \
+    template void make_grid_table(Int, R*);                                                                            \
+    template Int grid_transform(const TrigPlan<R>&, R, R*, R*);
+INSTANTIATE(float)
+INSTANTIATE(double)
+
+} // namespace ork::pde
