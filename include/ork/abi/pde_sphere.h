@@ -84,6 +84,17 @@ enum SphereSide : Int { side_values = 0, side_circle = 2, side_pole = 3 };
 // for all of it:
 constexpr Int sphere_reals(Int np, Int nt) { return 6 * np + 2 * nt + 16; }
 
+// Of ork_pdepl_<tag>_s_<stage>_helmholtz_nonuniform_3d; free is that of helmholtz_3d. z has nz + 1 nodes, which commit
+// keeps in fpar: it has room for helmholtz_3d and for what stands behind.
+struct NonuniformCalls {
+    using init = void(const float* ax, const float* bx, const float* ay, const float* by, const Int* nx, const Int* ny,
+                      const Int* nz, const char* BCtype, const float* q, Int* ipar, float* fpar, Int* stat);
+    using commit = void(float* f, const float* z, ork_dft_descriptor** xhandle, ork_dft_descriptor** yhandle, Int* ipar,
+                        float* fpar, Int* stat);
+    using solve = PoissonCalls<float>::helmholtz_3d;
+};
+constexpr Int nonuniform_reals(Int nx, Int ny, Int nz) { return reals_3d(nx, ny) + 2 * nz + 3; }
+
 } // namespace ork::pde
 
 #endif
