@@ -53,7 +53,7 @@ inline void plan_3d(Int* ipar)
     for (int i = 0; i < 8; ++i) ipar[at_tables + i] = plan[i];
 }
 
-// Half the angle theta of the mode at `place`, in units of pi / 2n; of a place without a mode its neighbour's.
+// Half the angle theta of the mode at `place`, in units of pi / 4n; of a place without a mode its neighbour's.
 constexpr Int half_angle(Pair pair, Int path, Int n, Int place)
 {
     switch (pair) {
@@ -79,7 +79,7 @@ void fill_table(R* table, Pair pair, Int path, Int n, double scale, double shift
 {
     constexpr double pi = 3.14159265358979323846;
     for (Int place = 0; place <= n; ++place) {
-        const double angle = static_cast<double>(half_angle(pair, path, n, place)) * pi / static_cast<double>(2 * n);
+        const double angle = static_cast<double>(half_angle(pair, path, n, place)) * pi / static_cast<double>(4 * n);
         const double sine = ork_serv_libm_sin(angle);
         table[place] = static_cast<R>(shift + scale * (4 * sine * sine));
     }
