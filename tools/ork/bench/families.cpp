@@ -50,6 +50,7 @@ const std::vector<Family>& families()
         {"threads", "two threads against one, eight callers at once", "GF/s", Field::dense, thread_cases},
         {"fft", "Fourier transforms; --kind for precision, real data, direction, --sizes all for every length", "GF/s",
          Field::transforms, fft_cases},
+        {"trig", "sine and cosine transforms of types 0 to 5; --routine d0,s3", "GF/s", Field::transforms, trig_cases},
         {"sparse",
          "sparse products and solves; --sizes lap2d:1200,fem:60000,file.mtx; --routine dmv,smm,dsv64; --trans", "GF/s",
          Field::sparse, sparse_cases},

@@ -84,6 +84,7 @@ std::vector<Case> factor_cases(const Selection& selection);
 std::vector<Case> compact_cases(const Selection& selection);
 std::vector<Case> trans_cases(const Selection& selection);
 std::vector<Case> xblas_cases(const Selection& selection);
+std::vector<Case> trig_cases(const Selection& selection);
 std::vector<Case> thread_cases(const Selection& selection);
 std::vector<Case> fft_cases(const Selection& selection);
 
