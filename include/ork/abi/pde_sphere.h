@@ -1,6 +1,6 @@
 /* SPDX-License-Identifier: MIT */
 // Kernels of the Helmholtz equation on a sphere and on grids that are not uniform in z: calls, arrays, discretisation.
-// Conventions, statuses and their order are those of ork/abi/pde.h, which includes this file.
+// Conventions, statuses and their order are those of ork/abi/pde.h.
 //
 // THE SPHERE. -Laplace(u) + q u = f on the unit sphere, longitude phi in [ap, bp], colatitude theta in [at, bt] with
 // 0 <= at < bt <= pi; phi(i) = ap + i hp, i = 0 .. np, hp = (bp - ap) / np; theta(j) = at + j ht, j = 0 .. nt,

@@ -125,17 +125,28 @@ Solving* allocate_solving(Int nx, Int nz)
     return s;
 }
 
-// What the sides of z add to f: the terms of known neighbours, and slopes.
+struct Range {
+    Int first, end;
+};
+Range unknowns(const Int* ipar, int direction)
+{
+    const Pair pair = pair_at<3>(ipar, direction);
+    const Int n = ipar[at_intervals + direction];
+    return {pair == dd || pair == dn ? 1 : 0, pair == dn || pair == nn ? n + 1 : n};
+}
+
+// What the sides of z add to f at unknown points: the terms of known neighbours, and slopes.
 void add_sides(R* f, const R* bd_az, const R* bd_bz, const Int* ipar, const Nodes& nodes)
 {
     const Int row = ipar[at_intervals] + 1, plane = row * (ipar[at_intervals + 1] + 1);
+    const Range columns = unknowns(ipar, 0), rows = unknowns(ipar, 1);
     const auto add = [&](Int k, R factor, const R* values) {
-        for (Int i = 0; i < plane; ++i) f[k * plane + i] += factor * values[i];
+        for (Int j = rows.first; j < rows.end; ++j)
+            for (Int i = columns.first; i < columns.end; ++i)
+                f[k * plane + j * row + i] += factor * values[j * row + i];
     };
-    const Int last = nodes.first + nodes.count - 1;
-    if (nodes.count == 0) return;
     for (const int end : {0, 1}) {
-        const Int k = end == 0 ? nodes.first : last, beside = end == 0 ? k - 1 : k + 1;
+        const Int k = end == 0 ? nodes.first : nodes.first + nodes.count - 1, beside = end == 0 ? k - 1 : k + 1;
         const Int code = ipar[at_codes + 4 + end];
         if (code == dirichlet) add(k, nodes.between[end == 0 ? k : k + 1] / nodes.weight[k], f + beside * plane);
         if (code == neumann) add(k, 1 / nodes.weight[k], end == 0 ? bd_az : bd_bz);
@@ -159,13 +170,7 @@ void solve_lines(Solving& s, R* f, const Nodes& nodes, const Int* ipar, const R*
     s.off[count] = cyclic ? s.off[0] : R{};
     const Line<R> line{count, cyclic ? Ends::periodic : Ends::known, s.off, s.base, nodes.weight + first, s.scale};
 
-    const auto inside = [&](int direction) {
-        const Pair pair = pair_at<3>(ipar, direction);
-        const Int n = ipar[at_intervals + direction];
-        return std::pair<Int, Int>{pair == dd || pair == dn ? 1 : 0, pair == dn || pair == nn ? n + 1 : n};
-    };
-    const auto [from, to] = inside(0);
-    const auto [row_from, row_to] = inside(1);
+    const Range columns = unknowns(ipar, 0), rows = unknowns(ipar, 1);
     const R *of_x = fpar + ipar[at_tables] - 1, *of_y = fpar + ipar[at_tables + 2] - 1;
     R* const unknown = f + first * plane;
     const bool singular = ipar[at_singular] != 0;
@@ -173,10 +178,11 @@ void solve_lines(Solving& s, R* f, const Nodes& nodes, const Int* ipar, const R*
         for (Int j = 0; j < count; ++j) s.column[j] = unknown[j * plane];
         solve_singular(line, s.column, 1);
     }
-    for (Int j = row_from; j < row_to; ++j) {
-        for (Int i = from; i < to; ++i) s.eigenvalues[i] = of_x[i] + of_y[j];
+    for (Int j = rows.first; j < rows.end; ++j) {
+        for (Int i = columns.first; i < columns.end; ++i) s.eigenvalues[i] = of_x[i] + of_y[j];
         if (singular && j == 0) s.eigenvalues[0] = 1; // solved already
-        solve_systems(line, to - from, s.eigenvalues + from, unknown + j * row + from, plane, s.lines);
+        solve_systems(line, columns.end - columns.first, s.eigenvalues + columns.first,
+                      unknown + j * row + columns.first, plane, s.lines);
     }
     for (Int j = 0; singular && j < count; ++j) unknown[j * plane] = s.column[j];
 }
@@ -196,7 +202,7 @@ Int solve_nodes(R* f, const R* const (&sides)[6], ork_dft_descriptor** xhandle, 
         return bad_argument;
     }
     copy_dirichlet<3>(f, sides, ipar);
-    add_sides(f, sides[4], sides[5], ipar, nodes);
+    if (nodes.count > 0) add_sides(f, sides[4], sides[5], ipar, nodes);
     ipar[at_singular] = is_singular_nonuniform(ipar, fpar);
     std::memcpy(s->ipar, ipar, sizeof s->ipar);
     ork_dft_descriptor *xsecond = second_handle(ipar, 0), *ysecond = second_handle(ipar, 1);
@@ -208,8 +214,8 @@ Int solve_nodes(R* f, const R* const (&sides)[6], ork_dft_descriptor** xhandle, 
     work.xhandle = xhandle, work.yhandle = yhandle;
     work.xsecond = xsecond != nullptr ? &xsecond : nullptr;
     work.ysecond = ysecond != nullptr ? &ysecond : nullptr;
-    // To the stages the unknown planes are 0 .. count-1 of a periodic direction, which adds nothing to f, and on the
-    // way back 1 .. count of one that copies nothing. Boundary values on x and y are indexed by plane.
+    // On the way there the stages see the unknown planes as those of a periodic direction, to which z adds nothing.
+    // Boundary values on x and y are indexed by plane.
     const Pair x = pair_at<3>(ipar, 0), y = pair_at<3>(ipar, 1);
     const auto shift = [&](const R*& bd, Int length) {
         if (bd != nullptr) bd += nodes.first * length;
@@ -223,11 +229,9 @@ Int solve_nodes(R* f, const R* const (&sides)[6], ork_dft_descriptor** xhandle, 
         failed = run_stage<R>(failed, Diagnostic::stage_ft, ft_3d_y, y, &work);
         if (work.status == 0) solve_lines(*s, f, nodes, ipar, fpar);
         failed = run_stage<R>(failed, Diagnostic::stage_inv_ft, inv_ft_3d_y, y, &work);
-        work.f -= plane;
-        s->ipar[at_codes + 4] = dirichlet, s->ipar[at_codes + 5] = neumann;
-        failed = run_stage<R>(failed, Diagnostic::stage_inv_ft, inv_ft_3d_x, x, &work);
     }
-    if (nodes.pair == pp) std::memcpy(f + nodes.nz * plane, f, static_cast<std::size_t>(plane) * sizeof(R));
+    work.f = f, work.nz = nodes.nz, work.ipar = ipar;
+    failed = run_stage<R>(failed, Diagnostic::stage_inv_ft, inv_ft_3d_x, x, &work);
     const NumberText status(work.status);
     ork_serv_deallocate(s);
     if (failed < 0) return ok;
