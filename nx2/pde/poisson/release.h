@@ -38,13 +38,13 @@ inline Int release_transforms(Int* ipar, ork_dft_descriptor** xhandle, ork_dft_d
 // Without a commit the handles may be anything. Handles that are not those of the commit are left alone.
 inline void free_solver(ork_dft_descriptor** xhandle, ork_dft_descriptor** yhandle, Int* ipar, Int* stat)
 {
-    const Int seal = ipar[at_handle_seal];
+    const bool committed = ipar[at_plan_seal] != 0 || ipar[at_handle_seal] != 0;
     store_status(ipar, stat, running);
     Int status = ok;
-    if (seal != 0 && seal != handle_seal(ipar, xhandle, yhandle)) {
+    if (committed && ipar[at_handle_seal] != handle_seal(ipar, xhandle, yhandle)) {
         status = bad_argument;
         report<double>(Diagnostic::damaged, ipar, nullptr);
-    } else if (seal != 0) {
+    } else if (committed) {
         const Int failed = release_transforms(ipar, xhandle, yhandle);
         if (failed != ok) {
             status = transform_failed;

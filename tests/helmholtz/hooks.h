@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+// What stands between the kernels and the core here: stages are noted and can be made to fail, messages are caught as
+// numbers and arguments, allocations can fail.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "ork/abi/pde.h"
+
+namespace ork::test {
+
+struct Hooks {
+    std::vector<std::string> stages; // called so far, without prefix and precision
+    std::string failing_stage;       // stores `failure` instead of working
+    pde::Int failure = 0;
+    pde::Int singular = 0; // of the work record that the latest stage got
+
+    std::string printed;       // on standard output
+    std::string print_format;  // of the latest
+    bool commit_fails = false; // of Fourier transforms
+
+    int fail_allocation_at = 0; // 1: the next one of the kernels' work memory gives null
+    int live_allocations = 0;
+    std::size_t alignment = 0; // that the latest allocation asked for
+};
+Hooks& hooks();
+
+} // namespace ork::test
