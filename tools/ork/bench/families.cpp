@@ -51,6 +51,8 @@ const std::vector<Family>& families()
         {"fft", "Fourier transforms; --kind for precision, real data, direction, --sizes all for every length", "GF/s",
          Field::transforms, fft_cases},
         {"trig", "sine and cosine transforms of types 0 to 5; --routine d0,s3", "GF/s", Field::transforms, trig_cases},
+        {"poisson", "Poisson's equation on squares and cubes, u = 0 on the sides; --sizes 300x300,50x50x50", "Mpt/s",
+         Field::transforms, poisson_cases},
         {"sparse",
          "sparse products and solves; --sizes lap2d:1200,fem:60000,file.mtx; --routine dmv,smm,dsv64; --trans", "GF/s",
          Field::sparse, sparse_cases},
