@@ -58,6 +58,7 @@ TEST_F(Protocol, StagesInTheWrongOrder)
     ork_dft_descriptor* const nonsense = reinterpret_cast<ork_dft_descriptor*>(0x10);
     p.xhandle = nonsense; // nobody has set it yet
     EXPECT_EQ(p.solve(), pde::bad_state);
+    EXPECT_EQ(printed(), "<10><11><81><58>");
     p.init();
     EXPECT_EQ(p.free(), pde::ok);
     EXPECT_EQ(p.xhandle, nonsense);

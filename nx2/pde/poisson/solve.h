@@ -124,8 +124,8 @@ void solve(R* f, const R* const (&sides)[2 * dimensions], ork_dft_descriptor** c
             store_status(ipar, stat, bad_argument);
             return;
         }
-    if (ipar[at_plan_seal] == 0) { // not committed
-        report(Diagnostic::wrong_state, ipar, fpar);
+    if (ipar[at_plan_seal] == 0) { // not committed, which the state doesn't tell
+        report(Diagnostic::damaged, ipar, fpar);
         store_status(ipar, stat, bad_state);
         return;
     }
