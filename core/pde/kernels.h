@@ -4,6 +4,7 @@
 
 #include "loader/kernel.h"
 #include "ork/abi/pde.h"
+#include "ork/abi/pde_sphere.h"
 #include "ork/abi/pde_tridiagonal.h"
 
 namespace ork::pde::kernels {
@@ -14,12 +15,13 @@ constexpr const char* of_precision(const char* s, const char* d)
     return sizeof(R) == sizeof(float) ? s : d;
 }
 
-#define ORK_KERNEL(name, domain, before, after, signature)                                                             \
+#define ORK_KERNEL(name, domain, stem, signature)                                                                      \
     template <class R>                                                                                                 \
-    inline constinit loader::Kernel<signature> name{domain, of_precision<R>("s_" before after, "d_" before after)};
+    inline constinit loader::Kernel<signature> name{domain, of_precision<R>("s_" stem, "d_" stem)};
 #define ORK_TRANSFORM(name)                                                                                            \
-    ORK_KERNEL(name##_trig_transform, "pdett", #name, "_trig_transform", typename TrigCalls<R>::name)
-#define ORK_POISSON(name) ORK_KERNEL(name, "pdepl", "", #name, typename PoissonCalls<R>::name)
+    ORK_KERNEL(name##_trig_transform, "pdett", #name "_trig_transform", typename TrigCalls<R>::name)
+#define ORK_POISSON(name) ORK_KERNEL(name, "pdepl", #name, typename PoissonCalls<R>::name)
+#define ORK_SPHERE(name, call) ORK_KERNEL(name, "pdepl", #name, typename SphereCalls<R>::call)
 ORK_TRANSFORM(init)
 ORK_TRANSFORM(commit)
 ORK_TRANSFORM(forward)
@@ -31,7 +33,14 @@ ORK_POISSON(helmholtz_2d)
 ORK_POISSON(init_helmholtz_3d)
 ORK_POISSON(commit_helmholtz_3d)
 ORK_POISSON(helmholtz_3d)
-ORK_KERNEL(tridiagonal, "pdepl", "", "tridiagonal", Tridiagonal<R>)
+ORK_SPHERE(init_sph_p, init)
+ORK_SPHERE(commit_sph_p, commit_p)
+ORK_SPHERE(sph_p, solve_p)
+ORK_SPHERE(init_sph_np, init)
+ORK_SPHERE(commit_sph_np, commit_np)
+ORK_SPHERE(sph_np, solve_np)
+ORK_KERNEL(tridiagonal, "pdepl", "tridiagonal", Tridiagonal<R>)
+#undef ORK_SPHERE
 #undef ORK_POISSON
 #undef ORK_TRANSFORM
 #undef ORK_KERNEL
