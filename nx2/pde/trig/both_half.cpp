@@ -89,37 +89,54 @@ private:
     R factor_;
 };
 
+// x(n n + 8j) in a walk through the quarters of the period, from the one in which n n lies.
+template <class R, bool sine>
+void walk(Int n, const R* f, R* g)
+{
+    constexpr Int up = sine ? -4 : 4;
+    Int a = n % 8 * n; // n n modulo 8 n
+    const R* const end = g + n;
+    for (Int quarter = a / (2 * n); g < end; quarter = (quarter + 1) % 4) {
+        const Int to = 2 * n * (quarter + 1), from_begin = (quarter % 2 == 0 ? a - (to - 2 * n) : to - a) / 2;
+        const R* x = f + (sine ? n - 1 - from_begin : from_begin);
+        const Int step = quarter % 2 == 0 ? up : -up;
+        Int steps = (to - a + 7) / 8;
+        if (steps > end - g) steps = end - g;
+        a += 8 * steps;
+        if (quarter == 3) a -= 8 * n;
+        if (quarter == 0 || quarter == 3)
+            for (; steps > 0; --steps, x += step) *g++ = *x;
+        else
+            for (; steps > 0; --steps, x += step) *g++ = -*x;
+    }
+}
+
 template <class R, bool sine>
 Int odd_both_half(const TrigPlan<R>& plan, R factor, R* f, R* work)
 {
-    const Int n = plan.n;
-    const auto x = [&](Int a) { return f[sine ? n - 1 - a / 2 : a / 2]; };
-    Int a = n % 8 * n % (8 * n); // n n modulo 8 n
-    for (Int j = 0; j < n; ++j) {
-        if (a < 2 * n)
-            work[j] = x(a);
-        else if (a < 4 * n)
-            work[j] = -x(4 * n - a);
-        else if (a < 6 * n)
-            work[j] = -x(a - 4 * n);
-        else
-            work[j] = x(8 * n - a);
-        a += 8;
-        if (a >= 8 * n) a -= 8 * n;
-    }
+    const Int n = plan.n, middle = (n - 1) / 2;
+    walk<R, sine>(n, f, work);
     if (const Int status = ork_dft_dfticomputeforward(plan.dft, work)) return status;
-    const R root = R(1.41421356237309504880L);
-    Int turn = n % 8; // n b modulo 8
-    for (Int k = 0; k < n; ++k) {
-        const Int b = 2 * k + 1 < n ? 2 * k + 1 : 2 * k + 1 - n, h = 2 * b < n ? b : n - b;
-        R re = work[b == 0 ? 0 : 2 * h - 1], im = b == 0 ? R(0) : work[2 * h];
-        if (h != b) im = -im;
-        if (turn == 3 || turn == 5) re = -re;
-        if (turn == 5 || turn == 7) im = -im;
-        const R result = root * (re + im) * factor;
-        f[k] = sine && k % 2 != 0 ? -result : result;
-        turn = (turn + 2 * n) % 8;
+
+    // exp(-pi i n (2k+1) / 4) times sqrt(2), and the sign of a sine.
+    struct {
+        R re, im;
+    } turn[4];
+    for (Int k = 0; k < 4; ++k) {
+        const Int eighth = n % 8 * (2 * k + 1) % 8;
+        const R size = R(1.41421356237309504880L) * factor * R(sine && k % 2 != 0 ? -1 : 1);
+        turn[k] = {eighth == 1 || eighth == 7 ? size : -size, eighth == 1 || eighth == 3 ? -size : size};
     }
+    // n-1-k has the conjugate of G and of the turn, times -i.
+    const auto result = [&](Int k, R re, R im) {
+        const auto [c, s] = turn[k % 4];
+        f[k] = re * c - im * s;
+        f[n - 1 - k] = -(re * s + im * c);
+    };
+    Int k = 0;
+    for (; 2 * k + 1 <= middle; ++k) result(k, work[4 * k + 1], work[4 * k + 2]);
+    for (const R* g = work + 2 * (n - 2 * k - 1); k < middle; ++k, g -= 4) result(k, g[-1], -g[0]);
+    f[middle] = work[0] * turn[middle % 4].re;
     return 0;
 }
 

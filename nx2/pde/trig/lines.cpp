@@ -41,7 +41,7 @@ Int transform_lines(const TrigPlan<R>& plan, Way way, bool scaled, R* f, const L
     const Extent e = extent(plan.type, n, way, scaled);
     const R factor = !scaled ? R(1) : way == Way::forward ? R(1) / static_cast<R>(n) : R(0.5);
 
-    constexpr Int on_stack = 8192 / sizeof(R), unit = 64 / sizeof(R);
+    constexpr Int on_stack = 16384 / sizeof(R), unit = 64 / sizeof(R);
     const bool buffered = lines.stride != 1;
     const Int group = !buffered ? 0 : lines.count < side_by_side<R> ? lines.count : side_by_side<R>;
     const Int line = (e.elements + unit) / unit * unit + unit; // not a power of two
