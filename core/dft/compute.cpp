@@ -84,6 +84,8 @@ COMPUTE(backward)
 #define COMPUTE_ANY(name, direction)                                                                                   \
     ORK_EXPORT int64_t ork_dft_##name(const ork_dft_descriptor* handle, void* inout, ...)                              \
     {                                                                                                                  \
+        const bool alone = handle != nullptr && handle->state == ork_dft_descriptor::alive + one_array;                \
+        if (alone && inout != nullptr) return compute_checked(handle, direction, &inout);                              \
         std::va_list others;                                                                                           \
         va_start(others, inout);                                                                                       \
         const int64_t status = compute_any(handle, direction, inout, others);                                          \
