@@ -141,6 +141,33 @@ SPHERE(d, double)
 #undef ROUTINES
 #undef TRANSFORM
 
+ORK_EXPORT int64_t ork_s_init_helmholtz_nonuniform_3d(float ax, float bx, float ay, float by, int64_t nx, int64_t ny,
+                                                      int64_t nz, const char* sides, float q, int64_t* ipar,
+                                                      float* rpar)
+{
+    if (any_null(sides, ipar, rpar)) return bad_argument;
+    return status_of(kernels::init_helmholtz_nonuniform_3d, &ax, &bx, &ay, &by, &nx, &ny, &nz, sides, &q, ipar, rpar);
+}
+
+ORK_EXPORT int64_t ork_s_commit_helmholtz_nonuniform_3d(const float* z, ork_dft_descriptor** xhandle,
+                                                        ork_dft_descriptor** yhandle, int64_t* ipar, float* rpar)
+{
+    if (any_null(z, xhandle, yhandle, ipar, rpar)) return bad_argument;
+    return status_of(kernels::commit_helmholtz_nonuniform_3d, static_cast<float*>(nullptr), z, xhandle, yhandle, ipar,
+                     rpar);
+}
+
+ORK_EXPORT int64_t ork_s_helmholtz_nonuniform_3d(float* f, const float* bd_ax, const float* bd_bx, const float* bd_ay,
+                                                 const float* bd_by, const float* bd_az, const float* bd_bz,
+                                                 ork_dft_descriptor** xhandle, ork_dft_descriptor** yhandle,
+                                                 int64_t* ipar, float* rpar)
+{
+    if (any_null(f, xhandle, yhandle, ipar, rpar) || boundary_missing(ipar, {bd_ax, bd_bx, bd_ay, bd_by, bd_az, bd_bz}))
+        return bad_argument;
+    return status_of(kernels::helmholtz_nonuniform_3d, f, bd_ax, bd_bx, bd_ay, bd_by, bd_az, bd_bz, xhandle, yhandle,
+                     ipar, rpar);
+}
+
 ORK_EXPORT int64_t ork_free_trig_transform(ork_dft_descriptor** handle, int64_t* ipar)
 {
     return any_null(handle, ipar) ? Int{bad_argument} : status_of(free_trig, handle, ipar);

@@ -45,4 +45,11 @@ ORK_KERNEL(tridiagonal, "pdepl", "tridiagonal", Tridiagonal<R>)
 #undef ORK_TRANSFORM
 #undef ORK_KERNEL
 
+// Single precision only.
+#define ORK_NONUNIFORM(name, call) inline constinit loader::Kernel<NonuniformCalls::call> name{"pdepl", "s_" #name};
+ORK_NONUNIFORM(init_helmholtz_nonuniform_3d, init)
+ORK_NONUNIFORM(commit_helmholtz_nonuniform_3d, commit)
+ORK_NONUNIFORM(helmholtz_nonuniform_3d, solve)
+#undef ORK_NONUNIFORM
+
 } // namespace ork::pde::kernels

@@ -47,6 +47,19 @@
        ork_d_helmholtz_3d(f, bd_ax, bd_bx, NULL, NULL, bd_az, bd_bz, &xhandle, &yhandle, ipar, rpar);
        ork_free_helmholtz_3d(&xhandle, &yhandle, ipar);
 
+   NODES OF ONE'S OWN IN Z, in single precision: z[0] < z[1] < ... < z[nz] in place of az, bz and nz equal intervals.
+   With h(k) = z[k+1] - z[k] the second difference is
+
+       2 ((u(k+1) - u(k)) / h(k) - (u(k) - u(k-1)) / h(k-1)) / (h(k-1) + h(k))
+
+   of second order where the intervals change gradually. Beyond N the eliminated point lies as far away as the inner
+   one. commit takes the nodes into rpar; solve and free are as above.
+
+       ork_s_init_helmholtz_nonuniform_3d(ax, bx, ay, by, nx, ny, nz, "DDDDDN", q, ipar, rpar);
+       ork_s_commit_helmholtz_nonuniform_3d(z, &xhandle, &yhandle, ipar, rpar);
+       ork_s_helmholtz_nonuniform_3d(f, bd_ax, bd_bx, bd_ay, bd_by, bd_az, bd_bz, &xhandle, &yhandle, ipar, rpar);
+       ork_free_helmholtz_3d(&xhandle, &yhandle, ipar);
+
    x must have 2 intervals or more, in three dimensions also y: their transforms begin there.
 
    THE SPHERE. Longitude in [ap, bp] with np intervals, colatitude in [at, bt] within [0, pi] with nt; point (i, j)
@@ -127,6 +140,7 @@ enum {
 #define ORK_TRIG_REALS(n) (5 * (n) / 2 + 2)
 #define ORK_HELMHOLTZ_2D_REALS(nx, ny) (6 * (nx) + (ny) + 16)
 #define ORK_HELMHOLTZ_3D_REALS(nx, ny) (6 * ((nx) + (ny)) + 20)
+#define ORK_HELMHOLTZ_NONUNIFORM_3D_REALS(nx, ny, nz) (6 * ((nx) + (ny)) + 2 * (nz) + 23)
 #define ORK_SPHERE_REALS(np, nt) (6 * (np) + 2 * (nt) + 16)
 
 #define ORK_REAL float
@@ -139,6 +153,16 @@ enum {
 #include "ork/pde_routines.h"
 #undef ORK_NAME
 #undef ORK_REAL
+
+/* Nodes of one's own in z. */
+int64_t ork_s_init_helmholtz_nonuniform_3d(float ax, float bx, float ay, float by, int64_t nx, int64_t ny, int64_t nz,
+                                           const char* sides, float q, int64_t* ipar, float* rpar);
+int64_t ork_s_commit_helmholtz_nonuniform_3d(const float* z, ork_dft_descriptor** xhandle, ork_dft_descriptor** yhandle,
+                                             int64_t* ipar, float* rpar);
+int64_t ork_s_helmholtz_nonuniform_3d(float* f, const float* bd_ax, const float* bd_bx, const float* bd_ay,
+                                      const float* bd_by, const float* bd_az, const float* bd_bz,
+                                      ork_dft_descriptor** xhandle, ork_dft_descriptor** yhandle, int64_t* ipar,
+                                      float* rpar);
 
 /* Of either precision. */
 int64_t ork_free_trig_transform(ork_dft_descriptor** handle, int64_t* ipar);

@@ -156,5 +156,34 @@ TYPED_TEST(PdeTransforms, SpheresAreSolved)
     }
 }
 
+// At equal nodes the same as the uniform solver.
+TEST(PdeInterface, NodesInZThatAreEquidistant)
+{
+    for (const std::string sides : {"DDNDDN", "PPDDPP", "NNPPND"}) {
+        Box<float> uniform({6, 5, 8}, sides, 1);
+        uniform.randomize(5);
+        Box<float> nodes({6, 5, 8}, sides, 1);
+        nodes.f = uniform.f;
+        for (int s = 0; s < 6; ++s) nodes.bd[s] = uniform.bd[s];
+        ASSERT_EQ(uniform.commit(), 0);
+        ASSERT_EQ(uniform.solve(), 0);
+
+        float z[9];
+        for (int k = 0; k < 9; ++k) z[k] = nodes.length[2] * static_cast<float>(k) / 8;
+        nodes.rpar.resize(ORK_HELMHOLTZ_NONUNIFORM_3D_REALS(6, 5, 8));
+        int64_t* const i = nodes.ipar;
+        float *const r = nodes.rpar.data(), o = 0.25F;
+        ASSERT_EQ(ork_s_init_helmholtz_nonuniform_3d(o, o + nodes.length[0], -o, nodes.length[1] - o, 6, 5, 8,
+                                                     sides.c_str(), 1, i, r),
+                  0);
+        ASSERT_EQ(ork_s_commit_helmholtz_nonuniform_3d(z, &nodes.xhandle, &nodes.yhandle, i, r), 0);
+        const auto b = [&](int s) { return sides[s] == 'P' ? nullptr : nodes.bd[s].data(); };
+        ASSERT_EQ(ork_s_helmholtz_nonuniform_3d(nodes.f.data(), b(0), b(1), b(2), b(3), b(4), b(5), &nodes.xhandle,
+                                                &nodes.yhandle, i, r),
+                  0);
+        for (std::size_t k = 0; k < nodes.f.size(); ++k) ASSERT_NEAR(nodes.f[k], uniform.f[k], 2e-5) << sides << k;
+    }
+}
+
 } // namespace
 } // namespace ork::test
