@@ -2,6 +2,7 @@
 #include "pde/trig/lines.h"
 
 #include "frame/core_imports.h"
+#include "simd/vec.h"
 
 namespace ork::pde {
 namespace {
@@ -31,6 +32,32 @@ Extent extent(Int type, Int n, Way way, bool scaled)
 // Lines whose elements are this near are put into the buffer side by side: a cache line.
 template <class R>
 constexpr Int side_by_side = 64 / sizeof(R);
+
+// The first `elements` of `count` lines into lines of the buffer, or back. Neighbours go by squares of registers.
+enum class Copy { in, out };
+template <Copy way, class R>
+void copy(R* at, const Lines& lines, Int elements, Int count, R* buffer, Int line)
+{
+    constexpr Int lanes = Vec<R>::lanes;
+    const Int squares = lines.distance == 1 ? count / lanes * lanes : 0, rows = elements / lanes * lanes;
+    const auto single = [&](Int i, Int j) {
+        R &there = at[j * lines.distance + i * lines.stride], &here = buffer[j * line + i];
+        (way == Copy::in ? here : there) = way == Copy::in ? there : here;
+    };
+    for (Int i = 0; i < rows; i += lanes) {
+        R* const row = at + i * lines.stride;
+        for (Int j = 0; j < squares; j += lanes) {
+            Vec<R> x[lanes];
+            for (Int k = 0; k < lanes; ++k)
+                x[k] = load(way == Copy::in ? row + k * lines.stride + j : buffer + (j + k) * line + i);
+            transpose(x);
+            for (Int k = 0; k < lanes; ++k)
+                store(way == Copy::in ? buffer + (j + k) * line + i : row + k * lines.stride + j, x[k]);
+        }
+    }
+    for (Int i = 0; i < elements; ++i)
+        for (Int j = i < rows ? squares : 0; j < count; ++j) single(i, j);
+}
 
 } // namespace
 
@@ -65,11 +92,9 @@ Int transform_lines(const TrigPlan<R>& plan, Way way, bool scaled, R* f, const L
             continue;
         }
         R* const at = first + e.first * lines.stride;
-        for (Int i = 0; i < e.elements; ++i)
-            for (Int j = 0; j < count; ++j) buffer[j * line + i] = at[j * lines.distance + i * lines.stride];
+        copy<Copy::in>(at, lines, e.elements, count, buffer, line);
         for (Int j = 0; j < count && status == 0; ++j) status = transform(plan, way, factor, buffer + j * line, work);
-        for (Int i = 0; i < e.elements; ++i)
-            for (Int j = 0; j < count; ++j) at[j * lines.distance + i * lines.stride] = buffer[j * line + i];
+        copy<Copy::out>(at, lines, e.elements, count, buffer, line);
     }
     if (work != small) ork_serv_deallocate(work);
     return status;
