@@ -80,20 +80,22 @@ template <class R, bool sine, int m>
 class Rows {
 public:
     Rows(const TrigPlan<R>& plan, R factor, R* f, R* work)
-        : plan_(plan), f_(f), work_(work), n_(plan.n), length_(plan.n / m), distance_(grid_distance<R>(length_)),
+        : table_(plan.table), f_(f), work_(work), n_(plan.n), length_(plan.n / m), distance_(grid_distance<R>(length_)),
           factor_(factor)
     {
     }
 
-    Int run()
+    // The rows stay in registers when everything is expanded here; stores through vectors would have them read again.
+    static Int run(const TrigPlan<R>& plan, R factor, R* f, R* work)
     {
-        gather();
+        Rows rows(plan, factor, f, work);
+        rows.gather();
         for (Int q = 0; q <= m; ++q)
-            if (const Int status = ork_dft_dfticomputeforward(plan_.dft, row(q))) return status;
-        const Int pairs = (length_ - 1) / 2;
+            if (const Int status = ork_dft_dfticomputeforward(plan.dft, rows.row(q))) return status;
+        const Int pairs = (rows.length_ - 1) / 2;
         in_lanes<R>(
-            1, pairs + 1, [&](Int k, auto v) __attribute__((always_inline)) { combine<decltype(v)>(k); });
-        ends();
+            1, pairs + 1, [&](Int k, auto v) __attribute__((always_inline)) { rows.template combine<decltype(v)>(k); });
+        rows.ends();
         return 0;
     }
 
@@ -107,7 +109,7 @@ private:
         return i <= n_ ? f_[i] : sine ? -f_[2 * n_ - i] : f_[2 * n_ - i];
     }
 
-    void gather()
+    [[gnu::always_inline]] void gather()
     {
         const Int blocks = n_ / radix / lanes * lanes;
         for (Int j = 0; j < blocks; j += lanes) {
@@ -138,7 +140,7 @@ private:
     {
         V c[m + 1], s[m];
         const Int at = length_ % 2 == 0 ? 2 * k : 2 * k - 1;
-        const R* w = factors(plan_.table, m, k);
+        const R* w = factors(table_, m, k);
 #pragma GCC unroll 9
         for (int q = 0; q <= m; ++q) {
             V re, im;
@@ -177,7 +179,7 @@ private:
     }
 
     // k = 0, and l/2 for even l, where spectra are real.
-    void ends()
+    [[gnu::always_inline]] void ends()
     {
         R c[m + 1] = {}, s[m] = {};
         for (int q = 0; q <= m; ++q) {
@@ -192,7 +194,7 @@ private:
         for (int p = sine ? 1 : 0; p <= (sine ? m - 1 : m); ++p) f_[p * length_] = (sine ? s[p] : c[p]) * factor_;
         if (length_ % 2 != 0) return;
         const Int k = length_ / 2;
-        const R* w = factors(plan_.table, m, k);
+        const R* w = factors(table_, m, k);
         for (int q = 0; q <= m; ++q) {
             const R re = row(q)[1], a = q == 0 ? re : re * w[(2 * q - 2) * lanes];
             const R b = q == 0 ? R(0) : re * w[(2 * q - 1) * lanes];
@@ -205,7 +207,7 @@ private:
         for (int p = 1; p < m; ++p) f_[p * length_ + k] = (sine ? s[p] - c[p] : c[p] + s[p]) * factor_;
     }
 
-    const TrigPlan<R>& plan_;
+    const R* table_;
     R *f_, *work_;
     Int n_, length_, distance_;
     R factor_;
@@ -240,11 +242,11 @@ Int of_radix(const TrigPlan<R>& plan, R factor, R* f, R* work)
 {
     switch (grid_radix<R>(plan.n)) {
     case 4:
-        return Rows<R, sine, 2>(plan, factor, f, work).run();
+        return Rows<R, sine, 2>::run(plan, factor, f, work);
     case 8:
-        return Rows<R, sine, 4>(plan, factor, f, work).run();
+        return Rows<R, sine, 4>::run(plan, factor, f, work);
     case 16:
-        return Rows<R, sine, 8>(plan, factor, f, work).run();
+        return Rows<R, sine, 8>::run(plan, factor, f, work);
     default:
         return whole_transform<R, sine>(plan, factor, f, work);
     }

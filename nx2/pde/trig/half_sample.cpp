@@ -23,66 +23,65 @@ template <class R, bool sine>
 class HalfSample {
 public:
     HalfSample(const TrigPlan<R>& plan, R factor, R* f, R* work)
-        : plan_(plan), f_(f), work_(work), spectrum_(n() % 2 == 0 ? work : work - 1), cos_(plan.table - 1),
+        : plan_(plan), n_(plan.n), f_(f), work_(work), spectrum_(n_ % 2 == 0 ? work : work - 1), cos_(plan.table - 1),
           sin_(cos_ + angles(plan.n)), factor_(factor)
     {
     }
 
     Int to_half_steps()
     {
-        in_lanes<R>(1, angles(n()) + 1, [&](Int k, auto v) {
+        in_lanes<R>(1, angles(n_) + 1, [&](Int k, auto v) {
             using V = decltype(v);
-            V y = get<V>(at(k)), other = get_down<V>(at(n() - k));
-            if (sine) y = get_down<V>(at(k)), other = get<V>(at(n() - k));
+            V y = get<V>(at(k)), other = get_down<V>(at(n_ - k));
+            if (sine) y = get_down<V>(at(k)), other = get<V>(at(n_ - k));
             const V c = get<V>(cos_ + k), s = get<V>(sin_ + k);
             put_pairs(spectrum_ + 2 * k, c * y + s * other, s * y - c * other);
         });
         work_[0] = *at(0);
-        if (n() % 2 == 0) work_[1] = R(1.41421356237309504880L) * *at(n() / 2);
+        if (n_ % 2 == 0) work_[1] = R(1.41421356237309504880L) * *at(n_ / 2);
         if (const Int status = ork_dft_dfticomputebackward(plan_.dft, work_)) return status;
-        in_lanes<R>(0, n() / 2, [&](Int j, auto v) {
+        in_lanes<R>(0, n_ / 2, [&](Int j, auto v) {
             using V = decltype(v);
-            const V even = get<V>(work_ + j) * all<V>(factor_),
-                    odd = get_down<V>(work_ + n() - 1 - j) * all<V>(factor_);
+            const V even = get<V>(work_ + j) * all<V>(factor_), odd = get_down<V>(work_ + n_ - 1 - j) * all<V>(factor_);
             put_pairs(f_ + 2 * j, even, sine ? negated(odd) : odd);
         });
-        if (n() % 2 != 0) f_[n() - 1] = work_[n() / 2] * factor_;
+        if (n_ % 2 != 0) f_[n_ - 1] = work_[n_ / 2] * factor_;
         return 0;
     }
 
     Int to_whole_steps()
     {
-        in_lanes<R>(0, n() / 2, [&](Int j, auto v) {
+        in_lanes<R>(0, n_ / 2, [&](Int j, auto v) {
             using V = decltype(v);
             V even, odd;
             get_pairs(f_ + 2 * j, even, odd);
             put(work_ + j, even);
-            put_down(work_ + n() - 1 - j, sine ? negated(odd) : odd);
+            put_down(work_ + n_ - 1 - j, sine ? negated(odd) : odd);
         });
-        if (n() % 2 != 0) work_[n() / 2] = f_[n() - 1];
+        if (n_ % 2 != 0) work_[n_ / 2] = f_[n_ - 1];
         if (const Int status = ork_dft_dfticomputeforward(plan_.dft, work_)) return status;
         const R twice = 2 * factor_;
-        in_lanes<R>(1, angles(n()) + 1, [&](Int k, auto v) {
+        in_lanes<R>(1, angles(n_) + 1, [&](Int k, auto v) {
             using V = decltype(v);
             V re, im;
             get_pairs(spectrum_ + 2 * k, re, im);
             const V c = get<V>(cos_ + k), s = get<V>(sin_ + k), factor = all<V>(twice);
             const V y = (c * re + s * im) * factor, other = (s * re - c * im) * factor;
             if (sine)
-                put_down(at(k), y), put(at(n() - k), other);
+                put_down(at(k), y), put(at(n_ - k), other);
             else
-                put(at(k), y), put_down(at(n() - k), other);
+                put(at(k), y), put_down(at(n_ - k), other);
         });
         *at(0) = work_[0] * twice;
-        if (n() % 2 == 0) *at(n() / 2) = R(1.41421356237309504880L) * work_[1] * factor_;
+        if (n_ % 2 == 0) *at(n_ / 2) = R(1.41421356237309504880L) * work_[1] * factor_;
         return 0;
     }
 
 private:
-    Int n() const { return plan_.n; }
-    R* at(Int k) const { return sine ? f_ + n() - 1 - k : f_ + k; } // number k at whole steps
+    R* at(Int k) const { return sine ? f_ + n_ - 1 - k : f_ + k; } // number k at whole steps
 
     const TrigPlan<R>& plan_;
+    Int n_;
     R *f_, *work_, *spectrum_; // V[k] at spectrum_[2k] for 0 < k < n/2
     const R *cos_, *sin_;
     R factor_;

@@ -31,7 +31,7 @@ Extent extent(Int type, Int n, Way way, bool scaled)
 
 // Lines whose elements are this near are put into the buffer side by side: a cache line.
 template <class R>
-constexpr Int side_by_side = 64 / sizeof(R);
+constexpr Int side_by_side = 128 / sizeof(R);
 
 // The first `elements` of `count` lines into lines of the buffer, or back. Neighbours go by squares of registers.
 enum class Copy { in, out };
