@@ -12,7 +12,7 @@ namespace ork::pde {
 namespace {
 
 // Points a thread, below which waking it costs more than it saves: about 15 us.
-constexpr double transformed_per_thread = 4000, solved_per_thread = 12000;
+constexpr double transformed_per_thread = 8000, solved_per_thread = 16000;
 
 // Lines are prepared and transformed in pieces that stay in the second-level cache.
 constexpr Int piece_bytes = 128 * 1024;
