@@ -41,7 +41,7 @@ ENTRY void FFTW(execute_split_dft_c2r)(const Plan* plan, Number* ri, Number* ii,
 {
     execute(*plan, {{ri, ii}, {out}});
 }
-ENTRY void FFTW(execute_r2r)(const Plan*, Number*, Number*) {}
+ENTRY void FFTW(execute_r2r)(const Plan* plan, Number* in, Number* out) { execute(*plan, {{in}, {out}}); }
 
 ENTRY void FFTW(destroy_plan)(Plan* plan) { free_plan(plan); }
 ENTRY void FFTW(cleanup)() { ork_free_buffers(); }
@@ -85,7 +85,7 @@ ENTRY double FFTW(cost)(const Plan* plan) { return plan->operations; }
 
 ENTRY char* FFTW(sprint_plan)(const Plan* plan)
 {
-    constexpr const char* kinds[] = {"c2c", "r2c", "c2r"};
+    constexpr const char* kinds[] = {"c2c", "r2c", "c2r", "r2r"};
     const Problem& p = plan->problem;
     char text[400];
     int length = std::snprintf(text, sizeof text, "(ork-%s-%s", kinds[static_cast<int>(p.kind)],

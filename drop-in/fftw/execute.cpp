@@ -112,11 +112,22 @@ std::int64_t call_through_buffers(const Plan& plan, const Arrays& arrays)
 
 } // namespace
 
+void scatter(const Move& move, const Number* from, Number* to)
+{
+    Dimension back[most_dimensions + most_loops];
+    for (int d = 0; d < move.rank; ++d) {
+        const Dimension& dimension = move.dimension[d];
+        back[d] = {dimension.n, dimension.out, dimension.in};
+    }
+    copy(from, 1, to, 1, back, move.rank, 1);
+}
+
 // The interface has no way to report a failure.
 void execute(const Plan& plan, const Arrays& arrays)
 {
-    if (plan.descriptor == nullptr) return;
-    const std::int64_t status = plan.gather.wanted || plan.scatter.wanted
+    if (plan.descriptor == nullptr && plan.transforms == nullptr) return;
+    const std::int64_t status = plan.transforms != nullptr ? execute_real(plan, arrays)
+                                : plan.gather.wanted || plan.scatter.wanted
                                     ? call_through_buffers(plan, arrays)
                                     : call_loops(plan, arrays.in, arrays.out, plan.problem.loops);
     if (status != ORK_DFT_NO_ERROR) [[unlikely]]

@@ -16,6 +16,9 @@ extern "C" {
 Plan* FFTW(plan_dft)(int, const int*, Complex*, Complex*, int, unsigned);
 Plan* FFTW(plan_dft_r2c)(int, const int*, Number*, Complex*, unsigned);
 Plan* FFTW(plan_dft_c2r)(int, const int*, Complex*, Number*, unsigned);
+Plan* FFTW(plan_r2r)(int, const int*, Number*, Number*, const int*, unsigned);
+Plan* FFTW(plan_many_r2r)(int, const int*, int, Number*, const int*, int, int, Number*, const int*, int, int,
+                          const int*, unsigned);
 Plan* FFTW(plan_many_dft)(int, const int*, int, Complex*, const int*, int, int, Complex*, const int*, int, int, int,
                           unsigned);
 Plan* FFTW(plan_many_dft_r2c)(int, const int*, int, Number*, const int*, int, int, Complex*, const int*, int, int,
@@ -137,3 +140,36 @@ ENTRY void FORTRAN(execute_dft)(Plan* const* plan, Complex* in, Complex* out)
     }
 REAL(r2c, Number, Complex)
 REAL(c2r, Complex, Number)
+
+ENTRY void FORTRAN(plan_r2r)(Plan** plan, const int* rank, const int* n, Number* in, Number* out, const int* kinds,
+                             const int*)
+{
+    const Reversed lengths(rank, n), reversed_kinds(rank, kinds);
+    *plan = FFTW(plan_r2r)(lengths.rank(), lengths, in, out, reversed_kinds, 0);
+}
+ENTRY void FORTRAN(plan_r2r_1d)(Plan** plan, const int* n, Number* in, Number* out, const int* kind, const int* flags)
+{
+    FORTRAN(plan_r2r)(plan, &one, n, in, out, kind, flags);
+}
+ENTRY void FORTRAN(plan_r2r_2d)(Plan** plan, const int* nx, const int* ny, Number* in, Number* out, const int* kindx,
+                                const int* kindy, const int* flags)
+{
+    const int n[] = {*nx, *ny}, kinds[] = {*kindx, *kindy};
+    FORTRAN(plan_r2r)(plan, &two, n, in, out, kinds, flags);
+}
+ENTRY void FORTRAN(plan_r2r_3d)(Plan** plan, const int* nx, const int* ny, const int* nz, Number* in, Number* out,
+                                const int* kindx, const int* kindy, const int* kindz, const int* flags)
+{
+    const int n[] = {*nx, *ny, *nz}, kinds[] = {*kindx, *kindy, *kindz};
+    FORTRAN(plan_r2r)(plan, &three, n, in, out, kinds, flags);
+}
+ENTRY void FORTRAN(plan_many_r2r)(Plan** plan, const int* rank, const int* n, const int* howmany, Number* in,
+                                  const int* inembed, const int* istride, const int* idist, Number* out,
+                                  const int* onembed, const int* ostride, const int* odist, const int* kinds,
+                                  const int*)
+{
+    const Reversed lengths(rank, n), in_embed(rank, inembed), out_embed(rank, onembed), reversed_kinds(rank, kinds);
+    *plan = FFTW(plan_many_r2r)(lengths.rank(), lengths, *howmany, in, in_embed, *istride, *idist, out, out_embed,
+                                *ostride, *odist, reversed_kinds, 0);
+}
+ENTRY void FORTRAN(execute_r2r)(Plan* const* plan, Number* in, Number* out) { execute(**plan, {{in}, {out}}); }

@@ -108,6 +108,11 @@ bool fill(Plan& plan)
     plan.operations = operations(p);
     for (int l = 0; l < p.loops; ++l)
         if (p.loop[l].n == 0) return true;
+    if (p.kind == Kind::r2r) {
+        plan.in_place = p.in_place() && same_strides(p);
+        if (p.in_place() && !plan.in_place && !buffer(p, &Dimension::out, false, plan.scatter)) return false;
+        return make_real(plan);
+    }
     if (p.kind == Kind::complex) {
         plan.split = p.split;
         plan.in_place = p.in_place() && same_strides(p);
@@ -135,6 +140,14 @@ bool Problem::add_dimension(Dimension added)
     return true;
 }
 
+bool Problem::add_dimension(Dimension added, RealKind how)
+{
+    if (added.n < 1 || rank == most_dimensions) return false;
+    real_kind[rank] = how;
+    dimension[rank++] = added;
+    return true;
+}
+
 bool Problem::add_loop(Dimension added)
 {
     if (added.n < 0) return false;
@@ -150,7 +163,7 @@ Plan* make_plan(const Problem& problem)
     if (plan == nullptr) return nullptr;
     *plan = {};
     plan->problem = problem;
-    if (plan->problem.rank == 0) plan->problem.dimension[plan->problem.rank++] = {1, 1, 1}; // a copy
+    if (plan->problem.rank == 0) plan->problem.dimension[plan->problem.rank++] = {1, 1, 1}; // a copy, also of r2hc
     if (fill(*plan)) return plan;
     free_plan(plan);
     return nullptr;
@@ -160,6 +173,7 @@ void free_plan(Plan* plan)
 {
     if (plan == nullptr) return;
     if (plan->descriptor != nullptr) ork_dft_free_descriptor(&plan->descriptor);
+    free_real(*plan);
     std::free(plan);
 }
 

@@ -252,6 +252,110 @@ static void split_plans(void)
     F(destroy_plan)(backward);
 }
 
+/* Number k of a transform of n real numbers, by FFTW's manual. */
+static double real_sum_at(const double* x, int n, int kind, int k)
+{
+    const double pi = acos(-1);
+    double sum = 0;
+    for (int j = 0; j < n; ++j) {
+        double term = 0;
+        const int h = k <= n / 2 ? k : n - k;
+        switch (kind) {
+        case FFTW_R2HC:
+            term = k <= n / 2 ? cos(2 * pi * (j * h % n) / n) : -sin(2 * pi * (j * h % n) / n);
+            break;
+        case FFTW_HC2R:
+            term = j == 0       ? 1
+                   : 2 * j < n  ? 2 * cos(2 * pi * (j * k % n) / n)
+                   : 2 * j == n ? cos(pi * k)
+                                : -2 * sin(2 * pi * ((n - j) * k % n) / n);
+            break;
+        case FFTW_DHT:
+            term = cos(2 * pi * (j * k % n) / n) + sin(2 * pi * (j * k % n) / n);
+            break;
+        case FFTW_REDFT00:
+            term = (j == 0 || j == n - 1 ? 1 : 2) * cos(pi * j * k / (n - 1));
+            break;
+        case FFTW_REDFT10:
+            term = 2 * cos(pi * (j + 0.5) * k / n);
+            break;
+        case FFTW_REDFT01:
+            term = j == 0 ? 1 : 2 * cos(pi * j * (k + 0.5) / n);
+            break;
+        case FFTW_REDFT11:
+            term = 2 * cos(pi * (j + 0.5) * (k + 0.5) / n);
+            break;
+        case FFTW_RODFT00:
+            term = 2 * sin(pi * (j + 1) * (k + 1) / (n + 1));
+            break;
+        case FFTW_RODFT10:
+            term = 2 * sin(pi * (j + 0.5) * (k + 1) / n);
+            break;
+        case FFTW_RODFT01:
+            term = (j == n - 1 ? 1 : 2) * sin(pi * (j + 1) * (k + 0.5) / n);
+            break;
+        case FFTW_RODFT11:
+            term = 2 * sin(pi * (j + 0.5) * (k + 0.5) / n);
+            break;
+        }
+        sum += x[j] * term;
+    }
+    return sum;
+}
+
+static void real_to_real_plans(void)
+{
+    const int sizes[] = {1, 2, 3, 4, 5, 8, 12, 31, 64, 100};
+    static double x[most], y[most];
+    for (int kind = FFTW_R2HC; kind <= FFTW_RODFT11; ++kind)
+        for (unsigned s = 0; s < sizeof sizes / sizeof *sizes; ++s) {
+            const int n = sizes[s];
+            F(plan) plan = F(plan_r2r_1d)(n, real_in, real_out, (F(r2r_kind))kind, FFTW_ESTIMATE);
+            if (kind == FFTW_REDFT00 && n == 1) {
+                check("no REDFT00 of one number", plan == NULL);
+                continue;
+            }
+            fill(real_in, n);
+            for (int j = 0; j < n; ++j) x[j] = real_in[j];
+            F(execute)(plan);
+            int fine = 1;
+            for (int k = 0; k < n; ++k) fine &= is_close(real_out[k], real_sum_at(x, n, kind, k), n);
+            F(execute_r2r)(plan, real_in, real_out + 256);
+            fine &= memcmp(real_out, real_out + 256, (size_t)n * sizeof(Real)) == 0;
+            if (!fine) printf("kind %d, n = %d: ", kind, n);
+            check("plan_r2r_1d", fine);
+            F(destroy_plan)(plan);
+        }
+    /* Two transforms of 6 x 5 numbers, kinds of their own, each matrix within 7 x 9 in, 8 x 6 out with strides 2 and 1;
+       then in place, where the strides change. */
+    for (int in_place = 0; in_place < 2; ++in_place) {
+        const int n[] = {6, 5}, in_embed[] = {7, 9}, out_embed[] = {8, 6};
+        const F(r2r_kind) kinds[] = {FFTW_RODFT10, FFTW_REDFT00};
+        Real* to = in_place ? real_in : real_out;
+        F(plan) plan = F(plan_many_r2r)(2, n, 2, real_in, in_embed, 2, 150, to, out_embed, 1, 60, kinds, FFTW_MEASURE);
+        if (plan == NULL && in_place && strstr(F(version), "ork") == NULL) continue; /* FFTW has no plan for it */
+        fill(real_in, 400);
+        for (int j = 0; j < 400; ++j) x[j] = real_in[j];
+        F(execute)(plan);
+        int fine = 1;
+        for (int t = 0; t < 2; ++t) {
+            double line[6];
+            for (int i = 0; i < 6; ++i)
+                for (int k = 0; k < 5; ++k) {
+                    for (int j = 0; j < 5; ++j) line[j] = x[150 * t + 2 * (9 * i + j)];
+                    y[5 * i + k] = real_sum_at(line, 5, kinds[1], k);
+                }
+            for (int i = 0; i < 6; ++i)
+                for (int k = 0; k < 5; ++k) {
+                    for (int j = 0; j < 6; ++j) line[j] = y[5 * j + k];
+                    fine &= is_close(to[60 * t + 6 * i + k], real_sum_at(line, 6, kinds[0], i), 30);
+                }
+        }
+        check(in_place ? "plan_many_r2r in place" : "plan_many_r2r", fine);
+        F(destroy_plan)(plan);
+    }
+}
+
 static void refused_plans(void)
 {
     const int n[] = {4, 0};
@@ -317,6 +421,7 @@ int main(void)
         many_real();
         guru_plans();
         split_plans();
+        real_to_real_plans();
     }
     refused_plans();
     surroundings();
