@@ -44,10 +44,67 @@ LineSet<R> rows_of(const Grid<R>& grid, Int j, Int count, Int k)
     return {grid.work.f + k * grid.plane + j * grid.row, count, 1, grid.row};
 }
 
+// Columns of a plane, taken so many at once.
+constexpr Int columns_at_once = 64;
+template <class R>
+Int pieces_of_columns(const Grid<R>& grid)
+{
+    return (grid.inside[0].size() + columns_at_once - 1) / columns_at_once;
+}
+
+template <class R>
+Int transform_columns(const Grid<R>& grid, const Direction<R>& y, Int piece, Int k, bool backward)
+{
+    const Int i = grid.inside[0].first + piece * columns_at_once;
+    const LineSet<R> lines = {grid.work.f + k * grid.plane + i, std::min(columns_at_once, grid.inside[0].end - i),
+                              grid.row, 1};
+    return backward ? y.backward(lines) : y.forward(lines);
+}
+
+// Planes that stay in the second-level cache are transformed in both directions at once, as long as there are enough of
+// them for the threads: the stage of y has been done by that of x then (forward), or is left to it (backward).
+template <class R>
+bool whole_planes(const Grid<R>& grid)
+{
+    constexpr Int plane_bytes = 512 * 1024, planes = 16;
+    return !grid.flat && grid.plane * static_cast<Int>(sizeof(R)) <= plane_bytes && grid.inside[2].size() >= planes;
+}
+
+template <class R>
+void transform_planes(Work<R>* work, bool backward)
+{
+    const Grid<R> grid(*work);
+    const Direction<R> x(*work, 0), y(*work, 1);
+    const R h = grid.step(grid.last_direction());
+    const RightSide<R> side(grid, h * h / (x.norm() * y.norm()));
+    const Int rows = grid.inside[1].size(), pieces = pieces_of_columns(grid);
+    const auto along_y = [&](Int k) {
+        Int status = 0;
+        for (Int piece = 0; piece < pieces && status == 0; ++piece)
+            status = transform_columns(grid, y, piece, k, backward);
+        return status;
+    };
+    share_units(*work, grid.inside[2].size(), rows * grid.row, transformed_per_thread / 2, [&](Int first, Int count) {
+        for (Int plane = first; plane < first + count; ++plane) {
+            Int status = backward ? along_y(grid.inside[2].first + plane) : 0;
+            if (status == 0)
+                status = for_rows(grid, plane * rows, rows, [&](Int j, Int piece, Int k) {
+                    if (backward) return x.backward(rows_of(grid, j, piece, k));
+                    for (Int r = 0; r < piece; ++r) side.prepare_row(j + r, k);
+                    return x.forward(rows_of(grid, j, piece, k));
+                });
+            if (status == 0 && !backward) status = along_y(grid.inside[2].first + plane);
+            if (status != 0) return status;
+        }
+        return Int{0};
+    });
+}
+
 template <class R>
 void forward_x(Work<R>* work)
 {
     const Grid<R> grid(*work);
+    if (whole_planes(grid)) return transform_planes(work, false);
     const Direction<R> x(*work, 0);
     const R h = grid.step(grid.last_direction());
     const RightSide<R> side(grid, h * h / (grid.flat ? x.norm() : x.norm() * Direction<R>(*work, 1).norm()));
@@ -77,6 +134,10 @@ template <class R>
 void backward_x(Work<R>* work)
 {
     const Grid<R> grid(*work);
+    if (whole_planes(grid)) {
+        transform_planes(work, true);
+        return close_periods(grid);
+    }
     const Direction<R> x(*work, 0);
     share_units(*work, grid.inside[1].size() * grid.inside[2].size(), grid.row, transformed_per_thread,
                 [&](Int first, Int count) {
@@ -90,19 +151,15 @@ void backward_x(Work<R>* work)
 template <class R>
 void transform_y(Work<R>* work, bool backward)
 {
-    constexpr Int columns_at_once = 64;
     const Grid<R> grid(*work);
+    if (whole_planes(grid)) return;
     const Direction<R> y(*work, 1);
-    const Range columns = grid.inside[0];
-    const Int pieces = (columns.size() + columns_at_once - 1) / columns_at_once;
+    const Int pieces = pieces_of_columns(grid);
     share_units(*work, pieces * grid.inside[2].size(), columns_at_once * grid.n[1], transformed_per_thread,
                 [&](Int first, Int count) -> Int {
                     for (Int unit = first; unit < first + count; ++unit) {
-                        const Int i = columns.first + unit % pieces * columns_at_once;
-                        R* const f = work->f + (grid.inside[2].first + unit / pieces) * grid.plane + i;
-                        const LineSet<R> lines = {f, std::min(columns_at_once, columns.end - i), grid.row, 1};
-                        const Int status = backward ? y.backward(lines) : y.forward(lines);
-                        if (status != 0) return status;
+                        const Int k = grid.inside[2].first + unit / pieces;
+                        if (const Int status = transform_columns(grid, y, unit % pieces, k, backward)) return status;
                     }
                     return 0;
                 });

@@ -132,7 +132,8 @@ struct Work {
 
 // STAGES. Two dimensions: ft_2d_<x>, lu_2d_<y>, inv_ft_2d_<x>, where <x> is the pair of x. Three: ft_3d_x_<x>,
 // ft_3d_y_<y>, ft_3d_z_<z>, inv_ft_3d_z_<z>, inv_ft_3d_y_<y>, inv_ft_3d_x_<x>. A stage that finds status set is not
-// called. Pairs of other directions: 2 code(a) + code(b) = 0 dd, 1 dn, 2 nd, 3 nn, 6 pp.
+// called. A core may do what is ft_3d_y's in ft_3d_x already, and what is inv_ft_3d_y's in inv_ft_3d_x.
+// Pairs of other directions: 2 code(a) + code(b) = 0 dd, 1 dn, 2 nd, 3 nn, 6 pp.
 //
 // Before the first stage f holds the right-hand side at unknown points and u at the points of Dirichlet sides (x sides
 // first, then y, then z, so an edge has the value of the later). h is hy in two dimensions, hz in three.
