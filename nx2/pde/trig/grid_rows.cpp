@@ -90,12 +90,15 @@ public:
     {
         Rows rows(plan, factor, f, work);
         rows.gather();
-        for (Int q = 0; q <= m; ++q)
-            if (const Int status = ork_dft_dfticomputeforward(plan.dft, rows.row(q))) return status;
-        const Int pairs = (rows.length_ - 1) / 2;
+        const Int length = rows.length_, half = length / 2;
+        for (Int q = 0; q <= m; ++q) {
+            R* const row = rows.row(q);
+            if (const Int status = ork_dft_dfticomputeforward(plan.dft, row)) return status;
+            if (length % 2 == 0) row[length] = row[1], row[length + 1] = 0; // in line with the others
+        }
         in_lanes<R>(
-            1, pairs + 1, [&](Int k, auto v) __attribute__((always_inline)) { rows.template combine<decltype(v)>(k); });
-        rows.ends();
+            1, half + 1, [&](Int k, auto v) __attribute__((always_inline)) { rows.template combine<decltype(v)>(k); });
+        rows.begin();
         return 0;
     }
 
@@ -112,26 +115,33 @@ private:
     [[gnu::always_inline]] void gather()
     {
         const Int blocks = n_ / radix / lanes * lanes;
+        Vec<R> before = {}; // row 0 of the block before
         for (Int j = 0; j < blocks; j += lanes) {
             const R* from = f_ + radix * j;
+#pragma GCC unroll 8
             for (int q = 0; q < radix; q += lanes) {
                 Vec<R> x[lanes];
+#pragma GCC unroll 4
                 for (int i = 0; i < lanes; ++i) x[i] = load(from + i * radix + q);
                 transpose(x);
+                if (q == 0) {
+                    // Of j = 0 it is beside the row.
+                    const Vec<R> down = followed(x[0], before);
+                    store(row(0) + length_ - j, sine ? negated(down) : down);
+                    before = x[0];
+                }
+#pragma GCC unroll 4
                 for (int i = 0; i < lanes; ++i) {
                     if (q + i <= m) store(row(q + i) + j, x[i]);
-                    if (q + i != 0 && q + i < m) continue;
-                    const Vec<R> mirrored = reversed(sine ? negated(x[i]) : x[i]);
-                    if (q + i == 0)
-                        store(row(0) + length_ - j - lanes + 1, mirrored); // one of the first block is beside the row
-                    else
-                        store(row(radix - q - i) + length_ - j - lanes, mirrored);
+                    if (q + i >= m)
+                        store(row(radix - q - i) + length_ - j - lanes, reversed(sine ? negated(x[i]) : x[i]));
                 }
             }
         }
-        const Int end = length_ - blocks + 1 < length_ ? length_ - blocks + 1 : length_;
         for (Int q = 0; q <= m; ++q)
-            for (Int j = blocks; j < end; ++j) row(q)[j] = extended(radix * j + q);
+            for (Int j = blocks; j < length_ - blocks; ++j) row(q)[j] = extended(radix * j + q);
+        for (Int j = length_ - blocks; j < length_ - blocks + lanes && j < length_; ++j)
+            row(0)[j] = extended(radix * j);
         row(0)[0] = extended(0);
     }
 
@@ -178,8 +188,8 @@ private:
         put_down(down + m * length_, c[m] * factor);
     }
 
-    // k = 0, and l/2 for even l, where spectra are real.
-    [[gnu::always_inline]] void ends()
+    // k = 0, where spectra are real.
+    [[gnu::always_inline]] void begin()
     {
         R c[m + 1] = {}, s[m] = {};
         for (int q = 0; q <= m; ++q) {
@@ -189,22 +199,13 @@ private:
             else if (q < m)
                 s[q] = value;
         }
-        cosines(c);
-        sines(s);
-        for (int p = sine ? 1 : 0; p <= (sine ? m - 1 : m); ++p) f_[p * length_] = (sine ? s[p] : c[p]) * factor_;
-        if (length_ % 2 != 0) return;
-        const Int k = length_ / 2;
-        const R* w = factors(table_, m, k);
-        for (int q = 0; q <= m; ++q) {
-            const R re = row(q)[1], a = q == 0 ? re : re * w[(2 * q - 2) * lanes];
-            const R b = q == 0 ? R(0) : re * w[(2 * q - 1) * lanes];
-            c[q] = sine ? b : a;
-            if (q < m) s[q] = sine ? a : b;
+        if (sine) {
+            sines(s);
+            for (int p = 1; p < m; ++p) f_[p * length_] = s[p] * factor_;
+        } else {
+            cosines(c);
+            for (int p = 0; p <= m; ++p) f_[p * length_] = c[p] * factor_;
         }
-        cosines(c);
-        sines(s);
-        f_[k] = (sine ? -c[0] : c[0]) * factor_;
-        for (int p = 1; p < m; ++p) f_[p * length_ + k] = (sine ? s[p] - c[p] : c[p] + s[p]) * factor_;
     }
 
     const R* table_;

@@ -26,6 +26,14 @@ inline void interleave(Vec<float>& a, Vec<float>& b)
 inline Vec<double> reversed(Vec<double> a) { return {_mm_shuffle_pd(a.v, a.v, 1)}; }
 inline Vec<float> reversed(Vec<float> a) { return {_mm_shuffle_ps(a.v, a.v, 0x1b)}; }
 
+// a[0], then b without its first, from its last down.
+inline Vec<double> followed(Vec<double> a, Vec<double> b) { return {_mm_shuffle_pd(a.v, b.v, 2)}; }
+inline Vec<float> followed(Vec<float> a, Vec<float> b)
+{
+    const __m128 joined = _mm_shuffle_ps(a.v, b.v, 0xf0);
+    return {_mm_shuffle_ps(joined, b.v, 0x68)};
+}
+
 inline Vec<double> negated(Vec<double> a) { return {_mm_xor_pd(a.v, _mm_set1_pd(-0.0))}; }
 inline Vec<float> negated(Vec<float> a) { return {_mm_xor_ps(a.v, _mm_set1_ps(-0.0f))}; }
 inline double negated(double a) { return -a; }
