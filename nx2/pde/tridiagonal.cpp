@@ -13,6 +13,8 @@
 // v' the solution for t = 0: v'(m - 1) = y(m - 1), v'(0) = sum of p(j - 1) y(j). So t is known before the way up.
 #include "ork/abi/pde_tridiagonal.h"
 
+#include <cstring>
+
 #include "frame/export.h"
 #include "simd/fetch.h"
 #include "simd/vec.h"
@@ -31,18 +33,18 @@ inline Vec<float> above(Vec<float> a, Vec<float> least) { return {_mm_and_ps(a.v
 inline bool any_differs(Vec<double> a, Vec<double> b) { return _mm_movemask_pd(_mm_cmpneq_pd(a.v, b.v)) != 0; }
 inline bool any_differs(Vec<float> a, Vec<float> b) { return _mm_movemask_ps(_mm_cmpneq_ps(a.v, b.v)) != 0; }
 
-// `vectors` registers of `width` lanes that hold systems: 1, or all. Factors are kept a register each.
-template <int vectors, int width, class R>
+// `vectors` registers of systems.
+template <int vectors, class R>
 class Block {
     using V = Vec<R>;
-    static constexpr int lanes = V::lanes, systems = vectors * width, numbers = vectors * lanes;
+    static constexpr int lanes = V::lanes, numbers = vectors * lanes;
     static constexpr int rows_ahead = 8;
 
 public:
     Block(Int order, Int ends, const R* table, R shift, R* g, Int stride, R* work)
         : order_(order), ends_(ends), g_(g), stride_(stride), factors_(work), products_(work + (order + 1) * numbers)
     {
-        for (int v = 0; v < vectors; ++v) d_[v] = load<width>(table + v * width) + broadcast(shift);
+        for (int v = 0; v < vectors; ++v) d_[v] = get(table, v) + broadcast(shift);
     }
 
     void solve() { ends_ == pp ? cyclic() : open(); }
@@ -52,12 +54,12 @@ private:
     void fetch_ahead(Int j) const
     {
         if (j + rows_ahead < order_)
-            for (int k = 0; k < systems; k += line<R>) fetch_at(g_ + (j + rows_ahead) * stride_ + k, 0);
+            for (int k = 0; k < numbers; k += line<R>) fetch_at(g_ + (j + rows_ahead) * stride_ + k, 0);
     }
     V* factor(Int j) { return reinterpret_cast<V*>(factors_ + j * numbers); }
     V* product(Int j) { return reinterpret_cast<V*>(products_ + j * numbers); }
-    static V get(const R* row, int v) { return load<width>(row + v * width); }
-    static void put(R* row, int v, V a) { store<width>(row + v * width, a); }
+    static V get(const R* row, int v) { return load(row + v * lanes); }
+    static void put(R* row, int v, V a) { store(row + v * lanes, a); }
 
     // Row 0, whose neighbour counts twice when `twice`. Factors of row j are those of row min(j, last_).
     void first_row(bool twice)
@@ -217,6 +219,24 @@ void solve_constant(Int order, bool cyclic, R* g, Int stride)
     lose_mean();
 }
 
+// Less systems than a block holds: in a copy that the last of them fills up.
+template <int vectors, class R>
+void solve_few(Int systems, Int order, Int ends, const R* table, R shift, R* g, Int stride, R* work)
+{
+    constexpr Int numbers = vectors * Vec<R>::lanes;
+    R* const copy = work + tridiagonal_work<R>(order) / 3 * 2;
+    const auto bytes = static_cast<std::size_t>(systems) * sizeof(R);
+    const auto fill = [&](R* row, const R* from) {
+        std::memcpy(row, from, bytes);
+        for (Int k = systems; k < numbers; ++k) row[k] = from[systems - 1];
+    };
+    R diagonal[numbers];
+    fill(diagonal, table);
+    for (Int j = 0; j < order; ++j) fill(copy + j * numbers, g + j * stride);
+    Block<vectors, R>(order, ends, diagonal, shift, copy, numbers, work).solve();
+    for (Int j = 0; j < order; ++j) std::memcpy(g + j * stride, copy + j * numbers, bytes);
+}
+
 template <class R>
 void solve_systems(Int systems, Int order, Int ends, bool singular, const R* table, R shift, R* g, Int stride, R* work)
 {
@@ -234,14 +254,15 @@ void solve_systems(Int systems, Int order, Int ends, bool singular, const R* tab
     }
     if (ends == pp && order == 2) ends = nn;
     constexpr int lanes = Vec<R>::lanes, whole = tridiagonal_block / 16;
-    const auto blocks = [&]<int vectors, int width>() {
-        for (; k + vectors * width <= systems; k += vectors * width)
-            Block<vectors, width, R>(order, ends, table + k, shift, g + k, stride, work).solve();
-    };
-    blocks.template operator()<whole, lanes>();
-    blocks.template operator()<4, lanes>();
-    blocks.template operator()<1, lanes>();
-    blocks.template operator()<1, 1>();
+    for (; k + whole * lanes <= systems; k += whole * lanes)
+        Block<whole, R>(order, ends, table + k, shift, g + k, stride, work).solve();
+    const Int left = systems - k;
+    if (left > 8 * lanes)
+        solve_few<whole>(left, order, ends, table + k, shift, g + k, stride, work);
+    else if (left > 2 * lanes)
+        solve_few<8>(left, order, ends, table + k, shift, g + k, stride, work);
+    else if (left > 0)
+        solve_few<2>(left, order, ends, table + k, shift, g + k, stride, work);
 }
 
 } // namespace

@@ -24,7 +24,7 @@ inline constexpr int tridiagonal_block = 256; // bytes of a row of g that are so
 template <class R>
 constexpr Int tridiagonal_work(Int order)
 {
-    return 2 * (order + 1) * tridiagonal_block / static_cast<Int>(sizeof(R));
+    return 3 * (order + 1) * tridiagonal_block / static_cast<Int>(sizeof(R));
 }
 
 } // namespace ork::pde
