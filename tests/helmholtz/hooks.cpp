@@ -97,7 +97,7 @@ int ork_serv_format_print(int64_t, const char* format, ...)
 
 int64_t ork_dft_dfticommitdescriptor(ork_dft_descriptor* handle)
 {
-    if (hooks().commit_fails) return 1;
+    if (hooks().fail_commit_at > 0 && --hooks().fail_commit_at == 0) return 1;
     return reinterpret_cast<decltype(&ork_dft_dfticommitdescriptor)>(dlsym(RTLD_NEXT, "ork_dft_dfticommitdescriptor"))(
         handle);
 }

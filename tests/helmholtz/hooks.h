@@ -16,9 +16,9 @@ struct Hooks {
     pde::Int failure = 0;
     pde::Int singular = 0; // of the work record that the latest stage got
 
-    std::string printed;       // on standard output
-    std::string print_format;  // of the latest
-    bool commit_fails = false; // of Fourier transforms
+    std::string printed;      // on standard output
+    std::string print_format; // of the latest
+    int fail_commit_at = 0;   // 1: the next commit of a Fourier transform fails ...
 
     int fail_allocation_at = 0; // 1: the next one of the kernels' work memory gives null
     int live_allocations = 0;

@@ -208,18 +208,20 @@ TEST_F(Protocol, FailuresBelow)
     EXPECT_EQ(hooks().alignment, 64u);
     EXPECT_EQ(printed(), "<10><11><76><77>");
     EXPECT_EQ(p.f.values(), before);
-    // The Fourier transform below a commit.
+    // The Fourier transforms below a commit, one after the other; what was set up before is released.
     hooks() = {};
-    for (const char* sides : {"PPDD", "NNPPDD"}) {
+    for (const char* sides : {"PPDD", "PPPPDD"}) {
         Problem<double> failing(sides, {4, 4, 4}, 0);
-        ASSERT_EQ(failing.init(), pde::ok);
-        hooks().commit_fails = true;
-        EXPECT_EQ(failing.commit(), pde::transform_failed);
-        hooks().commit_fails = false;
-        EXPECT_TRUE(printed().ends_with("<10><11><66 -1000><69><70>"));
-        EXPECT_EQ(failing.xhandle, nullptr);
-        EXPECT_EQ(failing.solve(), pde::bad_state);
-        printed();
+        const char* messages[] = {"<66 -1000>", "<68 -1000>", "<79 -1000>", "<79 -1000>"};
+        for (int i = 0; i < 2 * (failing.dimensions() - 1); ++i) {
+            ASSERT_EQ(failing.init(), pde::ok);
+            hooks().fail_commit_at = i + 1;
+            EXPECT_EQ(failing.commit(), pde::transform_failed);
+            EXPECT_TRUE(printed().ends_with(std::string("<10><11>") + messages[i] + "<69><70>"));
+            EXPECT_TRUE(failing.xhandle == nullptr && failing.yhandle == nullptr);
+            EXPECT_EQ(failing.solve(), pde::bad_state);
+            printed();
+        }
         EXPECT_EQ(failing.init(), pde::ok);
         EXPECT_EQ(failing.commit(), pde::ok);
         EXPECT_EQ(failing.solve(), pde::ok);
