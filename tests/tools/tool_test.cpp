@@ -173,6 +173,38 @@ TEST_F(Tool, DemoTurnsAPhotograph)
     EXPECT_EQ(crop[299], original[size_t{212} * 512]);
 }
 
+TEST_F(Tool, DemoClonesAPartOfAPhotograph)
+{
+    const ChildResult run = ork({"demo", "clone", "--out", folder, "--checks"});
+    ASSERT_TRUE(run.ok()) << run.describe();
+    EXPECT_THAT(run.out, HasSubstr("held: step at the border over that of plain pasting"));
+    EXPECT_EQ(xml_fault(read(folder / "ork-demo-clone.svg")), "");
+    const std::string original = read(ORK_SOURCE_DIR "/examples/data/ascent.pgm");
+    const std::string cloned = read(folder / "ork-demo-clone-cloned.pgm"),
+                      pasted = read(folder / "ork-demo-clone-pasted.pgm");
+    ASSERT_EQ(cloned.size(), original.size());
+    ASSERT_EQ(pasted.size(), original.size());
+    size_t changed = 0, outside = 0;
+    for (size_t i = 15; i < original.size(); ++i) {
+        const size_t x = (i - 15) % 512, y = (i - 15) / 512;
+        const bool inside = x > 145 && x < 145 + 46 && y > 50 && y < 50 + 40;
+        changed += inside && cloned[i] != original[i];
+        outside += !inside && cloned[i] != original[i];
+    }
+    EXPECT_EQ(outside, 0u);
+    EXPECT_GT(changed, 1000u);
+    std::ofstream(folder / "ascent.pgm") << "P5\n1 1\n255\n1";
+    EXPECT_THAT(ork({"demo", "clone", "--data", folder, "--out", folder}).err, HasSubstr("1 x 1 pixels instead of"));
+}
+
+TEST_F(Tool, DemoDrawsTheFieldOfCharges)
+{
+    const ChildResult run = ork({"demo", "charges", "--out", folder, "--checks"});
+    ASSERT_TRUE(run.ok()) << run.describe();
+    EXPECT_THAT(run.out, HasSubstr("charge inside 0.500000, flux through the walls 0.500000"));
+    EXPECT_EQ(xml_fault(read(folder / "ork-demo-charges.svg")), "");
+}
+
 TEST_F(Tool, DemoSolvesASystem)
 {
     const ChildResult run = ork({"demo", "system", "--checks"});

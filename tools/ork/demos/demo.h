@@ -52,6 +52,6 @@ struct Demo {
 };
 
 const std::vector<Demo>& demos();
-extern const Demo pca, linear_system, ecg, blur, structure, pagerank, kalman, residual, rotate;
+extern const Demo pca, linear_system, ecg, blur, structure, pagerank, kalman, residual, rotate, clone, charges_in_a_box;
 
 } // namespace ork::tool

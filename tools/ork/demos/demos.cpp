@@ -8,7 +8,8 @@ namespace ork::tool {
 
 const std::vector<Demo>& demos()
 {
-    static const std::vector<Demo> all = {pca, linear_system, ecg, blur, structure, pagerank, kalman, residual, rotate};
+    static const std::vector<Demo> all = {pca,    linear_system, ecg,    blur,  structure,       pagerank,
+                                          kalman, residual,      rotate, clone, charges_in_a_box};
     return all;
 }
 
