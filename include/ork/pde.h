@@ -70,6 +70,12 @@
        (s(j-1/2) (u(i, j) - u(i, j-1)) + s(j+1/2) (u(i, j) - u(i, j+1))) / (ht^2 s(j))
            + (2 u(i, j) - u(i-1, j) - u(i+1, j)) / (hp^2 s(j)^2) + q u(i, j) = f(i, j)
 
+   and at a pole, with m the mean of u over the row next to it, g that of f over its own row and w = 2 sin(ht/4)^2 / ht,
+
+       sin(ht/2) (u - m) / (ht^2 w) + q u = g
+
+   With both poles and q = 0 the problem is singular as above; rows count by s(j), poles by w.
+
        ork_d_init_sph_p(0, 2 * pi, 0, pi, np, nt, 1, ipar, rpar);
        ork_d_commit_sph_p(&sine, &cosine, ipar, rpar);
        ork_d_sph_p(f, &sine, &cosine, ipar, rpar);
