@@ -219,14 +219,17 @@ template <class R, bool sine>
 Int whole_transform(const TrigPlan<R>& plan, R factor, R* f, R* work)
 {
     const Int n = plan.n;
-    R* const middle = work + n;
-    in_lanes<R>(1, n, [&](Int i, auto v) {
-        using V = decltype(v);
-        const V x = get<V>(f + i);
-        put(work + i, x);
-        put_down(work + 2 * n - i, sine ? negated(x) : x);
-    });
-    work[0] = sine ? 0 : f[0], *middle = sine ? 0 : f[n];
+    const Int end = n / Vec<R>::lanes * Vec<R>::lanes;
+    Vec<R> before = {};
+    for (Int i = 0; i < end; i += Vec<R>::lanes) {
+        const Vec<R> x = load(f + i), down = followed(x, before);
+        store(work + i, x);
+        store(work + 2 * n - i, sine ? negated(down) : down); // of i = 0 it is beside the extension
+        before = x;
+    }
+    for (Int i = end; i < n; ++i) work[i] = f[i];
+    for (Int i = end < Vec<R>::lanes ? 1 : end - Vec<R>::lanes + 1; i < n; ++i) work[2 * n - i] = sine ? -f[i] : f[i];
+    work[0] = sine ? 0 : f[0], work[n] = sine ? 0 : f[n];
     if (const Int status = ork_dft_dfticomputeforward(plan.dft, work)) return status;
     in_lanes<R>(1, n, [&](Int k, auto v) {
         using V = decltype(v);

@@ -30,7 +30,7 @@ Int work_numbers(Int type, Int n)
     constexpr Int line = 64 / sizeof(R);
     if (type >= 2) return n + 4 * line;
     const Int radix = grid_radix<R>(n);
-    return radix == 1 ? 2 * n : (radix / 2 + 1) * grid_distance<R>(grid_row(n, radix));
+    return radix == 1 ? 2 * n + line : (radix / 2 + 1) * grid_distance<R>(grid_row(n, radix));
 }
 
 template <class R>
