@@ -6,6 +6,25 @@
 
 namespace ork::pde {
 
+// Registers by hand: GCC 12 vectorizes no such loop at -O2.
+template <class R>
+struct Register {
+    typedef R type __attribute__((vector_size(16), aligned(sizeof(R)), may_alias));
+    static constexpr Int lanes = 16 / sizeof(R);
+};
+
+template <class R>
+void multiply(R* f, Int count, R factor)
+{
+    using V = Register<R>;
+    Int i = 0;
+    for (; i + 4 * V::lanes <= count; i += 4 * V::lanes) {
+        auto* const v = reinterpret_cast<typename V::type*>(f + i);
+        v[0] *= factor, v[1] *= factor, v[2] *= factor, v[3] *= factor;
+    }
+    for (; i < count; ++i) f[i] *= factor;
+}
+
 // factor times f and the boundary's part, at the unknown points of row j of plane k:
 //     + u / h^2 beside a Dirichlet side (2 u / h^2 when the point lies on a Neumann side itself),
 //     + 2 bd / h on a Neumann side.
@@ -29,7 +48,7 @@ public:
         const Int nx = g.n[0], ny = g.n[1], nz = g.n[2], from = g.inside[0].first, count = g.inside[0].size();
         R* const row = w.f + k * g.plane + j * g.row;
         R* const f = row + from;
-        for (Int i = 0; i < count; ++i) f[i] *= factor_;
+        multiply(f, count, factor_);
         if (g.side[0][0] == dirichlet) row[1] += value_[0] * row[0];
         if (g.side[0][0] == neumann) row[0] += slope_[0] * w.bd_ax[j + k * (ny + 1)];
         if (g.side[0][1] == dirichlet) row[nx - 1] += value_[0] * row[nx];
