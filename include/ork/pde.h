@@ -30,11 +30,12 @@
    SIDES. A letter a side, of either case, in the order ax, bx, ay, by (az, bz):
      D  Dirichlet: bd holds u on the side. It is copied into f; on edges the later side's values hold.
      N  Neumann: bd holds the derivative along the outward normal. The equation is set up at the points of the side,
-   with the point beyond it eliminated by a central difference: u(-1) = u(1) + 2 hx bd. P  periodic, both sides of a
-   direction or none: point nx is point 0. f of point nx is not read, and equals that of point 0 on exit. bd is not read
-   and may be null. On D sides f need not be set. bd_ax and bd_bx hold ny + 1 numbers, bd_ay and bd_by nx + 1; in three
-   dimensions a plane each, ordered like a plane of f: bd_ax[j + k (ny + 1)], bd_ay[i + k (nx + 1)], bd_az[i + j (nx +
-   1)].
+        with the point beyond it eliminated by a central difference: u(-1) = u(1) + 2 hx bd.
+     P  periodic, both sides of a direction or none: point nx is point 0. f of point nx is not read, and equals that of
+        point 0 on exit. bd is not read and may be null.
+
+   On D sides f need not be set. bd_ax and bd_bx hold ny + 1 numbers, bd_ay and bd_by nx + 1; in three dimensions a
+   plane each, ordered like a plane of f: bd_ax[j + k (ny + 1)], bd_ay[i + k (nx + 1)], bd_az[i + j (nx + 1)].
 
    SINGULAR PROBLEMS: q = 0 and no D. A solution is determined but for a constant, and exists only if f and bd balance.
    The part of f that doesn't (a constant) is dropped, and the solution with mean zero is computed, points of N sides
