@@ -21,9 +21,9 @@ using Int = std::int64_t;
 // Statuses of every stage, stored in stat and in the array of integers.
 enum Status : Int { ok = 0, bad_argument = -100, transform_failed = -1000, bad_state = -10000, running = -99999 };
 
-// TRIGONOMETRIC TRANSFORMS. A kernel computes twice the sum below, in place; unless ipar[10] is set the stage multiplies
-// by 1/n (forward) or 1/2 (backward), which makes forward and backward inverse to each other. Without it backward after
-// forward gives 2n times the numbers. A sum with (half ...) counts those elements half.
+// TRIGONOMETRIC TRANSFORMS. A kernel computes twice the sum below, in place; unless ipar[10] is set the stage
+// multiplies by 1/n (forward) or 1/2 (backward), which makes forward and backward inverse to each other. Without it
+// backward after forward gives 2n times the numbers. A sum with (half ...) counts those elements half.
 //
 //     type  forward F(k), sum over i of f(i) times   i, k                    backward f(i), sum over k of F(k) times
 //     0     sin(pi k i / n)                          1 .. n-1                the same
