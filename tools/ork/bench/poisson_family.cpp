@@ -26,7 +26,10 @@ Contest prepare(const peers::PoissonCase& c, const std::vector<peers::Library>& 
     Contest result{{}, 1e3 * static_cast<double>(c.points()), {}, solvers, false};
     for (const peers::Library& library : libraries) {
         const bool subject = library.kind == peers::Kind::subject;
+        // A solver remembers how many threads there were when it was described.
+        const int before = ork_set_num_threads_local(2);
         auto solver = (subject ? peers::ork_poisson : peers::fftw_poisson)(library, c, solvers->right_side.data());
+        ork_set_num_threads_local(before);
         if (solver == nullptr) continue;
         const auto run = [s = solver.get()](long calls) {
             for (; calls > 0; --calls) s->run();
@@ -35,9 +38,9 @@ Contest prepare(const peers::PoissonCase& c, const std::vector<peers::Library>& 
             {library.name, library.kind, run, peers::check(*solver, c, solvers->right_side.data())});
         if (subject)
             result.two_threads = [run](long calls) {
-                const int before = ork_set_num_threads_local(2);
+                const int one = ork_set_num_threads_local(2);
                 run(calls);
-                ork_set_num_threads_local(before);
+                ork_set_num_threads_local(one);
             };
         solvers->all.push_back(std::move(solver));
     }
