@@ -5,23 +5,15 @@
 #include <complex>
 
 #include "loader/kernel.h"
+#include "loader/precision.h"
 #include "ork/abi/lapack.h"
 
 namespace ork::lapack::kernels {
 
-template <class T>
-constexpr const char* of_precision(const char* s, const char* d, const char* c, const char* z)
-{
-    if constexpr (sizeof(Part<T>) == sizeof(T))
-        return sizeof(T) == sizeof(float) ? s : d;
-    else
-        return sizeof(Part<T>) == sizeof(float) ? c : z;
-}
-
 #define ORK_KERNEL(stem)                                                                                               \
     template <class T>                                                                                                 \
     inline constinit loader::Kernel<typename Calls<T>::stem> stem{                                                     \
-        "lapack_ps", of_precision<T>("s" #stem, "d" #stem, "c" #stem, "z" #stem)};
+        "lapack_ps", loader::of_precision<T>("s" #stem, "d" #stem, "c" #stem, "z" #stem)};
 ORK_KERNEL(getrf_small)
 ORK_KERNEL(getrfnp_small)
 ORK_KERNEL(getrs_small)

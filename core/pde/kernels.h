@@ -3,21 +3,16 @@
 #pragma once
 
 #include "loader/kernel.h"
+#include "loader/precision.h"
 #include "ork/abi/pde.h"
 #include "ork/abi/pde_sphere.h"
 #include "ork/abi/pde_tridiagonal.h"
 
 namespace ork::pde::kernels {
 
-template <class R>
-constexpr const char* of_precision(const char* s, const char* d)
-{
-    return sizeof(R) == sizeof(float) ? s : d;
-}
-
 #define ORK_KERNEL(name, domain, stem, signature)                                                                      \
     template <class R>                                                                                                 \
-    inline constinit loader::Kernel<signature> name{domain, of_precision<R>("s_" stem, "d_" stem)};
+    inline constinit loader::Kernel<signature> name{domain, loader::of_precision<R>("s_" stem, "d_" stem)};
 #define ORK_TRANSFORM(name)                                                                                            \
     ORK_KERNEL(name##_trig_transform, "pdett", #name "_trig_transform", typename TrigCalls<R>::name)
 #define ORK_POISSON(name) ORK_KERNEL(name, "pdepl", #name, typename PoissonCalls<R>::name)

@@ -5,6 +5,7 @@
 #include <complex>
 
 #include "loader/kernel.h"
+#include "loader/precision.h"
 #include "ork/abi/trans.h"
 
 namespace ork::trans {
@@ -21,16 +22,10 @@ inline constexpr char precision<std::complex<double>> = 'z';
 
 namespace kernels {
 
-template <class T>
-constexpr const char* of_precision(const char* s, const char* d, const char* c, const char* z)
-{
-    return precision<T> == 's' ? s : precision<T> == 'd' ? d : precision<T> == 'c' ? c : z;
-}
-
 #define ORK_KERNEL(stem)                                                                                               \
     template <class T>                                                                                                 \
     inline constinit loader::Kernel<typename Calls<T>::stem> stem{                                                     \
-        "trans", of_precision<T>("ork_s" #stem, "ork_d" #stem, "ork_c" #stem, "ork_z" #stem)};
+        "trans", loader::of_precision<T>("ork_s" #stem, "ork_d" #stem, "ork_c" #stem, "ork_z" #stem)};
 ORK_KERNEL(omatcopy)
 ORK_KERNEL(omatcopy2)
 ORK_KERNEL(omatcopy2_seq)

@@ -13,14 +13,6 @@
 
 namespace ork::xblas {
 
-// A kernel's signature with the order in front.
-template <class Signature>
-struct WithOrder;
-template <class... Arguments>
-struct WithOrder<void(Arguments...)> {
-    using type = void(const Int*, Arguments...);
-};
-
 namespace kernels {
 #define ROUTINE(n, routine, T, shape)                                                                                  \
     inline constinit loader::Kernel<WithOrder<Calls<T>::shape##_x>::type> routine{"xblas", #routine};

@@ -17,13 +17,6 @@ namespace ork::xblas {
 using T = ORK_KERNEL_ELEMENT;
 using Call = Calls<T>;
 
-template <class Signature>
-struct WithOrder;
-template <class... Arguments>
-struct WithOrder<void(Arguments...)> {
-    using type = void(const Int* order, Arguments...);
-};
-
 #define ORK_XBLAS_NAME_OF(prefix, letter, stem) prefix##letter##stem
 #define ORK_XBLAS_NAME(prefix, letter, stem) ORK_XBLAS_NAME_OF(prefix, letter, stem)
 #define ORK_XBLAS_EXPORT(stem)                                                                                         \

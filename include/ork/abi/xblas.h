@@ -106,6 +106,14 @@ struct Calls {
     using hemv2_x = symv2_x;
 };
 
+// The ordered form of a signature.
+template <class Signature>
+struct WithOrder;
+template <class... Arguments>
+struct WithOrder<void(Arguments...)> {
+    using type = void(const Int* order, Arguments...);
+};
+
 } // namespace ork::xblas
 
 #endif
