@@ -6,6 +6,7 @@
 #pragma once
 
 #include "ork/abi/core_blas.h"
+#include "ork/abi/core_conv.h"
 #include "ork/abi/core_lapack.h"
 #include "ork/abi/core_pde.h"
 #include "ork/abi/core_trans.h"
@@ -211,5 +212,10 @@ IMPORT(ork_pdepl_d_inv_ft_3d_x_dn)
 IMPORT(ork_pdepl_d_inv_ft_3d_x_nd)
 IMPORT(ork_pdepl_d_inv_ft_3d_x_nn)
 IMPORT(ork_pdepl_d_inv_ft_3d_x_pp)
+
+// Convolution: grids of transforms, threads
+IMPORT(ork_dft_dfticreatedescriptor_s_md)
+IMPORT(ork_dft_dfticreatedescriptor_d_md)
+IMPORT(ork_conv_do_parallel)
 
 #undef IMPORT
