@@ -411,9 +411,9 @@ TEST_F(ConvTask, HugeExtents)
 {
     const Ints huge(7, INT_MAX), one(7, 1);
     for (const std::int32_t job : {ORK_CONV_CONVOLUTION, ORK_CONV_CORRELATION}) {
-        const Task task(job, huge, huge, huge, ORK_CONV_AUTO);
-        EXPECT_EQ(conv_kernels().method(task.p), ORK_CONV_DIRECT);
-        const Task single(job, huge, one, one, ORK_CONV_AUTO);
+        const Task all(job, huge, huge, huge, ORK_CONV_AUTO), single(job, huge, one, one, ORK_CONV_AUTO);
+        const std::int32_t method = conv_kernels().method(all.p);
+        EXPECT_TRUE(method == ORK_CONV_DIRECT || method == ORK_CONV_FFT) << method;
         EXPECT_EQ(conv_kernels().method(single.p), ORK_CONV_DIRECT);
     }
 }
