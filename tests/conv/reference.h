@@ -2,6 +2,8 @@
 // The kernels by name, one task with its arrays in guarded memory, and what it has to give.
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <dlfcn.h>
 #include <sstream>
 #include <string>
@@ -55,14 +57,14 @@ struct Setup {
     std::int32_t job = ORK_CONV_CONVOLUTION, mode = ORK_CONV_DIRECT, internal = 0; // 0: the precision of the data
     Ints start = {}, decimation = {}, x_stride = {}, y_stride = {}, z_stride = {};
 
-    int dims() const { return static_cast<int>(x.size()); }
+    std::size_t dims() const { return x.size(); }
     bool correlates() const { return job == ORK_CONV_CORRELATION; }
-    Int first(int d) const { return !start.empty() ? start[d] : correlates() ? 1 - x[d] : 0; }
-    Int step(int d) const { return decimation.empty() ? 1 : decimation[d]; }
+    Int first(std::size_t d) const { return !start.empty() ? start[d] : correlates() ? 1 - x[d] : 0; }
+    Int step(std::size_t d) const { return decimation.empty() ? 1 : decimation[d]; }
     Ints outputs() const
     {
         Ints all = z;
-        for (int d = 0; z.empty() && d < dims(); ++d) {
+        for (std::size_t d = 0; z.empty() && d < dims(); ++d) {
             const Int last = correlates() ? y[d] - 1 : x[d] + y[d] - 2;
             all.push_back(static_cast<std::int32_t>((last - first(d)) / step(d) + 1));
         }
@@ -156,7 +158,7 @@ struct Convolution {
         const ConvKernels& call = conv_kernels();
         const std::int32_t precision = sizeof(Real<T>) == 8 ? ORK_CONV_DOUBLE : ORK_CONV_SINGLE;
         call.newtaskx(&task, setup.job, 0, setup.mode, is_complex<T> ? ORK_CONV_COMPLEX : ORK_CONV_REAL, precision,
-                      setup.dims(), setup.x.data(), setup.y.data(), z.extents.data(),
+                      static_cast<std::int32_t>(setup.dims()), setup.x.data(), setup.y.data(), z.extents.data(),
                       static_cast<std::int64_t>(reinterpret_cast<std::uintptr_t>(x.zero())), or_null(setup.x_stride));
         if (!setup.start.empty()) call.edittask(task, ORK_CONV_START, setup.start.data());
         if (!setup.decimation.empty()) call.edittask(task, ORK_CONV_DECIMATION, setup.decimation.data());
@@ -180,15 +182,20 @@ struct Convolution {
         std::vector<Output> all;
         for_each_index(z.extents, [&](const std::vector<Int>& k) {
             Output output;
-            std::vector<Int> j(k.size());
-            for_each_index(x.extents, [&](const std::vector<Int>& i) {
-                bool exists = true;
-                for (int d = 0; d < setup.dims(); ++d) {
+            std::vector<Int> from(k.size()), i(k.size()), j(k.size());
+            Ints count(k.size());
+            for (std::size_t d = 0; d < k.size(); ++d) {
+                const Int m = setup.first(d) + k[d] * setup.step(d);
+                from[d] = std::max<Int>(0, setup.correlates() ? -m : m - (setup.y[d] - 1));
+                const Int to = std::min<Int>(setup.x[d] - 1, setup.correlates() ? setup.y[d] - 1 - m : m);
+                count[d] = static_cast<std::int32_t>(to - from[d] + 1);
+            }
+            for_each_index(count, [&](const std::vector<Int>& index) {
+                for (std::size_t d = 0; d < k.size(); ++d) {
                     const Int m = setup.first(d) + k[d] * setup.step(d);
+                    i[d] = from[d] + index[d];
                     j[d] = setup.correlates() ? i[d] + m : m - i[d];
-                    exists = exists && j[d] >= 0 && j[d] < setup.y[d];
                 }
-                if (!exists) return;
                 const Wide<long double> a(x[i]);
                 output.sum.add(multiply<T>(setup.correlates() ? conj(a) : a, Wide<long double>(y[j])));
                 ++output.terms;

@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: MIT
+// One plan carried out: copies of the operands, lines divided among threads.
+#pragma once
+
+#include "conv/direct/block.h"
+#include "conv/direct/dots.h"
+#include "conv/direct/plan.h"
+#include "conv/direct/scattered.h"
+#include "frame/core_imports.h"
+#include "ork/conv.h"
+
+namespace ork::conv {
+
+// Memory that a run needs for itself.
+template <class W>
+class Work {
+public:
+    Work() = default;
+    ~Work()
+    {
+        if (data_ != nullptr) ork_serv_free(data_);
+    }
+    Work(const Work&) = delete;
+    Work& operator=(const Work&) = delete;
+
+    // Null when there is no memory.
+    W* allocate(Int numbers)
+    {
+        const Int bytes = times(numbers, sizeof(W));
+        return data_ = static_cast<W*>(ork_serv_malloc(static_cast<std::size_t>(bytes), 128));
+    }
+
+private:
+    W* data_ = nullptr;
+};
+
+// `count` elements in the precision of the sums.
+template <int parts, class T, class W>
+inline void copy_line(const T* from, Int stride, Int count, bool conjugate, W* to)
+{
+    for (Int i = 0; i < count; ++i, from += parts * stride, to += parts) {
+        to[0] = from[0];
+        if constexpr (parts == 2) to[1] = conjugate ? -W(from[1]) : W(from[1]);
+    }
+}
+
+// An operand as lines of dimension `along`, the other dimensions in their order. Strides are changed to those of the
+// copy.
+template <int parts, class T, class W>
+void copy_operand(const Operand& operand, int dims, int along, bool reverse, bool conjugate, W* to,
+                  Int (&stride)[max_dims])
+{
+    const Int count = operand.extent[along];
+    const Int step = reverse ? -operand.stride[along] : operand.stride[along];
+    const T* from = static_cast<const T*>(operand.data) + (reverse ? parts * (count - 1) * operand.stride[along] : 0);
+    Int tight = count;
+    for (int d = 0; d < dims; ++d)
+        if (d != along) stride[d] = tight, tight *= operand.extent[d];
+    Int index[max_dims] = {};
+    for (;;) {
+        copy_line<parts>(from, step, count, conjugate, to);
+        to += parts * count;
+        int d = 0;
+        for (; d < dims; ++d) {
+            if (d == along) continue;
+            from += parts * operand.stride[d];
+            if (++index[d] < operand.extent[d]) break;
+            from -= parts * operand.extent[d] * operand.stride[d];
+            index[d] = 0;
+        }
+        if (d == dims) return;
+    }
+}
+
+// The work that a thread is given at once, in products of registers: some tens of microseconds.
+inline constexpr double registers_per_part = 150000;
+
+template <class T, class W, int parts>
+struct Division {
+    const Lines<T, W, parts>* lines;
+    Int line_count, lines_per_part;        // a part is some lines,
+    Int segments_per_line, segment_length; // or a segment of one
+    bool dots;
+};
+
+template <class T, class W, int parts>
+void sum_segment(const Division<T, W, parts>& division, Int line, Int begin, Int end)
+{
+    T* z;
+    const Pairs<W> pairs = pairs_of(*division.lines, line, &z);
+    if (division.dots)
+        sum_apart(*division.lines, pairs, begin, end, z);
+    else
+        sum_consecutive(*division.lines, pairs, begin, end, z);
+}
+
+template <class T, class W, int parts>
+void sum_part(void* context, std::int64_t k)
+{
+    const auto& division = *static_cast<const Division<T, W, parts>*>(context);
+    const Int outputs = division.lines->z_count;
+    if (division.segments_per_line > 1) {
+        const Int begin = k % division.segments_per_line * division.segment_length;
+        const Int end = begin + division.segment_length;
+        return sum_segment(division, k / division.segments_per_line, begin, end < outputs ? end : outputs);
+    }
+    const Int first = k * division.lines_per_part, past = first + division.lines_per_part;
+    for (Int line = first; line < past && line < division.line_count; ++line) sum_segment(division, line, 0, outputs);
+}
+
+// By sizes only: the parts are the same for any number of threads.
+template <class T, class W, int parts>
+void sum_lines(const Lines<T, W, parts>& lines, Int line_count, double products)
+{
+    constexpr int lanes = Vec<W>::lanes;
+    Division<T, W, parts> division{.lines = &lines,
+                                   .line_count = line_count,
+                                   .lines_per_part = line_count,
+                                   .segments_per_line = 1,
+                                   .segment_length = lines.z_count,
+                                   .dots = by_dots(lines.z_count, lines.step, lines.tap_count, lanes, parts)};
+    const double work = products / lanes / registers_per_part;
+    if (work < 2) return sum_part<T, W, parts>(&division, 0);
+    const double work_per_line = work / static_cast<double>(line_count);
+    if (work_per_line < 1) {
+        const Int at_once = static_cast<Int>(1 / work_per_line);
+        division.lines_per_part = at_once < line_count ? at_once : line_count;
+    } else {
+        constexpr Int block = 16 * lanes;
+        const double length = static_cast<double>(lines.z_count) / work_per_line;
+        division.segment_length = (static_cast<Int>(length) / block + 1) * block;
+        division.segments_per_line = (lines.z_count + division.segment_length - 1) / division.segment_length;
+    }
+    const Int count = division.segments_per_line > 1
+                          ? times(line_count, division.segments_per_line)
+                          : (line_count + division.lines_per_part - 1) / division.lines_per_part;
+    if (count == 1) return sum_part<T, W, parts>(&division, 0);
+    ork_conv_do_parallel(count, sum_part<T, W, parts>, &division);
+}
+
+template <class T, class W, int parts>
+int sum_planned(const Problem& problem, const Plan& plan)
+{
+    const int along = plan.along;
+    const Operand &signal = plan.operand[plan.signal], &taps = plan.operand[1 - plan.signal];
+    const Dimension& line = problem.dimension[along];
+
+    Int strides[2][max_dims]; // of taps and signal
+    Int taps_size = parts, signal_size = parts, line_count = 1;
+    for (int d = 0; d < problem.dims; ++d) {
+        taps_size = times(taps_size, taps.extent[d]), signal_size = times(signal_size, signal.extent[d]);
+        if (d != along) line_count = times(line_count, problem.dimension[d].z);
+        strides[1][d] = signal.stride[d];
+    }
+    Work<W> taps_memory, signal_memory;
+    W* tap_lines = taps_memory.allocate(taps_size);
+    if (tap_lines == nullptr) return ORK_CONV_NO_WORK_MEMORY;
+    // conj(x) y = conj(x conj(y)): when x is the signal, the taps and the results are conjugated in its place.
+    copy_operand<parts, T>(taps, problem.dims, along, true, problem.conjugate_x, tap_lines, strides[0]);
+    const bool copied = !std::is_same_v<T, W> || signal.stride[along] != 1;
+    const bool conjugate = problem.conjugate_x && plan.signal == 0;
+    if (problem.dims == 1 && copied && plan.products <= 2.0 * parts * static_cast<double>(signal_size)) {
+        sum_scattered(Scattered<T, W, parts>{.taps = tap_lines,
+                                             .signal = static_cast<const T*>(signal.data),
+                                             .tap_count = taps.extent[0],
+                                             .signal_count = signal.extent[0],
+                                             .signal_stride = signal.stride[0],
+                                             .z = static_cast<T*>(problem.z),
+                                             .z_count = line.z,
+                                             .z_stride = line.z_stride,
+                                             .first = plan.first[0],
+                                             .step = line.step,
+                                             .conjugate = conjugate});
+        return ORK_CONV_OK;
+    }
+    const W* signal_lines = nullptr;
+    if constexpr (std::is_same_v<T, W>) signal_lines = static_cast<const W*>(signal.data);
+    if (copied) {
+        W* copy = signal_memory.allocate(signal_size);
+        if (copy == nullptr) return ORK_CONV_NO_WORK_MEMORY;
+        copy_operand<parts, T>(signal, problem.dims, along, false, false, copy, strides[1]);
+        signal_lines = copy;
+    }
+
+    Lines<T, W, parts> lines{.taps = tap_lines,
+                             .signal = signal_lines,
+                             .tap_count = taps.extent[along],
+                             .signal_count = signal.extent[along],
+                             .z = static_cast<T*>(problem.z),
+                             .z_count = line.z,
+                             .z_stride = line.z_stride,
+                             .first = plan.first[along],
+                             .step = line.step,
+                             .conjugate = conjugate,
+                             .outer_count = 0,
+                             .outer = {}};
+    for (int d = 0; d < problem.dims; ++d) {
+        if (d == along) continue;
+        const Dimension& n = problem.dimension[d];
+        lines.outer[lines.outer_count++] = {.taps = taps.extent[d],
+                                            .signal = signal.extent[d],
+                                            .z = n.z,
+                                            .taps_stride = strides[0][d],
+                                            .signal_stride = strides[1][d],
+                                            .z_stride = n.z_stride,
+                                            .first = plan.first[d],
+                                            .step = n.step};
+    }
+    sum_lines(lines, line_count, plan.products);
+    return ORK_CONV_OK;
+}
+
+} // namespace ork::conv
