@@ -2,8 +2,10 @@
 // The interface: refused pointers, steps out of order, messages and where they go, transforms and spheres.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <sstream>
 
 #include "box.h"

@@ -49,7 +49,8 @@ struct TrigCalls {
 
     // forward or backward of `count` lines at once, by any number of threads: element i of line k is
     // f[k distance + i stride]; ipar and fpar are read only and no message is built. A committed transform with its
-    // scaling and nothing else: bits are those of single calls. Gives the status.
+    // scaling and nothing else. The bits of a line depend on its numbers alone, not on where it lies or on the others;
+    // those of single calls may be others. Gives the status.
     using lines = Int(const Int* backward, R* f, const Int* count, const Int* stride, const Int* distance,
                       ork_dft_descriptor** handle, const Int* ipar, const R* fpar);
 };
@@ -201,8 +202,10 @@ struct PoissonCalls {
 //     28            no memory for the work record        76 77
 //     29            a transform can't be freed           80(argument)
 //     10200         ipar is not what commit left         81 58
+//     10201         commit: more points than addresses   82 83
+//     10202         commit: one handle for two transforms 84 85
 //     10900         singular: mean 0 is what solve gives 190 191
-//     10903         free for what drops a part of f      192 193
+//     10903         solve, singular: f drops its mean    192 193
 //     10904         q below 0                            194(q) 195 196
 //     others                                             22
 

@@ -4,18 +4,11 @@
 
 #include <limits>
 
+#include "pde/poisson/begin.h"
 #include "pde/poisson/plan.h"
 #include "pde/poisson/release.h"
 
 namespace ork::pde {
-
-// States that stages leave behind which didn't spoil the description.
-constexpr bool may_commit(Int state)
-{
-    for (const Int accepted : {0, 9, 90, 99, 900, 909, 990, 999})
-        if (state == accepted) return true;
-    return false;
-}
 
 // The first thing wrong with the description, as a diagnostic; -1 when all is well.
 template <int dimensions, class R>
@@ -34,6 +27,7 @@ Int description_fault(const Int* ipar, const R* fpar)
         if (!(fpar[at_lengths + i] > 0 && fpar[at_lengths + i] <= std::numeric_limits<R>::max()))
             return Diagnostic::lengths + i;
     if (ipar[at_interval_seal] != interval_seal<dimensions>(ipar)) return Diagnostic::damaged;
+    if (!is_addressable(ipar + at_intervals, dimensions)) return Diagnostic::too_large;
     return -1;
 }
 
@@ -82,7 +76,8 @@ bool set_up_transforms(R* f, ork_dft_descriptor** const (&handles)[dimensions - 
 template <int dimensions, class R>
 Int commit_checked(R* f, ork_dft_descriptor** const (&handles)[dimensions - 1], Int* ipar, R* fpar)
 {
-    const Int fault = description_fault<dimensions>(ipar, fpar);
+    Int fault = description_fault<dimensions>(ipar, fpar);
+    if (fault < 0 && dimensions == 3 && handles[0] == handles[dimensions - 2]) fault = Diagnostic::shared_handle;
     if (fault >= 0) {
         report(fault, ipar, fpar);
         return bad_argument;
@@ -117,13 +112,7 @@ Int commit_checked(R* f, ork_dft_descriptor** const (&handles)[dimensions - 1], 
 template <int dimensions, class R>
 void commit(R* f, ork_dft_descriptor** const (&handles)[dimensions - 1], Int* ipar, R* fpar, Int* stat)
 {
-    if (!may_commit(ipar[at_status])) {
-        report(Diagnostic::wrong_state, ipar, fpar);
-        store_status(ipar, stat, bad_state);
-        return;
-    }
-    store_status(ipar, stat, running);
-    store_status(ipar, stat, commit_checked<dimensions>(f, handles, ipar, fpar));
+    if (begin_commit(ipar, fpar, stat)) store_status(ipar, stat, commit_checked<dimensions>(f, handles, ipar, fpar));
 }
 
 } // namespace ork::pde

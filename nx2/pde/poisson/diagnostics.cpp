@@ -59,6 +59,8 @@ constexpr Lines lines[] = {
     {10089, Shows::two_integers,  8, 61, 62,  0,  0},
     {10111, Shows::two_integers, 10, 63, 64,  0,  0},
     {10200, Shows::nothing,       0, 81, 81, 58, 58},
+    {10201, Shows::nothing,       0, 82, 83,  0,  0},
+    {10202, Shows::nothing,       0, 84, 85,  0,  0},
     {10900, Shows::nothing,       0, 190, 191, 0, 0},
     {10903, Shows::nothing,       0, 192, 193, 0, 0},
     {10904, Shows::real,          3, 194, 196, 0, 0},

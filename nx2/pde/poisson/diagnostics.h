@@ -24,6 +24,8 @@ struct Diagnostic {
         unpaired_y = 10089,
         unpaired_z = 10111,
         damaged = 10200,
+        too_large = 10201,
+        shared_handle = 10202,
         singular_problem = 10900,
         incompatible = 10903,
         negative_q = 10904,

@@ -77,6 +77,7 @@ Int commit_nodes(R* f, const R* z, ork_dft_descriptor** xhandle, ork_dft_descrip
     fpar[at_lengths + 2] = 1; // of the nodes, below
     Int fault = description_fault<3>(ipar, fpar);
     if (fault < 0 && !are_nodes(z, ipar[at_intervals + 2])) fault = Diagnostic::lengths + 2;
+    if (fault < 0 && xhandle == yhandle) fault = Diagnostic::shared_handle;
     if (fault >= 0) {
         report(fault, ipar, fpar);
         return bad_argument;
@@ -201,9 +202,12 @@ Int solve_nodes(R* f, const R* const (&sides)[6], ork_dft_descriptor** xhandle, 
         report(Diagnostic::no_memory, ipar, fpar);
         return bad_argument;
     }
+    ipar[at_singular] = is_singular_nonuniform(ipar, fpar);
+    const auto weight = [&](Int k) { return static_cast<double>(nodes.weight[k]); };
+    const bool off =
+        ipar[at_singular] != 0 && ipar[at_warnings] != 0 && balance_of<3>(f, sides, ipar, fpar, weight, 1).is_off<R>();
     copy_dirichlet<3>(f, sides, ipar);
     if (nodes.count > 0) add_sides(f, sides[4], sides[5], ipar, nodes);
-    ipar[at_singular] = is_singular_nonuniform(ipar, fpar);
     std::memcpy(s->ipar, ipar, sizeof s->ipar);
     ork_dft_descriptor *xsecond = second_handle(ipar, 0), *ysecond = second_handle(ipar, 1);
     Work<R>& work = s->work;
@@ -234,9 +238,12 @@ Int solve_nodes(R* f, const R* const (&sides)[6], ork_dft_descriptor** xhandle, 
     failed = run_stage<R>(failed, Diagnostic::stage_inv_ft, inv_ft_3d_x, x, &work);
     const NumberText status(work.status);
     ork_serv_deallocate(s);
-    if (failed < 0) return ok;
-    report(failed, ipar, fpar, status.text);
-    return bad_argument;
+    if (failed >= 0) {
+        report(failed, ipar, fpar, status.text);
+        return bad_argument;
+    }
+    if (off) report(Diagnostic::incompatible, ipar, fpar);
+    return ok;
 }
 
 } // namespace
@@ -257,13 +264,7 @@ ORK_EXPORT void ork_pdepl_nx2_s_commit_helmholtz_nonuniform_3d(float* f, const f
                                                                ork_dft_descriptor** yhandle, Int* ipar, float* fpar,
                                                                Int* stat)
 {
-    if (!may_commit(ipar[at_status])) {
-        report(Diagnostic::wrong_state, ipar, fpar);
-        store_status(ipar, stat, bad_state);
-        return;
-    }
-    store_status(ipar, stat, running);
-    store_status(ipar, stat, commit_nodes(f, z, xhandle, yhandle, ipar, fpar));
+    if (begin_commit(ipar, fpar, stat)) store_status(ipar, stat, commit_nodes(f, z, xhandle, yhandle, ipar, fpar));
 }
 
 ORK_EXPORT void ork_pdepl_nx2_s_helmholtz_nonuniform_3d(float* f, const float* bd_ax, const float* bd_bx,
@@ -271,15 +272,6 @@ ORK_EXPORT void ork_pdepl_nx2_s_helmholtz_nonuniform_3d(float* f, const float* b
                                                         const float* bd_bz, ork_dft_descriptor** xhandle,
                                                         ork_dft_descriptor** yhandle, Int* ipar, float* fpar, Int* stat)
 {
-    Int wrong = ipar[at_status] != 0 && ipar[at_status] != 1 ? Int{Diagnostic::wrong_state} : -1;
-    for (int i = 0; i < 3 && wrong < 0; ++i)
-        if (ipar[at_intervals + i] < 1) wrong = Diagnostic::solve_intervals + i;
-    if (wrong < 0 && ipar[at_plan_seal] == 0) wrong = Diagnostic::wrong_state; // not committed
-    if (wrong >= 0) {
-        report(wrong, ipar, fpar);
-        store_status(ipar, stat, wrong == Diagnostic::wrong_state ? bad_state : bad_argument);
-        return;
-    }
-    store_status(ipar, stat, running);
+    if (!begin_solve<3>(ipar, fpar, stat)) return;
     store_status(ipar, stat, solve_nodes(f, {bd_ax, bd_bx, bd_ay, bd_by, bd_az, bd_bz}, xhandle, yhandle, ipar, fpar));
 }

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include "pde/poisson/balance.h"
+#include "pde/poisson/begin.h"
 #include "pde/poisson/plan.h"
 #include "pde/poisson/release.h"
 #include "pde/poisson/stage_calls.h"
@@ -88,6 +90,9 @@ Int solve_checked(R* f, const R* const (&sides)[2 * dimensions], ork_dft_descrip
         report(Diagnostic::no_memory, ipar, fpar);
         return bad_argument;
     }
+    const bool singular = is_singular<dimensions>(ipar, fpar);
+    const bool off =
+        singular && ipar[at_warnings] != 0 && balance_of<dimensions>(f, sides, ipar, fpar).template is_off<R>();
     copy_dirichlet<dimensions>(f, sides, ipar);
     ork_dft_descriptor *xsecond = second_handle(ipar, 0), *ysecond = second_handle(ipar, 1);
     *work = {};
@@ -100,37 +105,24 @@ Int solve_checked(R* f, const R* const (&sides)[2 * dimensions], ork_dft_descrip
     work->xhandle = xhandle, work->yhandle = yhandle;
     work->xsecond = xsecond != nullptr ? &xsecond : nullptr;
     work->ysecond = ysecond != nullptr ? &ysecond : nullptr;
-    work->singular = ipar[at_singular] = is_singular<dimensions>(ipar, fpar);
+    work->singular = ipar[at_singular] = singular;
     const Int failed = run_stages<dimensions>(work, pairs);
     const NumberText status(work->status);
     ork_serv_deallocate(work);
-    if (failed < 0) return ok;
-    report(failed, ipar, fpar, status.text);
-    return bad_argument;
+    if (failed >= 0) {
+        report(failed, ipar, fpar, status.text);
+        return bad_argument;
+    }
+    if (off) report(Diagnostic::incompatible, ipar, fpar);
+    return ok;
 }
 
 template <int dimensions, class R>
 void solve(R* f, const R* const (&sides)[2 * dimensions], ork_dft_descriptor** const (&handles)[dimensions - 1],
            Int* ipar, R* fpar, Int* stat)
 {
-    if (ipar[at_status] != 0 && ipar[at_status] != 1) {
-        report(Diagnostic::wrong_state, ipar, fpar);
-        store_status(ipar, stat, bad_state);
-        return;
-    }
-    for (int i = 0; i < dimensions; ++i)
-        if (ipar[at_intervals + i] < 1) {
-            report(Diagnostic::solve_intervals + i, ipar, fpar);
-            store_status(ipar, stat, bad_argument);
-            return;
-        }
-    if (ipar[at_plan_seal] == 0) { // not committed, which the state doesn't tell
-        report(Diagnostic::damaged, ipar, fpar);
-        store_status(ipar, stat, bad_state);
-        return;
-    }
-    store_status(ipar, stat, running);
-    store_status(ipar, stat, solve_checked<dimensions>(f, sides, handles, ipar, fpar));
+    if (begin_solve<dimensions>(ipar, fpar, stat))
+        store_status(ipar, stat, solve_checked<dimensions>(f, sides, handles, ipar, fpar));
 }
 
 } // namespace ork::pde

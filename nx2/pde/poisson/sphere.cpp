@@ -6,7 +6,8 @@
 
 #include "frame/core_imports.h"
 #include "frame/export.h"
-#include "pde/poisson/diagnostics.h"
+#include "pde/poisson/balance.h"
+#include "pde/poisson/begin.h"
 #include "pde/poisson/nonuniform_systems.h"
 
 namespace ork::pde {
@@ -55,6 +56,14 @@ public:
           plan_(around, np_, nt_), north_(ipar[A::north] == side_pole), south_(ipar[A::south] == side_pole),
           between_(fpar + plan_.latitudes), scale_(between_ + nt_ + 2)
     {
+    }
+
+    Balance balance() const // of f, on a whole sphere
+    {
+        Balance all;
+        for (Int j = 0; j <= nt_; ++j)
+            all.add(balance_of(f_ + j * (np_ + 1), np_, false), static_cast<double>(scale_[j]));
+        return all;
     }
 
     Int reals() { return modes_.plan(around, plan_.length, nt_); } // of memory for run
@@ -211,28 +220,21 @@ Int solve_checked(R* f, ork_dft_descriptor** sine, ork_dft_descriptor** cosine, 
         report(Diagnostic::no_memory, ipar, fpar);
         return bad_argument;
     }
+    const bool off = ipar[A::singular] != 0 && ipar[A::warning_switch] != 0 && problem.balance().template is_off<R>();
     const Int status = problem.run(memory);
     ork_serv_deallocate(memory);
-    if (status == ok) return ok;
-    report(Diagnostic::stage_ft, ipar, fpar, NumberText(status).text);
-    return bad_argument;
+    if (status != ok) {
+        report(Diagnostic::stage_ft, ipar, fpar, NumberText(status).text);
+        return bad_argument;
+    }
+    if (off) report(Diagnostic::incompatible, ipar, fpar);
+    return ok;
 }
 
 template <bool around, class R>
 void solve(R* f, ork_dft_descriptor** sine, ork_dft_descriptor** cosine, Int* ipar, R* fpar, Int* stat)
 {
-    const bool stateless = ipar[A::status] != 0 && ipar[A::status] != 1;
-    Int wrong = stateless ? Int{Diagnostic::wrong_state} : -1;
-    for (const int i : {1, 0})
-        if (!stateless && ipar[A::np + i] < 1) wrong = Diagnostic::solve_intervals + i;
-    if (wrong < 0 && ipar[at_plan_seal] == 0) wrong = Diagnostic::wrong_state; // not committed
-    if (wrong >= 0) {
-        report(wrong, ipar, fpar);
-        store_status(ipar, stat, wrong == Diagnostic::wrong_state ? bad_state : bad_argument);
-        return;
-    }
-    store_status(ipar, stat, running);
-    store_status(ipar, stat, solve_checked<around>(f, sine, cosine, ipar, fpar));
+    if (begin_solve<2>(ipar, fpar, stat)) store_status(ipar, stat, solve_checked<around>(f, sine, cosine, ipar, fpar));
 }
 
 } // namespace

@@ -52,9 +52,6 @@ Int sphere_seal(const Int* ipar)
     return seal.value();
 }
 
-// So that neither positions in fpar nor sizes in bytes overflow.
-inline bool sizes_allowed(Int np, Int nt) { return np < (Int{1} << 29) && nt < (Int{1} << 29); }
-
 // Nothing holds the constants: both poles are unknown, and q is nothing beside the other terms.
 template <class R>
 bool sphere_singular(const Int* ipar, const R* fpar)

@@ -78,15 +78,16 @@ Int fault(const Int* ipar, const R* fpar)
     if (!(longitudes > 0 && longitudes <= 2 * pi + slack && (!around || longitudes >= 2 * pi - slack)))
         return Diagnostic::lengths;
     if (!(latitudes > 0 && at >= -slack && at + latitudes <= pi + slack)) return Diagnostic::lengths + 1;
-    if (!sizes_allowed(ipar[A::np], ipar[A::nt]) || ipar[at_interval_seal] != interval_seal<2>(ipar))
-        return Diagnostic::damaged;
+    if (ipar[at_interval_seal] != interval_seal<2>(ipar)) return Diagnostic::damaged;
+    if (!is_addressable(ipar + A::np, 2)) return Diagnostic::too_large;
     return -1;
 }
 
 template <bool around, class R>
 Int commit_checked(R* f, ork_dft_descriptor** sine, ork_dft_descriptor** cosine, Int* ipar, R* fpar)
 {
-    const Int wrong = fault<around>(ipar, fpar);
+    Int wrong = fault<around>(ipar, fpar);
+    if (wrong < 0 && sine == cosine) wrong = Diagnostic::shared_handle;
     if (wrong >= 0) {
         report(wrong, ipar, fpar);
         return bad_argument;
@@ -120,13 +121,7 @@ Int commit_checked(R* f, ork_dft_descriptor** sine, ork_dft_descriptor** cosine,
 template <bool around, class R>
 void commit_sphere(R* f, ork_dft_descriptor** sine, ork_dft_descriptor** cosine, Int* ipar, R* fpar, Int* stat)
 {
-    if (!may_commit(ipar[A::status])) {
-        report(Diagnostic::wrong_state, ipar, fpar);
-        store_status(ipar, stat, bad_state);
-        return;
-    }
-    store_status(ipar, stat, running);
-    store_status(ipar, stat, commit_checked<around>(f, sine, cosine, ipar, fpar));
+    if (begin_commit(ipar, fpar, stat)) store_status(ipar, stat, commit_checked<around>(f, sine, cosine, ipar, fpar));
 }
 
 } // namespace

@@ -93,6 +93,14 @@ Int interval_seal(const Int* ipar)
     return seal.value();
 }
 
+// Points that memory can hold; beyond them positions and sizes in bytes might overflow.
+inline bool is_addressable(const Int* intervals, int dimensions)
+{
+    double points = 1;
+    for (int i = 0; i < dimensions; ++i) points *= static_cast<double>(intervals[i]) + 1;
+    return points <= 0x1p47;
+}
+
 inline Int store_status(Int* ipar, Int* stat, Int status) { return ipar[at_status] = *stat = status; }
 
 } // namespace ork::pde

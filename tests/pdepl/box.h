@@ -8,12 +8,7 @@
 #include <string>
 #include <vector>
 
-#include <gtest/gtest.h>
-
-#include "hooks.h"
-#include "ork/abi/pde.h"
-#include "support/guarded.h"
-#include "support/random.h"
+#include "solver.h"
 
 #define DECLARE(p, R)                                                                                                  \
     extern "C" ork::pde::PoissonCalls<R>::init_helmholtz_2d ork_pdepl_nx2_##p##_init_helmholtz_2d;                     \
@@ -31,8 +26,6 @@ extern "C" ork::pde::PoissonCalls<double>::free_helmholtz_2d ork_pdepl_nx2_free_
 extern "C" ork::pde::PoissonCalls<double>::free_helmholtz_3d ork_pdepl_nx2_free_helmholtz_3d;
 
 namespace ork::test {
-
-using pde::Int;
 
 // The routines of precision R, by the names of double's.
 template <class R>
@@ -57,37 +50,32 @@ struct Kernels<double> {
 };
 
 template <class R>
-struct Problem {
+struct Problem : SolverOf<R> {
+    using Base = SolverOf<R>;
+    using Base::f, Base::bd, Base::ipar, Base::fpar, Base::stat;
+
     std::string sides; // four letters or six
     Int n[3];          // intervals; n[2] is 0 in two dimensions
     R ends[6] = {R(-0.5), R(1.25), R(0.25), R(1.75), R(1), R(1.875)};
     R q;
-    Guarded<R> f;
-    std::vector<Guarded<R>> bd; // of every side; read-only in a solve
-    Guarded<Int> ipar{128};
-    Guarded<R> fpar;
     ork_dft_descriptor *xhandle = nullptr, *yhandle = nullptr;
-    Int stat = 77;
 
-    Problem(std::string letters, std::vector<Int> intervals, double shift, Guard guard = Guard::end)
-        : sides(std::move(letters)), n{intervals[0], intervals[1], intervals.size() > 2 ? intervals[2] : 0},
-          q(static_cast<R>(shift)), f((n[0] + 1) * (n[1] + 1) * (n[2] + 1), guard),
-          fpar(flat() ? pde::reals_2d(n[0], n[1]) : pde::reals_3d(n[0], n[1]), guard)
+    Problem(const std::string& letters, const std::vector<Int>& i, double shift, Guard guard = Guard::end)
+        : Base((i[0] + 1) * (i[1] + 1) * (letters.size() > 4 ? i[2] + 1 : 1),
+               letters.size() > 4 ? pde::reals_3d(i[0], i[1]) : pde::reals_2d(i[0], i[1]), guard),
+          sides(letters), n{i[0], i[1], letters.size() > 4 ? i[2] : 0}, q(static_cast<R>(shift))
     {
-        for (int side = 0; side < 2 * dimensions(); ++side) bd.emplace_back((f.size() / (n[side / 2] + 1)), guard);
-        Random random(static_cast<std::uint64_t>(n[0] * 7 + n[1] * 5 + n[2]));
-        for (R& value : f.span()) value = random.uniform<R>();
-        for (auto& side : bd)
-            for (R& value : side.span()) value = random.uniform<R>();
+        for (int side = 0; side < 2 * dimensions(); ++side) bd.emplace_back(f.size() / (n[side / 2] + 1), guard);
+        Base::fill();
     }
-    ~Problem()
+    ~Problem() override
     {
         if (xhandle != nullptr || yhandle != nullptr) free();
     }
 
     bool flat() const { return sides.size() <= 4; }
     int dimensions() const { return flat() ? 2 : 3; }
-    Int init()
+    Int init() override
     {
         if (flat())
             Kernels<R>::init_2d(ends, ends + 1, ends + 2, ends + 3, n, n + 1, sides.c_str(), &q, ipar.data(),
@@ -95,9 +83,9 @@ struct Problem {
         else
             Kernels<R>::init_3d(ends, ends + 1, ends + 2, ends + 3, ends + 4, ends + 5, n, n + 1, n + 2, sides.c_str(),
                                 &q, ipar.data(), fpar.data(), &stat);
-        return agreed();
+        return Base::agreed();
     }
-    Int commit()
+    Int commit() override
     {
         if (flat())
             Kernels<R>::commit_2d(f.data(), bd[0].data(), bd[1].data(), bd[2].data(), bd[3].data(), &xhandle,
@@ -105,38 +93,26 @@ struct Problem {
         else
             Kernels<R>::commit_3d(f.data(), bd[0].data(), bd[1].data(), bd[2].data(), bd[3].data(), bd[4].data(),
                                   bd[5].data(), &xhandle, &yhandle, ipar.data(), fpar.data(), &stat);
-        return agreed();
+        return Base::agreed();
     }
-    Int solve()
+    Int solve() override
     {
-        for (auto& side : bd) side.read_only();
-        if (flat())
-            Kernels<R>::solve_2d(f.data(), bd[0].data(), bd[1].data(), bd[2].data(), bd[3].data(), &xhandle,
-                                 ipar.data(), fpar.data(), &stat);
-        else
-            Kernels<R>::solve_3d(f.data(), bd[0].data(), bd[1].data(), bd[2].data(), bd[3].data(), bd[4].data(),
-                                 bd[5].data(), &xhandle, &yhandle, ipar.data(), fpar.data(), &stat);
-        for (auto& side : bd) side.writable();
-        return agreed();
+        return Base::with_read_only_sides([&] {
+            if (flat())
+                Kernels<R>::solve_2d(f.data(), bd[0].data(), bd[1].data(), bd[2].data(), bd[3].data(), &xhandle,
+                                     ipar.data(), fpar.data(), &stat);
+            else
+                Kernels<R>::solve_3d(f.data(), bd[0].data(), bd[1].data(), bd[2].data(), bd[3].data(), bd[4].data(),
+                                     bd[5].data(), &xhandle, &yhandle, ipar.data(), fpar.data(), &stat);
+        });
     }
-    Int free()
+    Int free() override
     {
         if (flat())
             ork_pdepl_nx2_free_helmholtz_2d(&xhandle, ipar.data(), &stat);
         else
             ork_pdepl_nx2_free_helmholtz_3d(&xhandle, &yhandle, ipar.data(), &stat);
-        return agreed();
-    }
-    // Both places tell the status.
-    Int agreed() const
-    {
-        EXPECT_EQ(stat, ipar[0]);
-        return stat;
-    }
-    void ready()
-    {
-        ASSERT_EQ(init(), pde::ok);
-        ASSERT_EQ(commit(), pde::ok);
+        return Base::agreed();
     }
 
     char letter(int side) const { return static_cast<char>(std::tolower(sides[static_cast<size_t>(side)])); }
@@ -243,9 +219,7 @@ struct Problem {
             for (R value : u) most = std::max(most, std::abs(double(value)));
             EXPECT_TRUE(std::abs(double(mean / weights)) <= 30 * double(std::numeric_limits<R>::epsilon()) * most);
         }
-        EXPECT_TRUE(f.unchanged_outside());
-        EXPECT_TRUE(fpar.unchanged_outside());
-        EXPECT_TRUE(ipar.unchanged_outside());
+        EXPECT_TRUE(Base::kept_within_arrays());
     }
 };
 

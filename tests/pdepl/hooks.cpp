@@ -1,15 +1,39 @@
 // SPDX-License-Identifier: MIT
 #include "hooks.h"
 
+#include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <dlfcn.h>
+#include <utility>
 
 #include "ork/abi/core_pde.h"
 #include "ork/abi/services.h"
 
 namespace ork::test {
+
+int live_allocations = 0;
+std::size_t latest_alignment = 0;
+
+namespace {
+int until_failure = 0; // 0: none fails
+
+bool allocation_fails() { return until_failure > 0 && --until_failure == 0; }
+
+// The hooks' own texts don't count.
+class Uncounted {
+public:
+    ~Uncounted() { until_failure = kept_; }
+
+private:
+    int kept_ = std::exchange(until_failure, 0);
+};
+} // namespace
+
+FailingAllocation::FailingAllocation(int number) { until_failure = number; }
+FailingAllocation::~FailingAllocation() { until_failure = 0; }
+bool FailingAllocation::reached() const { return until_failure == 0; }
 
 Hooks& hooks()
 {
@@ -22,23 +46,28 @@ namespace {
 template <class R>
 void run_stage(const char* symbol, pde::Work<R>* work)
 {
-    const std::string name = std::string(symbol).substr(12);
-    hooks().stages.push_back(name);
-    hooks().singular = work->singular;
-    if (name == hooks().failing_stage) {
-        work->status = hooks().failure;
-        return;
+    pde::Stage<R>* stage;
+    {
+        const Uncounted uncounted;
+        const std::string name = std::string(symbol).substr(12);
+        hooks().stages.push_back(name);
+        hooks().singular = work->singular;
+        if (name == hooks().failing_stage) {
+            work->status = hooks().failure;
+            return;
+        }
+        stage = reinterpret_cast<pde::Stage<R>*>(dlsym(RTLD_NEXT, symbol));
     }
-    reinterpret_cast<pde::Stage<R>*>(dlsym(RTLD_NEXT, symbol))(work);
+    stage(work);
 }
 
 } // namespace
 } // namespace ork::test
 
-using ork::test::hooks;
+using namespace ork::test;
 
 #define STAGE(R, name)                                                                                                 \
-    void name(ork::pde::Work<R>* work) { ork::test::run_stage(#name, work); }
+    void name(ork::pde::Work<R>* work) { run_stage(#name, work); }
 #define PAIRS(R, stage)                                                                                                \
     STAGE(R, stage##_dd) STAGE(R, stage##_dn) STAGE(R, stage##_nd) STAGE(R, stage##_nn) STAGE(R, stage##_pp)
 #define STAGES(p, R)                                                                                                   \
@@ -59,21 +88,39 @@ STAGES(d, double)
 
 void* ork_serv_allocate(size_t size, size_t alignment)
 {
-    hooks().alignment = alignment;
-    if (hooks().fail_allocation_at > 0 && --hooks().fail_allocation_at == 0) return nullptr;
-    ++hooks().live_allocations;
+    latest_alignment = alignment;
+    if (allocation_fails()) return nullptr;
+    const Uncounted uncounted;
+    ++live_allocations;
     return std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);
 }
 
 void ork_serv_deallocate(void* memory)
 {
-    hooks().live_allocations -= memory != nullptr;
+    live_allocations -= memory != nullptr;
     std::free(memory);
 }
+
+#ifndef __SANITIZE_ADDRESS__
+// What the core takes from the C library.
+void* __libc_malloc(size_t);
+void* __libc_calloc(size_t, size_t);
+void* __libc_memalign(size_t, size_t);
+
+void* malloc(size_t size) { return allocation_fails() ? nullptr : __libc_malloc(size); }
+void* calloc(size_t count, size_t size) { return allocation_fails() ? nullptr : __libc_calloc(count, size); }
+int posix_memalign(void** memory, size_t alignment, size_t size)
+{
+    if (allocation_fails()) return ENOMEM;
+    *memory = __libc_memalign(alignment, size);
+    return *memory == nullptr ? ENOMEM : 0;
+}
+#endif
 
 // <number(first, second)>, with the arguments that aren't empty.
 int64_t ork_serv_get_msg(char* buffer, size_t size, int64_t number, int64_t arguments, ...)
 {
+    const Uncounted uncounted;
     std::string text = "<" + std::to_string(number);
     va_list values;
     va_start(values, arguments);
@@ -85,6 +132,7 @@ int64_t ork_serv_get_msg(char* buffer, size_t size, int64_t number, int64_t argu
 
 int ork_serv_format_print(int64_t, const char* format, ...)
 {
+    const Uncounted uncounted;
     char text[8192];
     va_list values;
     va_start(values, format);

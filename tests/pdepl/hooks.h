@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What stands between the kernels and the core here: stages are noted and can be made to fail, messages are caught as
-// numbers and arguments, allocations can fail.
+// numbers and arguments, allocations can fail, those inside the core too.
 #pragma once
 
 #include <string>
@@ -19,11 +19,21 @@ struct Hooks {
     std::string printed;      // on standard output
     std::string print_format; // of the latest
     int fail_commit_at = 0;   // 1: the next commit of a Fourier transform fails ...
-
-    int fail_allocation_at = 0; // 1: the next one of the kernels' work memory gives null
-    int live_allocations = 0;
-    std::size_t alignment = 0; // that the latest allocation asked for
 };
 Hooks& hooks();
+
+// Work memory of kernels and stages.
+extern int live_allocations;
+extern std::size_t latest_alignment;
+
+// While it lives, the allocation of this number, counted from 1, gives null.
+class FailingAllocation {
+public:
+    explicit FailingAllocation(int number);
+    ~FailingAllocation();
+    FailingAllocation(const FailingAllocation&) = delete;
+    FailingAllocation& operator=(const FailingAllocation&) = delete;
+    bool reached() const;
+};
 
 } // namespace ork::test
