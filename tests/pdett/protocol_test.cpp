@@ -74,7 +74,9 @@ TEST_F(TrigProtocol, CommitRefuses)
              {0, 2, -1, -100, error({"453:-1", "454:", "455:", "456:"})}}) {
         Trig<double> t(n, type);
         t.ipar[6] = status;
+        if (status == 0) t.handle = reinterpret_cast<ork_dft_descriptor*>(0x10); // that nobody has set
         EXPECT_EQ(t.commit(), want);
+        EXPECT_EQ(t.handle, nullptr);
         EXPECT_EQ(printed(), text);
         // A failed stage blocks all others but init.
         EXPECT_EQ(t.commit(), -10000);

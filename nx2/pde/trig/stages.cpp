@@ -44,6 +44,12 @@ bool has_mark(const R* fpar, Int n, Int type)
     const auto bits = mark<R>(n, type);
     return std::memcmp(fpar + trig_mark, &bits, sizeof bits) == 0;
 }
+template <class R>
+bool has_any_mark(const R* fpar)
+{
+    const R none = 0;
+    return std::memcmp(fpar + trig_mark, &none, sizeof none) != 0;
+}
 
 template <class R>
 void init(Int n, Int type, Int* ipar, R* fpar, Int* stat)
@@ -84,6 +90,8 @@ void commit(const R* f, ork_dft_descriptor** handle, Int* ipar, R* fpar, Int* st
 {
     const Int n = ipar[trig_n], type = ipar[trig_type];
     if (ipar[trig_status] != 0) return refuse(not_initialised, bad_state, ipar, stat);
+    // A caller may free after a failure, with a handle that nobody has set before.
+    if (ipar[trig_set_up] != 0 && !has_any_mark(fpar)) *handle = nullptr;
     if (n <= 1) return refuse(small_n, bad_argument, ipar, stat);
     if (!is_trig_type(type)) return refuse(unknown_type, bad_argument, ipar, stat);
     if (fpar[trig_tolerance] < 0) {
