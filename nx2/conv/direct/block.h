@@ -49,6 +49,9 @@ struct Block {
     inline __attribute__((always_inline)) void add(const W* taps, const W* at, Int count)
     {
         for (const W* end = taps + parts * count; taps != end; taps += parts, at += parts) {
+            // Of pairs of double numbers, the next tap meets in output r what this one meets in output r + 1. Left to
+            // itself, GCC carries that along, in registers that the sums need.
+            asm volatile("" ::: "memory");
             Vec<W> tap[parts];
 #pragma GCC unroll 2
             for (int plane = 0; plane < parts; ++plane) tap[plane] = broadcast(taps[plane]);
@@ -105,32 +108,45 @@ inline void add_ragged(const W* taps, Int tap_count, const W* signal, Int signal
     }
 }
 
-// Outputs k .. k + count - 1 of a line, no more than the block has.
+// Sums of a block, some taps of which don't meet all of its outputs.
 template <int registers, class T, class W, int parts>
-[[gnu::noinline]] void sum_block(const Lines<T, W, parts>& lines, const Pairs<W>& pairs, Int k, Int count, T* z)
+[[gnu::noinline]] void sum_ragged(const Lines<T, W, parts>& lines, const Pairs<W>& pairs, Int m, const Met& met,
+                                  W (&sums)[parts][registers * Vec<W>::lanes])
 {
-    using B = Block<W, parts, registers>;
-    const Int m = lines.first + k, to_first = parts * (m - (lines.tap_count - 1));
-    const Met met = taps_met(lines.tap_count, lines.signal_count, m, B::width);
-    const Int start = parts * met.all_begin, taps = met.all_end - met.all_begin;
-    B block;
-    block.clear();
-    if (met.all()) {
-        for_each_pair(
-            pairs, [&](const W* tap, const W* signal)
-                       __attribute__((always_inline)) { block.add(tap + start, signal + to_first + start, taps); });
-    } else {
-        alignas(16) W sums[parts][B::numbers];
-        block.store_to(sums);
-        for_each_pair(pairs, [&](const W* tap, const W* signal) {
+    const Int start = parts * met.all_begin, to_first = parts * (m - (lines.tap_count - 1));
+    const Int taps = met.all_end - met.all_begin;
+    for (auto& plane : sums)
+        for (W& sum : plane) sum = 0;
+    for_each_pair(
+        pairs, [&](const W* tap, const W* signal) __attribute__((always_inline)) {
             add_ragged<parts>(tap, lines.tap_count, signal, lines.signal_count, m, met.begin, met.all_begin, sums);
             if (taps > 0) {
+                Block<W, parts, registers> block;
                 block.load_from(sums);
                 block.add(tap + start, signal + to_first + start, taps);
                 block.store_to(sums);
             }
             add_ragged<parts>(tap, lines.tap_count, signal, lines.signal_count, m, met.all_end, met.end, sums);
         });
+}
+
+// Outputs k .. k + count - 1 of a line, no more than the block has.
+template <int registers, class T, class W, int parts>
+[[gnu::noinline]] void sum_block(const Lines<T, W, parts>& lines, const Pairs<W>& pairs, Int k, Int count, T* z)
+{
+    using B = Block<W, parts, registers>;
+    const Int m = lines.first + k;
+    const Met met = taps_met(lines.tap_count, lines.signal_count, m, B::width);
+    B block;
+    if (met.all()) {
+        const Int start = parts * (m - (lines.tap_count - 1) + met.begin), taps = met.end - met.begin;
+        block.clear();
+        for_each_pair(
+            pairs, [&](const W* tap, const W* signal)
+                       __attribute__((always_inline)) { block.add(tap + parts * met.begin, signal + start, taps); });
+    } else {
+        alignas(16) W sums[parts][B::numbers];
+        sum_ragged<registers>(lines, pairs, m, met, sums);
         block.load_from(sums);
     }
     Vec<W> result[registers];

@@ -68,16 +68,15 @@ template <class W, class Visit>
 inline __attribute__((always_inline)) void for_each_pair(const Pairs<W>& pairs, Visit visit)
 {
     const W *taps = pairs.taps, *signal = pairs.signal;
-    if (pairs.dims == 0) return visit(taps, signal);
     Int index[max_dims - 1] = {};
     for (;;) {
         visit(taps, signal);
-        for (int d = 0;;) {
+        for (int d = 0;; ++d) {
+            if (d == pairs.dims) return;
             taps += pairs.taps_step[d], signal += pairs.signal_step[d];
             if (++index[d] < pairs.count[d]) break;
             taps -= pairs.count[d] * pairs.taps_step[d], signal -= pairs.count[d] * pairs.signal_step[d];
             index[d] = 0;
-            if (++d == pairs.dims) return;
         }
     }
 }
