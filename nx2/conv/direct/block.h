@@ -162,37 +162,73 @@ template <int registers, class T, class W, int parts>
     store_results<parts>(result, z, lines.z_stride, count);
 }
 
+// Output k by itself, its taps in the order that blocks take them in.
+template <class T, class W, int parts>
+inline void sum_one(const Lines<T, W, parts>& lines, const Pairs<W>& pairs, Int k, T* z)
+{
+    const Int m = lines.first + k;
+    const Met met = taps_met(lines.tap_count, lines.signal_count, m, 1);
+    const Int start = parts * (m - (lines.tap_count - 1));
+    W sum[parts][parts] = {}; // planes
+    for_each_pair(
+        pairs, [&](const W* tap, const W* signal) __attribute__((always_inline)) {
+            for (Int q = parts * met.begin; q < parts * met.end; q += parts)
+                for (int plane = 0; plane < parts; ++plane)
+                    for (int part = 0; part < parts; ++part)
+                        sum[plane][part] += tap[q + plane] * signal[start + q + part];
+        });
+    if constexpr (parts == 2) {
+        const W im = sum[0][1] + sum[1][0];
+        z[0] = static_cast<T>(sum[0][0] - sum[1][1]);
+        z[1] = static_cast<T>(lines.conjugate ? -im : im);
+    } else {
+        z[0] = static_cast<T>(sum[0][0]);
+    }
+}
+
+// Outputs [k, end) of a line in blocks. With `repeats` all of them meet all taps, and the last block may begin among
+// those that are done.
+template <class T, class W, int parts>
+inline void sum_blocks(const Lines<T, W, parts>& lines, const Pairs<W>& pairs, Int k, Int end, T* z, bool repeats)
+{
+    constexpr Int per_register = Vec<W>::lanes / parts;
+    const Int begin = k;
+    const auto block = [&]<int registers>(std::integral_constant<int, registers>) {
+        constexpr Int width = registers * per_register;
+        if (repeats && end - k < width && end - begin >= width) k = end - width;
+        const Int count = end - k < width ? end - k : width;
+        sum_block<registers>(lines, pairs, k, count, z + parts * k * lines.z_stride);
+        k += count;
+    };
+    // So many registers at a time that the last ones are not left to wait for themselves.
+    constexpr int most = parts == 1 ? 8 : 6;
+    while (k < end) {
+        const Int left = (end - k + per_register - 1) / per_register;
+        if (left > 12 || left == most || left == most - 1)
+            block(std::integral_constant<int, most>());
+        else if (left > 4)
+            block(std::integral_constant < int, most == 8 ? 6 : 4 > ());
+        else if (left > 2)
+            block(std::integral_constant<int, 4>());
+        else
+            block(std::integral_constant<int, 2>());
+    }
+}
+
+// With no more taps than these, the outputs at both ends of a line, which meet some of them only, are summed one by
+// one.
+inline constexpr Int few_taps = 16;
+
 // Outputs [k, end) of a line.
 template <class T, class W, int parts>
 void sum_consecutive(const Lines<T, W, parts>& lines, const Pairs<W>& pairs, Int k, Int end, T* z)
 {
-    constexpr Int per_register = Vec<W>::lanes / parts < 1 ? 1 : Vec<W>::lanes / parts;
-    // So many registers at a time that the last ones are not left to wait for themselves.
-    for (Int left; k < end;) {
-        left = (end - k + per_register - 1) / per_register;
-        const auto block = [&]<int registers>(std::integral_constant<int, registers>) {
-            const Int width = registers * per_register, count = end - k < width ? end - k : width;
-            sum_block<registers>(lines, pairs, k, count, z + parts * k * lines.z_stride);
-            k += count;
-        };
-        if constexpr (parts == 1) {
-            if (left > 12 || left == 7 || left == 8)
-                block(std::integral_constant<int, 8>());
-            else if (left > 4)
-                block(std::integral_constant<int, 6>());
-            else if (left > 2)
-                block(std::integral_constant<int, 4>());
-            else
-                block(std::integral_constant<int, 2>());
-        } else {
-            if (left > 8 || left == 5 || left == 6)
-                block(std::integral_constant<int, 6>());
-            else if (left > 2)
-                block(std::integral_constant<int, 4>());
-            else
-                block(std::integral_constant<int, 2>());
-        }
-    }
+    const Int whole = lines.tap_count - 1 - lines.first, past = lines.signal_count - lines.first;
+    if (lines.tap_count > few_taps || whole >= past) return sum_blocks(lines, pairs, k, end, z, false);
+    for (; k < end && k < whole; ++k) sum_one(lines, pairs, k, z + parts * k * lines.z_stride);
+    const Int blocks_end = past < end ? past : end;
+    if (k < blocks_end) sum_blocks(lines, pairs, k, blocks_end, z, true), k = blocks_end;
+    for (; k < end; ++k) sum_one(lines, pairs, k, z + parts * k * lines.z_stride);
 }
 
 } // namespace ork::conv

@@ -17,8 +17,7 @@ struct Plan {
     Int first[max_dims];
     int along;       // the dimension of the lines
     int signal;      // the operand that is the longer one there
-    double products; // of two numbers, in all sums
-    double seconds;  // roughly, on one thread
+    double products; // of two numbers, no fewer than all sums have
 };
 
 Plan plan_sums(const Problem& problem);

@@ -122,10 +122,11 @@ void sum_lines(const Lines<T, W, parts>& lines, Int line_count, double products)
     const double work = products / lanes / registers_per_part;
     if (work < 2) return sum_part<T, W, parts>(&division, 0);
     const double work_per_line = work / static_cast<double>(line_count);
+    division.lines_per_part = 1;
     if (work_per_line < 1) {
         const Int at_once = static_cast<Int>(1 / work_per_line);
         division.lines_per_part = at_once < line_count ? at_once : line_count;
-    } else {
+    } else if (work_per_line > 2) {
         constexpr Int block = 16 * lanes;
         const double length = static_cast<double>(lines.z_count) / work_per_line;
         division.segment_length = (static_cast<Int>(length) / block + 1) * block;
@@ -182,18 +183,13 @@ int sum_planned(const Problem& problem, const Plan& plan)
         signal_lines = copy;
     }
 
-    Lines<T, W, parts> lines{.taps = tap_lines,
-                             .signal = signal_lines,
-                             .tap_count = taps.extent[along],
-                             .signal_count = signal.extent[along],
-                             .z = static_cast<T*>(problem.z),
-                             .z_count = line.z,
-                             .z_stride = line.z_stride,
-                             .first = plan.first[along],
-                             .step = line.step,
-                             .conjugate = conjugate,
-                             .outer_count = 0,
-                             .outer = {}};
+    Lines<T, W, parts> lines;
+    lines.taps = tap_lines, lines.tap_count = taps.extent[along];
+    lines.signal = signal_lines, lines.signal_count = signal.extent[along];
+    lines.z = static_cast<T*>(problem.z), lines.z_count = line.z, lines.z_stride = line.z_stride;
+    lines.first = plan.first[along], lines.step = line.step;
+    lines.conjugate = conjugate;
+    lines.outer_count = 0;
     for (int d = 0; d < problem.dims; ++d) {
         if (d == along) continue;
         const Dimension& n = problem.dimension[d];
