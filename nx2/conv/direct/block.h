@@ -130,25 +130,10 @@ template <int registers, class T, class W, int parts>
         });
 }
 
-// Outputs k .. k + count - 1 of a line, no more than the block has.
 template <int registers, class T, class W, int parts>
-[[gnu::noinline]] void sum_block(const Lines<T, W, parts>& lines, const Pairs<W>& pairs, Int k, Int count, T* z)
+inline __attribute__((always_inline)) void store_block(const Block<W, parts, registers>& block,
+                                                       const Lines<T, W, parts>& lines, T* z, Int count)
 {
-    using B = Block<W, parts, registers>;
-    const Int m = lines.first + k;
-    const Met met = taps_met(lines.tap_count, lines.signal_count, m, B::width);
-    B block;
-    if (met.all()) {
-        const Int start = parts * (m - (lines.tap_count - 1) + met.begin), taps = met.end - met.begin;
-        block.clear();
-        for_each_pair(
-            pairs, [&](const W* tap, const W* signal)
-                       __attribute__((always_inline)) { block.add(tap + parts * met.begin, signal + start, taps); });
-    } else {
-        alignas(16) W sums[parts][B::numbers];
-        sum_ragged<registers>(lines, pairs, m, met, sums);
-        block.load_from(sums);
-    }
     Vec<W> result[registers];
 #pragma GCC unroll 16
     for (int r = 0; r < registers; ++r) {
@@ -160,6 +145,38 @@ template <int registers, class T, class W, int parts>
         }
     }
     store_results<parts>(result, z, lines.z_stride, count);
+}
+
+// Whole blocks from output k of a line on, all outputs of which meet all taps.
+template <int registers, class T, class W, int parts>
+[[gnu::noinline]] void sum_whole(const Lines<T, W, parts>& lines, const Pairs<W>& pairs, Int k, Int blocks, T* z)
+{
+    using B = Block<W, parts, registers>;
+    const Int taps = lines.tap_count;
+    const Int start = parts * (lines.first + k - (taps - 1));
+    for (Int number = 0; number < blocks; ++number) {
+        B block;
+        block.clear();
+        for_each_pair(
+            pairs, [&](const W* tap, const W* signal)
+                       __attribute__((always_inline)) { block.add(tap, signal + start + number * B::numbers, taps); });
+        store_block(block, lines, z + parts * (k + number * B::width) * lines.z_stride, B::width);
+    }
+}
+
+// Outputs k .. k + count - 1 of a line, no more than a block has; any of them may meet any taps.
+template <int registers, class T, class W, int parts>
+[[gnu::noinline]] void sum_block(const Lines<T, W, parts>& lines, const Pairs<W>& pairs, Int k, Int count, T* z)
+{
+    using B = Block<W, parts, registers>;
+    const Int m = lines.first + k;
+    const Met met = taps_met(lines.tap_count, lines.signal_count, m, B::width);
+    z += parts * k * lines.z_stride;
+    alignas(16) W sums[parts][B::numbers];
+    sum_ragged<registers>(lines, pairs, m, met, sums);
+    B block;
+    block.load_from(sums);
+    store_block(block, lines, z, count);
 }
 
 // Output k by itself, its taps in the order that blocks take them in.
@@ -186,49 +203,76 @@ inline void sum_one(const Lines<T, W, parts>& lines, const Pairs<W>& pairs, Int 
     }
 }
 
-// Outputs [k, end) of a line in blocks. With `repeats` all of them meet all taps, and the last block may begin among
-// those that are done.
-template <class T, class W, int parts>
-inline void sum_blocks(const Lines<T, W, parts>& lines, const Pairs<W>& pairs, Int k, Int end, T* z, bool repeats)
+// Registers of the largest blocks.
+template <int parts>
+inline constexpr int most_registers = parts == 1 ? 8 : 6;
+
+// Calls block(a number of registers) for what is left: so many at a time that the last ones are not left to wait for
+// themselves.
+template <int parts, class Call>
+inline void choose_block(Int registers_left, Call block)
 {
-    constexpr Int per_register = Vec<W>::lanes / parts;
-    const Int begin = k;
-    const auto block = [&]<int registers>(std::integral_constant<int, registers>) {
-        constexpr Int width = registers * per_register;
-        if (repeats && end - k < width && end - begin >= width) k = end - width;
-        const Int count = end - k < width ? end - k : width;
-        sum_block<registers>(lines, pairs, k, count, z + parts * k * lines.z_stride);
-        k += count;
-    };
-    // So many registers at a time that the last ones are not left to wait for themselves.
-    constexpr int most = parts == 1 ? 8 : 6;
-    while (k < end) {
-        const Int left = (end - k + per_register - 1) / per_register;
-        if (left > 12 || left == most || left == most - 1)
-            block(std::integral_constant<int, most>());
-        else if (left > 4)
-            block(std::integral_constant < int, most == 8 ? 6 : 4 > ());
-        else if (left > 2)
-            block(std::integral_constant<int, 4>());
-        else
-            block(std::integral_constant<int, 2>());
-    }
+    constexpr int most = most_registers<parts>, fewer = most == 8 ? 6 : 4;
+    if (registers_left > 12 || registers_left == most || registers_left == most - 1)
+        block(std::integral_constant<int, most>());
+    else if (registers_left > 4)
+        block(std::integral_constant<int, fewer>());
+    else if (registers_left > 2)
+        block(std::integral_constant<int, 4>());
+    else
+        block(std::integral_constant<int, 2>());
 }
 
 // With no more taps than these, the outputs at both ends of a line, which meet some of them only, are summed one by
-// one.
+// one, and the last whole block may begin among outputs that are done.
 inline constexpr Int few_taps = 16;
 
 // Outputs [k, end) of a line.
 template <class T, class W, int parts>
 void sum_consecutive(const Lines<T, W, parts>& lines, const Pairs<W>& pairs, Int k, Int end, T* z)
 {
+    constexpr int most = most_registers<parts>;
+    constexpr Int per_register = Vec<W>::lanes / parts, width = most * per_register;
     const Int whole = lines.tap_count - 1 - lines.first, past = lines.signal_count - lines.first;
-    if (lines.tap_count > few_taps || whole >= past) return sum_blocks(lines, pairs, k, end, z, false);
-    for (; k < end && k < whole; ++k) sum_one(lines, pairs, k, z + parts * k * lines.z_stride);
-    const Int blocks_end = past < end ? past : end;
-    if (k < blocks_end) sum_blocks(lines, pairs, k, blocks_end, z, true), k = blocks_end;
-    for (; k < end; ++k) sum_one(lines, pairs, k, z + parts * k * lines.z_stride);
+    const Int whole_end = past < end ? past : end;
+    const bool few = lines.tap_count <= few_taps;
+    while (k < end && k < whole) {
+        const Int count = few ? 1 : end - k < width ? end - k : width;
+        if (few)
+            sum_one(lines, pairs, k, z + parts * k * lines.z_stride);
+        else
+            sum_block<most>(lines, pairs, k, count, z);
+        k += count;
+    }
+    const Int begin = k;
+    if (const Int blocks = (whole_end - k) / width; whole_end >= k + width) {
+        sum_whole<most>(lines, pairs, k, blocks, z);
+        k += blocks * width;
+    }
+    if (few) {
+        while (k < whole_end)
+            choose_block<parts>((whole_end - k + per_register - 1) / per_register,
+                                [&]<int registers>(std::integral_constant<int, registers>) {
+                                    constexpr Int some = registers * per_register;
+                                    if (whole_end - some >= begin) {
+                                        if (whole_end - k < some) k = whole_end - some;
+                                        sum_whole<registers>(lines, pairs, k, 1, z);
+                                        k += some;
+                                    } else {
+                                        const Int count = whole_end - k < some ? whole_end - k : some;
+                                        sum_block<registers>(lines, pairs, k, count, z);
+                                        k += count;
+                                    }
+                                });
+        for (; k < end; ++k) sum_one(lines, pairs, k, z + parts * k * lines.z_stride);
+    }
+    while (k < end)
+        choose_block<parts>((end - k + per_register - 1) / per_register,
+                            [&]<int registers>(std::integral_constant<int, registers>) {
+                                const Int some = registers * per_register, count = end - k < some ? end - k : some;
+                                sum_block<registers>(lines, pairs, k, count, z);
+                                k += count;
+                            });
 }
 
 } // namespace ork::conv
