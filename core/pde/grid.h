@@ -27,6 +27,7 @@ constexpr Range unknowns(Pair pair, Int n)
 }
 
 // Where the sides of a direction and its transforms stand in the arrays of a solve.
+constexpr Int at_q = 3; // of the real numbers
 constexpr Int at_sides = 6, at_positions = 19, at_threads = 24, at_paths = 25, at_transforms = 40;
 
 template <class R>

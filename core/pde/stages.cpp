@@ -177,6 +177,10 @@ void solve_last(Work<R>* work)
     const Int stride = grid.flat ? grid.row : grid.plane;
     if (order == 0) return;
     const Int pieces = (columns.size() + block - 1) / block;
+    // Between sides that hold nothing q alone determines the mean.
+    bool free = true;
+    for (int i = 0; i <= last; ++i) free = free && (grid.pair(i) == nn || grid.pair(i) == pp);
+    const R h = grid.step(last), held = work->singular != 0 ? R{0} : h * h * work->fpar[at_q];
     const R* const x_table = work->fpar + work->ipar[15] - 1;
     const R* const y_table = grid.flat ? nullptr : work->fpar + work->ipar[17] - 1;
     share_units(*work, pieces * rows, std::min(block, columns.size()) * order, solved_per_thread,
@@ -190,11 +194,11 @@ void solve_last(Work<R>* work)
                         const Int blocks = std::min(pieces - unit % pieces, first + count - unit);
                         const Int j = grid.flat ? 0 : grid.inside[1].first + unit / pieces;
                         const Int systems = std::min(blocks * block, columns.end - i);
-                        const Int singular = work->singular != 0 && i == 0 && j == 0;
+                        const bool constants = free && i == 0 && j == 0;
                         const R shift = grid.flat ? R{0} : y_table[j];
                         R* const f = work->f + i + along.first * stride + (grid.flat ? 0 : j * grid.row);
-                        kernels::tridiagonal<R>(&systems, &order, &ends, &singular, x_table + i, &shift, f, &stride,
-                                                buffer);
+                        kernels::tridiagonal<R>(&systems, &order, &ends, constants ? &held : nullptr, x_table + i,
+                                                &shift, f, &stride, buffer);
                         unit += blocks;
                     }
                     ork_serv_deallocate(buffer);

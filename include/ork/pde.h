@@ -37,11 +37,10 @@
    On D sides f need not be set. bd_ax and bd_bx hold ny + 1 numbers, bd_ay and bd_by nx + 1; in three dimensions a
    plane each, ordered like a plane of f: bd_ax[j + k (ny + 1)], bd_ay[i + k (nx + 1)], bd_az[i + j (nx + 1)].
 
-   SINGULAR PROBLEMS: no D and q = 0, or so small that q h^2 (h of the last direction) is within 1e-10, in single
-   precision beside 2, of zero. A solution is determined but for a constant, and exists only if f and bd balance. The
-   part of f that doesn't (a constant) is dropped, and the solution with mean zero is computed, points of N sides
-   counting half (edges a quarter). commit warns and ipar[ORK_PDE_SINGULAR] is 1; a solve warns when what it drops is
-   more than rounding.
+   SINGULAR PROBLEMS: no D and q = 0, or |q h^2| up to 1e-10, h of the last direction. A solution is determined but for
+   a constant, and exists only if f and bd balance. The part of f that doesn't (a constant) is dropped, and the solution
+   with mean zero is computed, points of N sides counting half (edges a quarter). commit warns and
+   ipar[ORK_PDE_SINGULAR] is 1; a solve warns when what it drops is more than rounding.
 
    THREE DIMENSIONS, with two handles:
 

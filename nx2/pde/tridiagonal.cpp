@@ -16,6 +16,7 @@
 #include <cstring>
 
 #include "frame/export.h"
+#include "pde/held_by_q.h"
 #include "simd/fetch.h"
 #include "simd/vec.h"
 
@@ -183,6 +184,15 @@ private:
     Int last_ = 0;
 };
 
+// The constant mode, d = 2 + held, and cyclic at least 3 unknowns. Neumann ends are rows of half the weight.
+template <class R>
+void solve_held(Int order, bool cyclic, R held, R* g, Int stride, R* work)
+{
+    const auto weight = [&](Int j) { return cyclic || (j > 0 && j < order - 1) ? 1.0 : 0.5; };
+    solve_held_by_q(
+        order, cyclic, [](Int) { return 1.0; }, weight, held, g, stride, reinterpret_cast<double*>(work));
+}
+
 // The constant mode, d = 2: the factors are 1, and the last unknown, which is free, is 0 at first.
 template <class R>
 void solve_constant(Int order, bool cyclic, R* g, Int stride)
@@ -238,21 +248,28 @@ void solve_few(Int systems, Int order, Int ends, const R* table, R shift, R* g, 
 }
 
 template <class R>
-void solve_systems(Int systems, Int order, Int ends, bool singular, const R* table, R shift, R* g, Int stride, R* work)
+void solve_systems(Int systems, Int order, Int ends, const R* constants, const R* table, R shift, R* g, Int stride,
+                   R* work)
 {
     if (systems < 1 || order < 1) return;
     const auto none = reinterpret_cast<std::uintptr_t>(work) % 16 / sizeof(R);
     work += none == 0 ? 0 : 16 / sizeof(R) - none;
     if (ends == pp && order == 1) { // (d - 2) v = g
-        for (Int k = 0; k < systems; ++k) g[k] = singular && k == 0 ? R{0} : g[k] / (table[k] + shift - R{2});
+        for (Int k = 0; k < systems; ++k) {
+            const R d = constants != nullptr && k == 0 ? *constants : table[k] + shift - R{2};
+            g[k] = constants != nullptr && k == 0 && d == 0 ? R{0} : g[k] / d;
+        }
         return;
     }
+    if (ends == pp && order == 2) ends = nn;
     Int k = 0;
-    if (singular) {
-        solve_constant(order, ends == pp, g, stride);
+    if (constants != nullptr) {
+        if (*constants == 0)
+            solve_constant(order, ends == pp, g, stride);
+        else
+            solve_held(order, ends == pp, *constants, g, stride, work);
         k = 1;
     }
-    if (ends == pp && order == 2) ends = nn;
     constexpr int lanes = Vec<R>::lanes, whole = tridiagonal_block / 16;
     for (; k + whole * lanes <= systems; k += whole * lanes)
         Block<whole, R>(order, ends, table + k, shift, g + k, stride, work).solve();
@@ -269,10 +286,10 @@ void solve_systems(Int systems, Int order, Int ends, bool singular, const R* tab
 
 #define TRIDIAGONAL(p, R)                                                                                              \
     ORK_EXPORT void ork_pdepl_nx2_##p##_tridiagonal(const Int* systems, const Int* order, const Int* ends,             \
-                                                    const Int* singular, const R* table, const R* shift, R* g,         \
+                                                    const R* constants, const R* table, const R* shift, R* g,          \
                                                     const Int* stride, R* work)                                        \
     {                                                                                                                  \
-        solve_systems(*systems, *order, *ends, *singular != 0, table, *shift, g, *stride, work);                       \
+        solve_systems(*systems, *order, *ends, constants, table, *shift, g, *stride, work);                            \
     }
 TRIDIAGONAL(s, float)
 TRIDIAGONAL(d, double)

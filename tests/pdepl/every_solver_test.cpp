@@ -188,6 +188,38 @@ TEST_P(EverySolver, WithoutMemoryAStageFailsAndCanBeRepeated)
     EXPECT_EQ(p->free(), pde::ok);
 }
 
+// Where no side does, a small q holds the mean, which beside the differences would get lost: -Laplace(u) + q u = 1.
+template <class R>
+void expect_mean(SolverOf<R>&& p)
+{
+    p.ready(true);
+    std::fill(p.f.begin(), p.f.end(), R{1});
+    for (auto& side : p.bd) std::fill(side.begin(), side.end(), R{0});
+    ASSERT_EQ(p.solve(), pde::ok);
+    EXPECT_EQ(p.ipar[27], 0);
+    const R u = p.f[0] * R(1e-5);
+    EXPECT_TRUE(std::abs(u - 1) <= 8 * std::numeric_limits<R>::epsilon()) << u - 1;
+    for (const R& value : p.f) EXPECT_TRUE(std::abs(value - p.f[0]) <= 8 * std::numeric_limits<R>::epsilon() * p.f[0]);
+}
+template <class R>
+void expect_means()
+{
+    for (const char* sides : {"NNNN", "NNPP", "PPPP", "NNNNNN", "PPNNPP"})
+        for (const Int n : {1, 2, 3, 9}) {
+            SCOPED_TRACE(testing::Message() << sides << ' ' << n);
+            const bool flat = std::string(sides).size() == 4;
+            expect_mean(Problem<R>(sides, {4, flat ? n : 5, n}, 1e-5));
+        }
+    for (const Int nt : {1, 2, 9}) expect_mean(Sphere<R>(true, 6, nt, 0, 1, 1e-5));
+}
+TEST(SmallCoefficient, HoldsTheMean)
+{
+    expect_means<float>();
+    expect_means<double>();
+    for (const char* sides : {"nnnnnn", "nnpppp"})
+        for (const Int nz : {1, 2, 3, 9}) expect_mean(NodesBox(4, 5, nz, sides, 1e-5F));
+}
+
 // f = sin(2 pi x / lx) on every row, which balances; a constant more, which doesn't unless slopes outweigh it.
 template <class R>
 void expect_report_of_imbalance(SolverOf<R>&& p, Int nx, const std::vector<std::pair<std::size_t, double>>& lengths)
@@ -233,7 +265,7 @@ TEST(SingularProblems, TellWhenTheRightHandSideDoesNotBalance)
 {
     expect_reports_of_imbalance<float>();
     expect_reports_of_imbalance<double>();
-    expect_report_of_imbalance(NodesBox(8, 5, 7, "NNNNNN", 0), 8,
+    expect_report_of_imbalance(NodesBox(8, 5, 7, "nnnnnn", 0), 8,
                                {{0, 1}, {1, 1}, {2, 1.5}, {3, 1.5}, {4, 1.3}, {5, 1.3}});
 }
 

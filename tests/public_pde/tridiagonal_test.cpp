@@ -30,11 +30,11 @@ protected:
     }
     void TearDown() override { dlclose(library_); }
 
-    void solve(Int systems, Int order, Int ends, Int singular, const R* table, R* g, Int stride) const
+    void solve(Int systems, Int order, Int ends, const R* constants, const R* table, R* g, Int stride) const
     {
         std::vector<R> work(pde::tridiagonal_work<R>(order) + 1);
         const R shift = R(0.25);
-        kernel_(&systems, &order, &ends, &singular, table, &shift, g, &stride, work.data() + 1);
+        kernel_(&systems, &order, &ends, constants, table, &shift, g, &stride, work.data() + 1);
     }
 
     void* library_ = nullptr;
@@ -63,13 +63,13 @@ TYPED_TEST(TridiagonalSystems, SolveTheirEquationsWithTheSameBitsInAnyCompany)
                     GuardedBytes memory(numbers * sizeof(R), guard);
                     R* const g = reinterpret_cast<R*>(memory.data());
                     std::copy(given.begin(), given.end(), g);
-                    this->solve(systems, order, ends, 0, table.data(), g, stride);
+                    this->solve(systems, order, ends, nullptr, table.data(), g, stride);
                     EXPECT_TRUE(memory.unchanged_outside());
                     for (Int j = 0; j + 1 < order; ++j) EXPECT_EQ(g[j * stride + systems], given[j * stride + systems]);
                     if (guard == Guard::begin) continue;
                     for (Int k = 0; k < systems; ++k) {
                         auto alone = given;
-                        this->solve(1, order, ends, 0, &table[k], alone.data() + k, stride);
+                        this->solve(1, order, ends, nullptr, &table[k], alone.data() + k, stride);
                         const auto v = [&](Int j) -> double {
                             if (ends == 6) return g[k + (j + order) % order * stride];
                             if (j < 0) return ends >= 2 && order > 1 ? g[k + stride] : 0;
@@ -102,7 +102,8 @@ TYPED_TEST(TridiagonalSystems, TheConstantModeLosesItsMean)
             table[0] = R(1.75);
             for (std::size_t i = 0; i < g.size(); ++i) g[i] = R(std::sin(double(i * i)) + 0.5);
             const auto given = g;
-            this->solve(systems, order, ends, 1, table.data(), g.data(), systems);
+            const R none = 0;
+            this->solve(systems, order, ends, &none, table.data(), g.data(), systems);
             const auto weight = [&](Int j) { return ends == 6 || (j > 0 && j < order - 1) ? 1.0 : 0.5; };
             double mean = 0, solution = 0, weights = 0, largest = 0;
             for (Int j = 0; j < order; ++j) {
@@ -120,7 +121,7 @@ TYPED_TEST(TridiagonalSystems, TheConstantModeLosesItsMean)
                 EXPECT_TRUE(std::abs(r) <= 8 * unit) << ends << ' ' << order << ' ' << r / unit;
             }
             auto others = given;
-            this->solve(systems - 1, order, ends, 0, table.data() + 1, others.data() + 1, systems);
+            this->solve(systems - 1, order, ends, nullptr, table.data() + 1, others.data() + 1, systems);
             for (std::size_t i = 0; i < g.size(); ++i)
                 if (i % systems != 0) {
                     EXPECT_EQ(g[i], others[i]);

@@ -12,12 +12,15 @@ namespace ork::pde {
 //     d v(j) - v(j - 1) - v(j + 1) = g(j)        j = 0 .. order - 1,   d = table[k] + shift of system k
 //
 // ends is the pair's number: dd 0, dn 1, nd 2, nn 3, pp 6. A neighbour beyond a Dirichlet end is left out, the one at a
-// Neumann end counts twice, pp is cyclic. g(j) of system k stands at g[k + j stride] and gives way to v(j). When
-// singular is not 0, d of system 0 counts as 2 and its ends are nn or pp: g loses its mean and v has mean zero, by sums
-// with half weights at Neumann ends. d >= 2 but for rounding, or small negative q: no rows are exchanged. work has
-// tridiagonal_work(order) numbers. A system's bits don't depend on those beside it.
+// Neumann end counts twice, pp is cyclic. g(j) of system k stands at g[k + j stride] and gives way to v(j). d >= 2 but
+// for rounding, or small negative q: no rows are exchanged. work has tridiagonal_work(order) numbers. A system's bits
+// don't depend on those beside it.
+//
+// constants, null elsewhere: system 0 is the constant mode between sides that hold nothing, nn or pp, and its d is
+// 2 + *constants, of which the table keeps but what shows beside 2. When that is 0, g loses its mean and v has mean
+// zero, by sums with half weights at Neumann ends.
 template <class R>
-using Tridiagonal = void(const Int* systems, const Int* order, const Int* ends, const Int* singular, const R* table,
+using Tridiagonal = void(const Int* systems, const Int* order, const Int* ends, const R* constants, const R* table,
                          const R* shift, R* g, const Int* stride, R* work);
 
 inline constexpr int tridiagonal_block = 256; // bytes of a row of g that are solved together

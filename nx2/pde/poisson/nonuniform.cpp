@@ -9,6 +9,7 @@
 #include "frame/export.h"
 #include "ork/abi/core_pde.h"
 #include "ork/abi/pde_sphere.h"
+#include "pde/held_by_q.h"
 #include "pde/poisson/commit.h"
 #include "pde/poisson/init.h"
 #include "pde/poisson/nonuniform_systems.h"
@@ -64,14 +65,6 @@ void make_tables(const R* z, const Int* ipar, R* fpar)
     }
 }
 
-bool is_singular_nonuniform(const Int* ipar, const R* fpar)
-{
-    for (const int i : {0, 1, 2})
-        if (const Pair pair = pair_at<3>(ipar, i); pair != nn && pair != pp) return false;
-    const R h = fpar[at_lengths + 2] / static_cast<R>(ipar[at_intervals + 2]), shift = h * h * fpar[at_q];
-    return shift <= fpar[at_tolerance] && -shift <= fpar[at_tolerance];
-}
-
 Int commit_nodes(R* f, const R* z, ork_dft_descriptor** xhandle, ork_dft_descriptor** yhandle, Int* ipar, R* fpar)
 {
     fpar[at_lengths + 2] = 1; // of the nodes, below
@@ -98,7 +91,7 @@ Int commit_nodes(R* f, const R* z, ork_dft_descriptor** xhandle, ork_dft_descrip
         release_transforms(ipar, xhandle, yhandle);
         return transform_failed;
     }
-    ipar[at_singular] = is_singular_nonuniform(ipar, fpar);
+    ipar[at_singular] = is_singular<3>(ipar, fpar);
     if (ipar[at_singular] != 0) report(Diagnostic::singular_problem, ipar, fpar);
     ipar[at_plan_seal] = nonuniform_seal(ipar);
     ipar[at_handle_seal] = handle_seal(ipar, xhandle, yhandle);
@@ -174,18 +167,23 @@ void solve_lines(Solving& s, R* f, const Nodes& nodes, const Int* ipar, const R*
     const Range columns = unknowns(ipar, 0), rows = unknowns(ipar, 1);
     const R *of_x = fpar + ipar[at_tables] - 1, *of_y = fpar + ipar[at_tables + 2] - 1;
     R* const unknown = f + first * plane;
-    const bool singular = ipar[at_singular] != 0;
-    if (singular) {
+    const bool constants = all_sides_free<3>(ipar);
+    if (constants) {
         for (Int j = 0; j < count; ++j) s.column[j] = unknown[j * plane];
-        solve_singular(line, s.column, 1);
+        if (ipar[at_singular] != 0)
+            solve_singular(line, s.column, 1);
+        else
+            solve_held_by_q(
+                count, cyclic, [&](Int k) { return s.off[k]; }, [&](Int k) { return s.scale[k]; }, fpar[at_q] * (h * h),
+                s.column, 1, reinterpret_cast<double*>(s.lines));
     }
     for (Int j = rows.first; j < rows.end; ++j) {
         for (Int i = columns.first; i < columns.end; ++i) s.eigenvalues[i] = of_x[i] + of_y[j];
-        if (singular && j == 0) s.eigenvalues[0] = 1; // solved already
+        if (constants && j == 0) s.eigenvalues[0] = 1; // solved already
         solve_systems(line, columns.end - columns.first, s.eigenvalues + columns.first,
                       unknown + j * row + columns.first, plane, s.lines);
     }
-    for (Int j = 0; singular && j < count; ++j) unknown[j * plane] = s.column[j];
+    for (Int j = 0; constants && j < count; ++j) unknown[j * plane] = s.column[j];
 }
 
 Int solve_nodes(R* f, const R* const (&sides)[6], ork_dft_descriptor** xhandle, ork_dft_descriptor** yhandle, Int* ipar,
@@ -202,7 +200,7 @@ Int solve_nodes(R* f, const R* const (&sides)[6], ork_dft_descriptor** xhandle, 
         report(Diagnostic::no_memory, ipar, fpar);
         return bad_argument;
     }
-    ipar[at_singular] = is_singular_nonuniform(ipar, fpar);
+    ipar[at_singular] = is_singular<3>(ipar, fpar);
     const auto weight = [&](Int k) { return static_cast<double>(nodes.weight[k]); };
     const bool off =
         ipar[at_singular] != 0 && ipar[at_warnings] != 0 && balance_of<3>(f, sides, ipar, fpar, weight, 1).is_off<R>();

@@ -107,17 +107,22 @@ void fill_tables(const Int* ipar, R* fpar)
     }
 }
 
-// The constant mode of a problem that determines its solution but for a constant: no side holds it and q doesn't.
+// No side holds the constants.
+template <int dimensions>
+bool all_sides_free(const Int* ipar)
+{
+    for (int i = 0; i < dimensions; ++i)
+        if (const Pair pair = pair_at<dimensions>(ipar, i); pair != nn && pair != pp) return false;
+    return true;
+}
+
+// Neither does q: the table's first entry is 2, but for the tolerance. Beside the 2 single precision would lose it.
 template <int dimensions, class R>
 bool is_singular(const Int* ipar, const R* fpar)
 {
-    for (int i = 0; i < dimensions; ++i) {
-        const Pair pair = pair_at<dimensions>(ipar, i);
-        if (pair != nn && pair != pp) return false;
-    }
-    R off = -2;
-    for (int i = 0; i < dimensions - 1; ++i) off += fpar[ipar[at_tables + 2 * i] - 1];
-    return (off < 0 ? -off : off) <= fpar[at_tolerance];
+    constexpr int last = dimensions - 1;
+    const R h = fpar[at_lengths + last] / static_cast<R>(ipar[at_intervals + last]), off = h * h * fpar[at_q];
+    return all_sides_free<dimensions>(ipar) && off <= fpar[at_tolerance] && -off <= fpar[at_tolerance];
 }
 
 } // namespace ork::pde

@@ -6,6 +6,7 @@
 
 #include "frame/core_imports.h"
 #include "frame/export.h"
+#include "pde/held_by_q.h"
 #include "pde/poisson/balance.h"
 #include "pde/poisson/begin.h"
 #include "pde/poisson/nonuniform_systems.h"
@@ -183,6 +184,10 @@ private:
             const R zero{};
             if (ipar_[A::singular] != 0)
                 solve_singular(zonal, modes_.zonal, 1);
+            else if (north_ && south_)
+                solve_held_by_q(
+                    nt_ + 1, false, [&](Int j) { return between_[j]; }, [&](Int j) { return scale_[j]; }, fpar_[at_q],
+                    modes_.zonal, 1, reinterpret_cast<double*>(modes_.work));
             else
                 solve_systems(zonal, 1, &zero, modes_.zonal + unknown_from(), 1, modes_.work);
             for (Int k = 0; north_ && k < lead; ++k) rows[k] = R{};
