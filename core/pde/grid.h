@@ -35,7 +35,7 @@ struct Grid {
     explicit Grid(const Work<R>& work)
         : work(work), n{work.nx, work.ny, work.nz}, row(work.nx + 1), plane(row * (work.ny + 1)), flat(work.nz == 0)
     {
-        for (int i = 0; i < 3; ++i) {
+        for (int i = 0; i <= last_direction(); ++i) { // nothing is known of the third pair in two dimensions
             side[i][0] = static_cast<Side>(work.ipar[at_sides + 2 * i]);
             side[i][1] = static_cast<Side>(work.ipar[at_sides + 2 * i + 1]);
             inside[i] = unknowns(pair(i), n[i]);
@@ -51,7 +51,7 @@ struct Grid {
     Int n[3];
     Int row, plane; // numbers from a row to the next, from a plane to the next
     bool flat;
-    Side side[3][2];
+    Side side[3][2] = {};
     Range inside[3];
 };
 

@@ -32,8 +32,8 @@ public:
     {
         in_lanes<R>(1, angles(n_) + 1, [&](Int k, auto v) {
             using V = decltype(v);
-            V y = get<V>(at(k)), other = get_down<V>(at(n_ - k));
-            if (sine) y = get_down<V>(at(k)), other = get<V>(at(n_ - k));
+            const V y = sine ? get_down<V>(at(k)) : get<V>(at(k));
+            const V other = sine ? get<V>(at(n_ - k)) : get_down<V>(at(n_ - k));
             const V c = get<V>(cos_ + k), s = get<V>(sin_ + k);
             put_pairs(spectrum_ + 2 * k, c * y + s * other, s * y - c * other);
         });
