@@ -121,9 +121,9 @@ TYPED_TEST(TrigTransform, ForwardAndBackwardAreInverse)
                 const std::vector<R> f = t.f;
                 ASSERT_EQ(t.commit(), 0);
                 // Type 3 without scaling starts at the first element.
-                const Int shift = type == 3 && unscaled ? 1 : 0;
-                ASSERT_EQ(t.forward(t.f.data() + shift), 0);
-                ASSERT_EQ(t.backward(t.f.data() + shift), 0);
+                R* const from_first = t.f.data() + (type == 3 && unscaled ? 1 : 0);
+                ASSERT_EQ(t.forward(from_first), 0);
+                ASSERT_EQ(t.backward(from_first), 0);
                 const R factor = unscaled ? static_cast<R>(2 * n) : R(1);
                 const auto [from, to] = part(type, n);
                 for (Int i = from; i <= to; ++i) {
@@ -162,44 +162,6 @@ TYPED_TEST(TrigTransform, StaysInItsArrays)
                 t.forward(), t.backward();
                 EXPECT_TRUE(std::equal(f, f + count, t.f.begin()));
             }
-}
-
-// Bits of lines, however they lie, are those of single calls, and nothing between them is touched.
-TYPED_TEST(TrigTransform, LinesAreSingleTransforms)
-{
-    using R = TypeParam;
-    struct Layout {
-        Int count, stride, distance;
-    };
-    for (const Int n : {2, 9, 32, 100, 130})
-        for (Int type = 0; type < 6; ++type)
-            for (const auto& [count, stride, distance] :
-                 {Layout{3, 1, n + 4}, {21, 22, 1}, {5, 7, 2}, {4, 3, 3 * n + 5}, {0, 1, 1}})
-                for (const Int unscaled : {0, 1}) {
-                    Trig<R> t(n, type);
-                    t.ipar[10] = unscaled;
-                    ASSERT_EQ(t.commit(), 0);
-                    const Int backward = count % 2;
-                    std::vector<R> all(static_cast<std::size_t>(count * distance + n * stride + 1), R(-3)), want = all;
-                    Random random;
-                    for (Int k = 0; k < count; ++k) {
-                        for (R& x : t.f) x = random.uniform<R>();
-                        const auto place = [&](std::vector<R>& to) {
-                            for (Int i = 0; i <= n; ++i)
-                                to[static_cast<std::size_t>(k * distance + i * stride)] =
-                                    t.f[static_cast<std::size_t>(i)];
-                        };
-                        place(all);
-                        ASSERT_EQ(backward ? t.backward() : t.forward(), 0);
-                        place(want);
-                    }
-                    const std::vector<Int> ipar = t.ipar;
-                    EXPECT_EQ(t.call.lines(&backward, all.data(), &count, &stride, &distance, &t.handle, t.ipar.data(),
-                                           t.fpar.data()),
-                              0);
-                    EXPECT_EQ(all, want) << "n " << n << ", type " << type << ", stride " << stride;
-                    EXPECT_EQ(t.ipar, ipar);
-                }
 }
 
 } // namespace

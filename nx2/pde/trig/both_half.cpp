@@ -104,10 +104,12 @@ void walk(Int n, const R* f, R* g)
         if (steps > end - g) steps = end - g;
         a += 8 * steps;
         if (quarter == 3) a -= 8 * n;
-        if (quarter == 0 || quarter == 3)
-            for (; steps > 0; --steps, x += step) *g++ = *x;
-        else
-            for (; steps > 0; --steps, x += step) *g++ = -*x;
+        const bool negative = quarter == 1 || quarter == 2;
+        for (; steps >= Vec<R>::lanes; steps -= Vec<R>::lanes, x += step * Vec<R>::lanes, g += Vec<R>::lanes) {
+            const Vec<R> values = gathered(x, step);
+            store(g, negative ? negated(values) : values);
+        }
+        for (; steps > 0; --steps, x += step) *g++ = negative ? -*x : *x;
     }
 }
 
@@ -118,25 +120,33 @@ Int odd_both_half(const TrigPlan<R>& plan, R factor, R* f, R* work)
     walk<R, sine>(n, f, work);
     if (const Int status = ork_dft_dfticomputeforward(plan.dft, work)) return status;
 
-    // exp(-pi i n (2k+1) / 4) times sqrt(2), and the sign of a sine.
-    struct {
-        R re, im;
-    } turn[4];
-    for (Int k = 0; k < 4; ++k) {
+    // exp(-pi i n (2k+1) / 4) times sqrt(2), and the sign of a sine, from k modulo 4 on.
+    R cosines[8], sines[8];
+    for (Int k = 0; k < 8; ++k) {
         const Int eighth = n % 8 * (2 * k + 1) % 8;
         const R size = R(1.41421356237309504880L) * factor * R(sine && k % 2 != 0 ? -1 : 1);
-        turn[k] = {eighth == 1 || eighth == 7 ? size : -size, eighth == 1 || eighth == 3 ? -size : size};
+        cosines[k] = eighth == 1 || eighth == 7 ? size : -size;
+        sines[k] = eighth == 1 || eighth == 3 ? -size : size;
     }
     // n-1-k has the conjugate of G and of the turn, times -i.
-    const auto result = [&](Int k, R re, R im) {
-        const auto [c, s] = turn[k % 4];
-        f[k] = re * c - im * s;
-        f[n - 1 - k] = -(re * s + im * c);
+    const auto put_results = [&](Int k, auto re, auto im) {
+        using V = decltype(re);
+        const V c = get<V>(cosines + k % 4), s = get<V>(sines + k % 4);
+        put(f + k, re * c - im * s);
+        put_down(f + n - 1 - k, negated(re * s + im * c));
     };
-    Int k = 0;
-    for (; 2 * k + 1 <= middle; ++k) result(k, work[4 * k + 1], work[4 * k + 2]);
-    for (const R* g = work + 2 * (n - 2 * k - 1); k < middle; ++k, g -= 4) result(k, g[-1], -g[0]);
-    f[middle] = work[0] * turn[middle % 4].re;
+    const Int below = (middle + 1) / 2; // 2k+1 <= middle
+    in_lanes<R>(0, below, [&](Int k, auto v) {
+        decltype(v) re, im;
+        get_pairs_apart(work + 4 * k + 1, 4, re, im);
+        put_results(k, re, im);
+    });
+    in_lanes<R>(below, middle, [&](Int k, auto v) {
+        decltype(v) re, im;
+        get_pairs_apart(work + 2 * (n - 2 * k - 1) - 1, -4, re, im);
+        put_results(k, re, negated(im));
+    });
+    f[middle] = work[0] * cosines[middle % 4];
     return 0;
 }
 

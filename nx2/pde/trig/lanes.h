@@ -34,6 +34,13 @@ inline Vec<float> followed(Vec<float> a, Vec<float> b)
     return {_mm_shuffle_ps(joined, b.v, 0x68)};
 }
 
+// Numbers p[0], p[step], ...
+inline Vec<double> gathered(const double* p, std::int64_t step) { return {_mm_setr_pd(p[0], p[step])}; }
+inline Vec<float> gathered(const float* p, std::int64_t step)
+{
+    return {_mm_setr_ps(p[0], p[step], p[2 * step], p[3 * step])};
+}
+
 inline Vec<double> negated(Vec<double> a) { return {_mm_xor_pd(a.v, _mm_set1_pd(-0.0))}; }
 inline Vec<float> negated(Vec<float> a) { return {_mm_xor_ps(a.v, _mm_set1_ps(-0.0f))}; }
 inline double negated(double a) { return -a; }
@@ -117,6 +124,20 @@ template <class V>
 {
     if constexpr (LanesOf<V>::count > 1) first = reversed(first), second = reversed(second);
     put_pairs(p - 2 * (LanesOf<V>::count - 1), first, second);
+}
+// Pairs p[0] p[1], p[step] p[step + 1], ...; of float the two numbers behind a pair are read as well.
+template <class V>
+[[gnu::always_inline]] inline void get_pairs_apart(const typename LanesOf<V>::number* p, std::int64_t step, V& first,
+                                                   V& second)
+{
+    if constexpr (LanesOf<V>::count == 1) {
+        first = p[0], second = p[1];
+    } else {
+        V x[LanesOf<V>::count];
+        for (int j = 0; j < LanesOf<V>::count; ++j) x[j] = load(p + j * step);
+        transpose(x);
+        first = x[0], second = x[1];
+    }
 }
 template <class V>
 [[gnu::always_inline]] inline V all(typename LanesOf<V>::number a)

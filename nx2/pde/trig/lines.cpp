@@ -2,6 +2,7 @@
 #include "pde/trig/lines.h"
 
 #include "frame/core_imports.h"
+#include "pde/trig/side_by_side.h"
 #include "simd/vec.h"
 
 namespace ork::pde {
@@ -29,9 +30,16 @@ Extent extent(Int type, Int n, Way way, bool scaled)
     }
 }
 
+template <class R>
+void scale_alone(const Extent& e, R factor, R* line, Int stride)
+{
+    for (const Int i : e.alone)
+        if (i >= 0) line[i * stride] *= factor;
+}
+
 // Lines whose elements are this near are put into the buffer side by side: a cache line.
 template <class R>
-constexpr Int side_by_side = 128 / sizeof(R);
+constexpr Int buffered_at_once = 128 / sizeof(R);
 
 // The first `elements` of `count` lines into lines of the buffer, or back. Neighbours go by squares of registers.
 enum class Copy { in, out };
@@ -59,18 +67,22 @@ void copy(R* at, const Lines& lines, Int elements, Int count, R* buffer, Int lin
         for (Int j = i < rows ? squares : 0; j < count; ++j) single(i, j);
 }
 
-} // namespace
+template <class R>
+R scale(Int n, Way way, bool scaled)
+{
+    return !scaled ? R(1) : way == Way::forward ? R(1) / static_cast<R>(n) : R(0.5);
+}
 
 template <class R>
-Int transform_lines(const TrigPlan<R>& plan, Way way, bool scaled, R* f, const Lines& lines)
+Int one_after_another(const TrigPlan<R>& plan, Way way, bool scaled, R* f, const Lines& lines)
 {
     const Int n = plan.n;
     const Extent e = extent(plan.type, n, way, scaled);
-    const R factor = !scaled ? R(1) : way == Way::forward ? R(1) / static_cast<R>(n) : R(0.5);
+    const R factor = scale<R>(n, way, scaled);
 
     constexpr Int on_stack = 16384 / sizeof(R), unit = 64 / sizeof(R);
     const bool buffered = lines.stride != 1;
-    const Int group = !buffered ? 0 : lines.count < side_by_side<R> ? lines.count : side_by_side<R>;
+    const Int group = !buffered ? 0 : lines.count < buffered_at_once<R> ? lines.count : buffered_at_once<R>;
     const Int line = (e.elements + unit) / unit * unit + unit; // not a power of two
     const Int numbers = work_numbers<R>(plan.type, n), whole = (numbers + unit - 1) / unit * unit + group * line;
     alignas(64) R small[on_stack];
@@ -84,9 +96,7 @@ Int transform_lines(const TrigPlan<R>& plan, Way way, bool scaled, R* f, const L
         R* const first = f + k * lines.distance;
         const Int count = !buffered ? 1 : lines.count - k < group ? lines.count - k : group;
         if (scaled)
-            for (Int j = 0; j < count; ++j)
-                for (const Int i : e.alone)
-                    if (i >= 0) first[j * lines.distance + i * lines.stride] *= factor;
+            for (Int j = 0; j < count; ++j) scale_alone(e, factor, first + j * lines.distance, lines.stride);
         if (!buffered) {
             status = transform(plan, way, factor, first + e.first, work);
             continue;
@@ -100,7 +110,29 @@ Int transform_lines(const TrigPlan<R>& plan, Way way, bool scaled, R* f, const L
     return status;
 }
 
-#define INSTANTIATE(R) template Int transform_lines(const TrigPlan<R>&, Way, bool, R*, const Lines&);
+} // namespace
+
+template <class R>
+Int transform_line(const TrigPlan<R>& plan, Way way, bool scaled, R* f)
+{
+    return one_after_another(plan, way, scaled, f, {1, 1, 0});
+}
+
+template <class R>
+Int transform_lines(const TrigPlan<R>& plan, Way way, bool scaled, R* f, const Lines& lines)
+{
+    if (!goes_side_by_side(plan.type, plan.n)) return one_after_another(plan, way, scaled, f, lines);
+    const R factor = scale<R>(plan.n, way, scaled);
+    if (scaled)
+        for (Int j = 0; j < lines.count; ++j)
+            scale_alone(extent(plan.type, plan.n, way, scaled), factor, f + j * lines.distance, lines.stride);
+    transform_side_by_side(plan.type, plan.n, factor, f, lines);
+    return 0;
+}
+
+#define INSTANTIATE(R)                                                                                                 \
+    template Int transform_line(const TrigPlan<R>&, Way, bool, R*);                                                    \
+    template Int transform_lines(const TrigPlan<R>&, Way, bool, R*, const Lines&);
 INSTANTIATE(float)
 INSTANTIATE(double)
 

@@ -133,25 +133,27 @@ Verdict verdict(const Int* ipar, const R* fpar)
 }
 
 template <class R>
-Int compute(Way way, R* f, const Lines& lines, ork_dft_descriptor* dft, const Int* ipar, const R* fpar)
+TrigPlan<R> plan_of(const Int* ipar, const R* fpar, const ork_dft_descriptor* dft)
 {
-    const TrigPlan<R> plan{ipar[trig_type], ipar[trig_n], fpar + trig_tables, dft};
-    return transform_lines(plan, way, ipar[trig_unscaled] == 0, f, lines) == 0 ? Int{ok} : Int{transform_failed};
+    return {ipar[trig_type], ipar[trig_n], fpar + trig_tables, dft};
 }
+Int status_of(Int dft_status) { return dft_status == 0 ? ok : transform_failed; }
 
 template <class R>
 void run(Way way, R* f, ork_dft_descriptor** handle, Int* ipar, const R* fpar, Int* stat)
 {
     const Verdict v = verdict(ipar, fpar);
     if (v.status != ok) return refuse(v.code, v.status, ipar, stat);
-    finish(compute(way, f, {1, 1, 0}, *handle, ipar, fpar), ipar, stat);
+    const Int status = transform_line(plan_of(ipar, fpar, *handle), way, ipar[trig_unscaled] == 0, f);
+    finish(status_of(status), ipar, stat);
 }
 
 template <class R>
 Int run_lines(Way way, R* f, const Lines& lines, ork_dft_descriptor** handle, const Int* ipar, const R* fpar)
 {
     const Verdict v = verdict(ipar, fpar);
-    return v.status != ok ? v.status : compute(way, f, lines, *handle, ipar, fpar);
+    if (v.status != ok) return v.status;
+    return status_of(transform_lines(plan_of(ipar, fpar, *handle), way, ipar[trig_unscaled] == 0, f, lines));
 }
 
 void free_transform(ork_dft_descriptor** handle, Int* ipar, Int* stat)
