@@ -9,6 +9,7 @@
 #include "ork/abi/pde.h"
 #include "ork/ork.h"
 #include "peers/libraries.h"
+#include "peers/reference_dft.h"
 
 namespace ork::peers {
 namespace {
@@ -104,6 +105,36 @@ public:
         }
         std::fill_n(f_.data(), f_.size(), R(0));
         return worst < INFINITY ? "" : "the result is wrong";
+    }
+
+    // The sums are the real or imaginary parts of a Fourier transform of up to 8n numbers, most of them zero.
+    double error(const Entrant& run) override
+    {
+        const bool both = case_.type > 3, halves = case_.type > 1, sine = case_.type % 5 == 0 || case_.type == 3;
+        const auto place = [&](int i, bool half) { // of number i, in steps or half steps
+            return static_cast<size_t>(!halves ? i + first_ : half ? 2 * i + 1 : i + (case_.type == 3 ? 1 : 0));
+        };
+        std::vector<LongPair> x(static_cast<size_t>(case_.n) * (both ? 8 : halves ? 4 : 2));
+        Random random;
+        for (int i = 0; i < count_; ++i) {
+            R& value = f_[static_cast<size_t>(first_ + i)];
+            value = random.next<R>();
+            const bool end = case_.type == 1 && (i == 0 || i == case_.n);
+            const bool half_end =
+                halves && !both && !case_.backward && i == (case_.type == 2 ? 0 : case_.n - 1); // at whole steps
+            x[place(i, both || case_.backward)].re = (end || half_end ? 1.0L : 2.0L) * static_cast<long double>(value);
+        }
+        reference_dft(x, {static_cast<int>(x.size())}, -1);
+        run(1);
+        long double error = 0, norm = 0;
+        for (int k = 0; k < count_; ++k) {
+            const LongPair& sum = x[place(k, both || !case_.backward)];
+            const long double want = sine ? -sum.im : sum.re;
+            const long double off = static_cast<long double>(f_[static_cast<size_t>(first_ + k)]) - want;
+            error += off * off, norm += want * want;
+        }
+        std::fill_n(f_.data(), f_.size(), R(0));
+        return static_cast<double>(std::sqrt(error / norm));
     }
 
 private:

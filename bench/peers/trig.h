@@ -25,6 +25,7 @@ public:
     virtual Entrant ork() = 0;                         // empty where there is no such kernel
     virtual Entrant planned(const Library& fftw) = 0;  // empty where it can't
     virtual std::string check(const Entrant& run) = 0; // what is wrong with a result; leaves zeros, which stay so
+    virtual double error(const Entrant& run) = 0; // relative L2 error of random numbers against sums in long double
 };
 std::unique_ptr<TrigProblem> make_trig(const TrigCase& c);
 

@@ -7,6 +7,7 @@
 
 #include "bench/fft_family.h"
 #include "bench/result.h"
+#include "bench/trig_family.h"
 #include "commands.h"
 #include "ork/ork.h"
 #include "terminal.h"
@@ -128,8 +129,9 @@ void require_all(const Options& options, const bench::Selection& selection)
 int run(const Options& options)
 {
     const bench::Selection selection = selection_from(options);
-    if ((options.accuracy || options.planning) && options.families != std::vector<std::string>{"fft"})
-        throw std::runtime_error("--accuracy and --planning are of the family fft alone");
+    const auto only = [&](const char* family) { return options.families == std::vector<std::string>{family}; };
+    if ((options.accuracy && !only("fft") && !only("trig")) || (options.planning && !only("fft")))
+        throw std::runtime_error("--accuracy is of the families fft and trig, --planning of fft alone");
     const Cases cases = cases_of(options, selection);
     require_all(options, selection);
     for (const std::string& file : {options.json, options.svg}) // rather now than after an hour of measuring
@@ -141,7 +143,7 @@ int run(const Options& options)
     ork_set_num_threads(options.threads);
     if (options.accuracy || options.planning) {
         print_libraries(libraries, notes);
-        if (options.accuracy) bench::show_accuracy(selection, libraries);
+        if (options.accuracy) (only("trig") ? bench::show_trig_accuracy : bench::show_accuracy)(selection, libraries);
         if (options.planning) bench::show_planning(selection, libraries);
         return 0;
     }

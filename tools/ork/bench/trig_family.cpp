@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <fmt/format.h>
 
-#include "bench/family.h"
+#include "bench/trig_family.h"
+#include "peers/reference_dft.h"
 #include "peers/trig.h"
 
 namespace ork::tool::bench {
@@ -54,6 +55,43 @@ std::vector<Case> trig_cases(const Selection& selection)
         }
     }
     return cases;
+}
+
+void show_trig_accuracy(const Selection& selection, const std::vector<peers::Library>& libraries)
+{
+    struct Column {
+        const char* title;
+        int type;
+        bool backward;
+    };
+    const Column columns[] = {{"0", 0, false}, {"1", 1, false},     {"2", 2, false}, {"2 back", 2, true},
+                              {"3", 3, false}, {"3 back", 3, true}, {"4", 4, false}, {"5", 5, false}};
+    auto sizes = shapes_of(selection.sizes);
+    if (selection.sizes.empty())
+        for (const int n : {64, 100, 127, 128, 256, 999, 1000, 1009, 1024, 4096, 16384, 65536})
+            sizes.push_back({n, n, n});
+    for (const bool single : {false, true}) {
+        fmt::print("\n{} precision, relative L2 error against sums in long double\n{:>8}{:>12}",
+                   single ? "single" : "double", "n", "real DFT");
+        for (const Column& column : columns) fmt::print("{:>10}", column.title);
+        fmt::print("{:>12}\n", "worst/DFT");
+        for (const Shape& shape : sizes) {
+            if (!shape.square() || shape.n < 3) continue;
+            peers::FftProblem whole({true, single, false, false, {shape.n}});
+            const auto dft = libraries.front().transform(whole.what(), whole.in(), whole.out());
+            const double of_dft = peers::accuracy(whole, *dft);
+            fmt::print("{:>8}{:>12.3g}", shape.n, of_dft);
+            double worst = 0;
+            for (const Column& column : columns) {
+                const auto problem = peers::make_trig({single, column.type, column.backward, shape.n});
+                const double error = problem->error(problem->ork());
+                worst = std::max(worst, error);
+                fmt::print("{:>10.3g}", error);
+            }
+            fmt::print("{:>12.2f}\n", worst / of_dft);
+            std::fflush(stdout);
+        }
+    }
 }
 
 } // namespace ork::tool::bench
