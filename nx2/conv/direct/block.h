@@ -147,20 +147,23 @@ inline __attribute__((always_inline)) void store_block(const Block<W, parts, reg
     store_results<parts>(result, z, lines.z_stride, count);
 }
 
-// Whole blocks from output k of a line on, all outputs of which meet all taps.
+// Outputs [k, end) of a line in blocks of which every output meets the same taps, or zeros beside the signal. Of the
+// last block some may not be wanted.
 template <int registers, class T, class W, int parts>
-[[gnu::noinline]] void sum_whole(const Lines<T, W, parts>& lines, const Pairs<W>& pairs, Int k, Int blocks, T* z)
+[[gnu::noinline]] void sum_whole(const Lines<T, W, parts>& lines, const Pairs<W>& pairs, Int k, Int end, T* z)
 {
     using B = Block<W, parts, registers>;
-    const Int taps = lines.tap_count;
-    const Int start = parts * (lines.first + k - (taps - 1));
-    for (Int number = 0; number < blocks; ++number) {
+    for (; k < end; k += B::width) {
+        const Int m = lines.first + k;
+        const Met met = taps_met(lines.tap_count, lines.signal_count, m, B::width);
+        const Int skipped = parts * met.begin, start = parts * (m - (lines.tap_count - 1)) + skipped;
         B block;
         block.clear();
         for_each_pair(
-            pairs, [&](const W* tap, const W* signal)
-                       __attribute__((always_inline)) { block.add(tap, signal + start + number * B::numbers, taps); });
-        store_block(block, lines, z + parts * (k + number * B::width) * lines.z_stride, B::width);
+            pairs, [&](const W* tap, const W* signal) __attribute__((always_inline)) {
+                block.add(tap + skipped, signal + start, met.end - met.begin);
+            });
+        store_block(block, lines, z + parts * k * lines.z_stride, end - k < B::width ? end - k : B::width);
     }
 }
 
@@ -224,7 +227,7 @@ inline void choose_block(Int registers_left, Call block)
 }
 
 // With no more taps than these, the outputs at both ends of a line, which meet some of them only, are summed one by
-// one, and the last whole block may begin among outputs that are done.
+// one.
 inline constexpr Int few_taps = 16;
 
 // Outputs [k, end) of a line.
@@ -233,8 +236,8 @@ void sum_consecutive(const Lines<T, W, parts>& lines, const Pairs<W>& pairs, Int
 {
     constexpr int most = most_registers<parts>;
     constexpr Int per_register = Vec<W>::lanes / parts, width = most * per_register;
-    const Int whole = lines.tap_count - 1 - lines.first, past = lines.signal_count - lines.first;
-    const Int whole_end = past < end ? past : end;
+    const Int whole = lines.padded ? k : lines.tap_count - 1 - lines.first;
+    const Int past = lines.padded ? end : lines.signal_count - lines.first, whole_end = past < end ? past : end;
     const bool few = lines.tap_count <= few_taps;
     while (k < end && k < whole) {
         const Int count = few ? 1 : end - k < width ? end - k : width;
@@ -245,34 +248,25 @@ void sum_consecutive(const Lines<T, W, parts>& lines, const Pairs<W>& pairs, Int
         k += count;
     }
     const Int begin = k;
-    if (const Int blocks = (whole_end - k) / width; whole_end >= k + width) {
-        sum_whole<most>(lines, pairs, k, blocks, z);
-        k += blocks * width;
+    if (k + width <= whole_end) {
+        k += (whole_end - k) / width * width;
+        sum_whole<most>(lines, pairs, begin, k, z);
     }
-    if (few) {
-        while (k < whole_end)
-            choose_block<parts>((whole_end - k + per_register - 1) / per_register,
-                                [&]<int registers>(std::integral_constant<int, registers>) {
-                                    constexpr Int some = registers * per_register;
-                                    if (whole_end - some >= begin) {
-                                        if (whole_end - k < some) k = whole_end - some;
-                                        sum_whole<registers>(lines, pairs, k, 1, z);
-                                        k += some;
-                                    } else {
-                                        const Int count = whole_end - k < some ? whole_end - k : some;
-                                        sum_block<registers>(lines, pairs, k, count, z);
-                                        k += count;
-                                    }
-                                });
-        for (; k < end; ++k) sum_one(lines, pairs, k, z + parts * k * lines.z_stride);
-    }
-    while (k < end)
-        choose_block<parts>((end - k + per_register - 1) / per_register,
+    const Int rest_end = few ? whole_end : end;
+    while (k < rest_end)
+        choose_block<parts>((rest_end - k + per_register - 1) / per_register,
                             [&]<int registers>(std::integral_constant<int, registers>) {
-                                const Int some = registers * per_register, count = end - k < some ? end - k : some;
-                                sum_block<registers>(lines, pairs, k, count, z);
-                                k += count;
+                                constexpr Int some = registers * per_register;
+                                const Int next = rest_end - k < some ? rest_end : k + some;
+                                // A last block that meets all taps may begin among the outputs that are done.
+                                const Int from = few && next - some >= begin ? next - some : k;
+                                if (lines.padded || from + some <= whole_end)
+                                    sum_whole<registers>(lines, pairs, from, next, z);
+                                else
+                                    sum_block<registers>(lines, pairs, k, next - k, z);
+                                k = next;
                             });
+    for (; k < end; ++k) sum_one(lines, pairs, k, z + parts * k * lines.z_stride);
 }
 
 } // namespace ork::conv

@@ -115,20 +115,25 @@ private:
     }
 };
 
-// Outputs k .. k + outputs - 1 of a line, which all meet the taps [begin, end).
+// Outputs k .. of a line, `groups` times `outputs` of them, which all meet the taps [begin, end).
 template <int outputs, int chains, class T, class W, int parts>
-[[gnu::noinline]] void sum_dots(const Lines<T, W, parts>& lines, const Pairs<W>& pairs, Int k, Int begin, Int end, T* z)
+[[gnu::noinline]] void sum_dots(const Lines<T, W, parts>& lines, const Pairs<W>& pairs, Int k, Int groups, Int begin,
+                                Int end, T* z)
 {
-    const Int at = lines.first + k * lines.step - (lines.tap_count - 1) + begin;
-    Dots<W, parts, outputs, chains> dots;
-    for_each_pair(
-        pairs, [&](const W* tap, const W* signal) __attribute__((always_inline)) {
-            dots.add(tap + parts * begin, signal + parts * at, parts * lines.step, end - begin);
-        });
+    Int at = parts * (lines.first + k * lines.step - (lines.tap_count - 1) + begin);
+    const Int apart = parts * lines.step, z_apart = parts * lines.z_stride;
+    z += k * z_apart;
+    for (; groups > 0; --groups, at += outputs * apart, z += outputs * z_apart) {
+        Dots<W, parts, outputs, chains> dots;
+        for_each_pair(
+            pairs, [&](const W* tap, const W* signal) __attribute__((always_inline)) {
+                dots.add(tap + parts * begin, signal + at, apart, end - begin);
+            });
 #pragma GCC unroll 4
-    for (int g = 0; g < outputs; ++g) {
-        const Vec<W> result[1] = {dots.result(g, lines.conjugate)};
-        store_results<parts>(result, z + parts * (k + g) * lines.z_stride, lines.z_stride, 1);
+        for (int g = 0; g < outputs; ++g) {
+            const Vec<W> result[1] = {dots.result(g, lines.conjugate)};
+            store_results<parts>(result, z + g * z_apart, lines.z_stride, 1);
+        }
     }
 }
 
@@ -137,16 +142,19 @@ template <class T, class W, int parts>
 void sum_apart(const Lines<T, W, parts>& lines, const Pairs<W>& pairs, Int k, Int end, T* z)
 {
     while (k < end) {
-        const Int m = lines.first + k * lines.step, fourth = m + 3 * lines.step;
-        if (end - k >= 4 && m >= lines.tap_count - 1 && fourth < lines.signal_count) {
-            sum_dots<4, 1>(lines, pairs, k, 0, lines.tap_count, z);
-            k += 4;
-        } else {
-            const Int from = m < lines.tap_count - 1 ? lines.tap_count - 1 - m : 0;
-            const Int past = m < lines.signal_count ? 0 : m - (lines.signal_count - 1);
-            sum_dots<1, 4>(lines, pairs, k, from, lines.tap_count - past, z);
-            ++k;
+        const Int m = lines.first + k * lines.step;
+        if (m >= lines.tap_count - 1 && m < lines.signal_count) {
+            const Int whole = (lines.signal_count - 1 - m) / lines.step + 1, left = end - k;
+            if (const Int groups = (whole < left ? whole : left) / 4; groups > 0) {
+                sum_dots<4, 1>(lines, pairs, k, groups, 0, lines.tap_count, z);
+                k += 4 * groups;
+                continue;
+            }
         }
+        const Int from = m < lines.tap_count - 1 ? lines.tap_count - 1 - m : 0;
+        const Int past = m < lines.signal_count ? 0 : m - (lines.signal_count - 1);
+        sum_dots<1, 4>(lines, pairs, k, 1, from, lines.tap_count - past, z);
+        ++k;
     }
 }
 

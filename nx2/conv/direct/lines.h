@@ -28,11 +28,13 @@ struct Lines {
     Int z_count, z_stride;
     Int first, step;
     bool conjugate; // the results
+    bool padded;    // every block of outputs may be summed as if it met all taps: beside the signal stand zeros
     int outer_count;
     Outer outer[max_dims - 1];
 };
 
-// The pairs of lines that meet in one line of z: all in `count` steps of every dimension from the first one on.
+// The pairs of lines that meet in one line of z: all in `count` steps of every dimension from the first one on. There
+// is one when there are no dimensions.
 template <class W>
 struct Pairs {
     const W *taps, *signal;
@@ -46,6 +48,7 @@ inline Pairs<W> pairs_of(const Lines<T, W, parts>& lines, Int number, T** z)
 {
     Pairs<W> pairs;
     pairs.taps = lines.taps, pairs.signal = lines.signal, pairs.dims = 0;
+    pairs.count[0] = 1;
     *z = lines.z;
     for (int d = 0; d < lines.outer_count; ++d) {
         const Outer& n = lines.outer[d];
@@ -67,15 +70,20 @@ inline Pairs<W> pairs_of(const Lines<T, W, parts>& lines, Int number, T** z)
 template <class W, class Visit>
 inline __attribute__((always_inline)) void for_each_pair(const Pairs<W>& pairs, Visit visit)
 {
-    const W *taps = pairs.taps, *signal = pairs.signal;
+    const W *first_taps = pairs.taps, *first_signal = pairs.signal;
     Int index[max_dims - 1] = {};
     for (;;) {
-        visit(taps, signal);
-        for (int d = 0;; ++d) {
-            if (d == pairs.dims) return;
-            taps += pairs.taps_step[d], signal += pairs.signal_step[d];
+        const W *taps = first_taps, *signal = first_signal;
+        for (Int left = pairs.count[0];;) {
+            visit(taps, signal);
+            if (--left == 0) break;
+            taps += pairs.taps_step[0], signal += pairs.signal_step[0];
+        }
+        for (int d = 1;; ++d) {
+            if (d >= pairs.dims) return;
+            first_taps += pairs.taps_step[d], first_signal += pairs.signal_step[d];
             if (++index[d] < pairs.count[d]) break;
-            taps -= pairs.count[d] * pairs.taps_step[d], signal -= pairs.count[d] * pairs.signal_step[d];
+            first_taps -= pairs.count[d] * pairs.taps_step[d], first_signal -= pairs.count[d] * pairs.signal_step[d];
             index[d] = 0;
         }
     }

@@ -2,6 +2,10 @@
 // One plan carried out: copies of the operands, lines divided among threads.
 #pragma once
 
+#include <algorithm>
+#include <bit>
+#include <limits>
+
 #include "conv/direct/block.h"
 #include "conv/direct/dots.h"
 #include "conv/direct/plan.h"
@@ -44,22 +48,24 @@ inline void copy_line(const T* from, Int stride, Int count, bool conjugate, W* t
     }
 }
 
-// An operand as lines of dimension `along`, the other dimensions in their order. Strides are changed to those of the
-// copy.
+// An operand as lines of dimension `along`, the other dimensions in their order, with zeros before and after each line.
+// Strides are changed to those of the copy; the result is the first line's first element.
 template <int parts, class T, class W>
-void copy_operand(const Operand& operand, int dims, int along, bool reverse, bool conjugate, W* to,
-                  Int (&stride)[max_dims])
+W* copy_operand(const Operand& operand, int dims, int along, bool reverse, bool conjugate, W* to, Int before, Int after,
+                Int (&stride)[max_dims])
 {
     const Int count = operand.extent[along];
     const Int step = reverse ? -operand.stride[along] : operand.stride[along];
     const T* from = static_cast<const T*>(operand.data) + (reverse ? parts * (count - 1) * operand.stride[along] : 0);
-    Int tight = count;
+    Int tight = before + count + after;
     for (int d = 0; d < dims; ++d)
         if (d != along) stride[d] = tight, tight *= operand.extent[d];
+    W* const result = to + parts * before;
     Int index[max_dims] = {};
     for (;;) {
+        to = std::fill_n(to, parts * before, W(0));
         copy_line<parts>(from, step, count, conjugate, to);
-        to += parts * count;
+        to = std::fill_n(to + parts * count, parts * after, W(0));
         int d = 0;
         for (; d < dims; ++d) {
             if (d == along) continue;
@@ -68,8 +74,19 @@ void copy_operand(const Operand& operand, int dims, int along, bool reverse, boo
             from -= parts * operand.extent[d] * operand.stride[d];
             index[d] = 0;
         }
-        if (d == dims) return;
+        if (d == dims) return result;
     }
+}
+
+// Whether no number is infinite or a NaN. Looks at bits: a comparison would raise a flag.
+template <class W>
+bool all_finite(const W* numbers, Int count)
+{
+    using Bits = std::conditional_t<sizeof(W) == 8, std::uint64_t, std::uint32_t>;
+    constexpr Bits exponent = std::bit_cast<Bits>(std::numeric_limits<W>::infinity());
+    for (Int i = 0; i < count; ++i)
+        if ((std::bit_cast<Bits>(numbers[i]) & exponent) == exponent) return false;
+    return true;
 }
 
 // The work that a thread is given at once, in products of registers: some tens of microseconds.
@@ -110,7 +127,7 @@ void sum_part(void* context, std::int64_t k)
 
 // By sizes only: the parts are the same for any number of threads.
 template <class T, class W, int parts>
-void sum_lines(const Lines<T, W, parts>& lines, Int line_count, double products)
+void sum_lines(const Lines<T, W, parts>& lines, Int line_count, double products, bool dots)
 {
     constexpr int lanes = Vec<W>::lanes;
     Division<T, W, parts> division{.lines = &lines,
@@ -118,7 +135,7 @@ void sum_lines(const Lines<T, W, parts>& lines, Int line_count, double products)
                                    .lines_per_part = line_count,
                                    .segments_per_line = 1,
                                    .segment_length = lines.z_count,
-                                   .dots = by_dots(lines.z_count, lines.step, lines.tap_count, lanes, parts)};
+                                   .dots = dots};
     const double work = products / lanes / registers_per_part;
     if (work < 2) return sum_part<T, W, parts>(&division, 0);
     const double work_per_line = work / static_cast<double>(line_count);
@@ -147,24 +164,30 @@ int sum_planned(const Problem& problem, const Plan& plan)
     const Dimension& line = problem.dimension[along];
 
     Int strides[2][max_dims]; // of taps and signal
-    Int taps_size = parts, signal_size = parts, line_count = 1;
+    Int taps_size = parts, signal_lines_count = 1, line_count = 1;
     for (int d = 0; d < problem.dims; ++d) {
-        taps_size = times(taps_size, taps.extent[d]), signal_size = times(signal_size, signal.extent[d]);
-        if (d != along) line_count = times(line_count, problem.dimension[d].z);
+        taps_size = times(taps_size, taps.extent[d]);
+        if (d != along) {
+            signal_lines_count = times(signal_lines_count, signal.extent[d]);
+            line_count = times(line_count, problem.dimension[d].z);
+        }
         strides[1][d] = signal.stride[d];
     }
     Work<W> taps_memory, signal_memory;
     W* tap_lines = taps_memory.allocate(taps_size);
     if (tap_lines == nullptr) return ORK_CONV_NO_WORK_MEMORY;
     // conj(x) y = conj(x conj(y)): when x is the signal, the taps and the results are conjugated in its place.
-    copy_operand<parts, T>(taps, problem.dims, along, true, problem.conjugate_x, tap_lines, strides[0]);
-    const bool copied = !std::is_same_v<T, W> || signal.stride[along] != 1;
+    copy_operand<parts, T>(taps, problem.dims, along, true, problem.conjugate_x, tap_lines, 0, 0, strides[0]);
+    const Int tap_count = taps.extent[along], signal_count = signal.extent[along];
+    const double touched =
+        plan.products / (parts * parts * static_cast<double>(times(signal_lines_count, signal_count)));
+    const bool in_place = std::is_same_v<T, W> && signal.stride[along] == 1;
     const bool conjugate = problem.conjugate_x && plan.signal == 0;
-    if (problem.dims == 1 && copied && plan.products <= 2.0 * parts * static_cast<double>(signal_size)) {
+    if (problem.dims == 1 && !in_place && touched <= 2) {
         sum_scattered(Scattered<T, W, parts>{.taps = tap_lines,
                                              .signal = static_cast<const T*>(signal.data),
-                                             .tap_count = taps.extent[0],
-                                             .signal_count = signal.extent[0],
+                                             .tap_count = tap_count,
+                                             .signal_count = signal_count,
                                              .signal_stride = signal.stride[0],
                                              .z = static_cast<T*>(problem.z),
                                              .z_count = line.z,
@@ -174,18 +197,26 @@ int sum_planned(const Problem& problem, const Plan& plan)
                                              .conjugate = conjugate});
         return ORK_CONV_OK;
     }
+    // Zeros at the ends of lines spare blocks there what they don't meet; an infinite tap must not meet such a zero.
+    constexpr Int width = most_registers<parts> * Vec<W>::lanes / parts;
+    const bool dots = by_dots(line.z, line.step, tap_count, Vec<W>::lanes, parts);
+    const bool padded = problem.dims > 1 && !dots && (!in_place || touched >= 48 || signal_count < 8 * width) &&
+                        all_finite(tap_lines, taps_size);
     const W* signal_lines = nullptr;
+    Int margin = 0;
     if constexpr (std::is_same_v<T, W>) signal_lines = static_cast<const W*>(signal.data);
-    if (copied) {
-        W* copy = signal_memory.allocate(signal_size);
+    if (!in_place || padded) {
+        margin = padded ? tap_count - 1 : 0;
+        const Int after = padded ? margin + width : 0;
+        W* copy = signal_memory.allocate(times(signal_lines_count, parts * (margin + signal_count + after)));
         if (copy == nullptr) return ORK_CONV_NO_WORK_MEMORY;
-        copy_operand<parts, T>(signal, problem.dims, along, false, false, copy, strides[1]);
-        signal_lines = copy;
+        signal_lines =
+            copy_operand<parts, T>(signal, problem.dims, along, false, false, copy, margin, after, strides[1]);
     }
 
     Lines<T, W, parts> lines;
-    lines.taps = tap_lines, lines.tap_count = taps.extent[along];
-    lines.signal = signal_lines, lines.signal_count = signal.extent[along];
+    lines.taps = tap_lines, lines.tap_count = tap_count;
+    lines.signal = signal_lines, lines.signal_count = signal_count, lines.padded = padded;
     lines.z = static_cast<T*>(problem.z), lines.z_count = line.z, lines.z_stride = line.z_stride;
     lines.first = plan.first[along], lines.step = line.step;
     lines.conjugate = conjugate;
@@ -202,7 +233,7 @@ int sum_planned(const Problem& problem, const Plan& plan)
                                             .first = plan.first[d],
                                             .step = n.step};
     }
-    sum_lines(lines, line_count, plan.products);
+    sum_lines(lines, line_count, plan.products, dots);
     return ORK_CONV_OK;
 }
 
