@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "hooks.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdarg>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <dlfcn.h>
 #include <utility>
 
@@ -99,6 +102,20 @@ void ork_serv_deallocate(void* memory)
 {
     live_allocations -= memory != nullptr;
     std::free(memory);
+}
+
+void* ork_serv_malloc(size_t size, size_t alignment)
+{
+    if (allocation_fails()) return nullptr;
+    const Uncounted uncounted;
+    alignment = std::max(alignment, alignof(std::max_align_t));
+    return std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);
+}
+
+void* ork_serv_calloc(size_t count, size_t size, size_t alignment, int64_t)
+{
+    void* const memory = ork_serv_malloc(count * size, alignment);
+    return memory == nullptr ? nullptr : std::memset(memory, 0, count * size);
 }
 
 #ifndef __SANITIZE_ADDRESS__

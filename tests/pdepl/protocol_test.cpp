@@ -42,6 +42,7 @@ TEST_F(Protocol, StatesThatStagesAccept)
         p.ipar[0] = state;
         EXPECT_EQ(p.commit(), commits ? pde::ok : pde::bad_state);
         EXPECT_EQ(printed(), commits ? "" : "<10><11><56 " + std::to_string(state) + "><57><58>");
+        EXPECT_EQ(p.free(), pde::ok);
         p.ready();
         p.ipar[0] = state;
         const auto before = p.f.values();
