@@ -88,6 +88,7 @@ std::vector<Case> trig_cases(const Selection& selection);
 std::vector<Case> thread_cases(const Selection& selection);
 std::vector<Case> fft_cases(const Selection& selection);
 std::vector<Case> poisson_cases(const Selection& selection);
+std::vector<Case> conv_cases(const Selection& selection);
 
 // Every library that has the problem's routine, checked one after another.
 Contest contest(std::unique_ptr<peers::Problem> problem, const std::vector<peers::Library>& libraries);
