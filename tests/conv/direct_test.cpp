@@ -82,7 +82,7 @@ TYPED_TEST(DirectSums, OfGridsOfAnyShapeStrideStartAndDecimation)
     Random random(7);
     for (int count = 0; count < 400; ++count) {
         const Int dims = random.integer(1, 4), most = dims == 1 ? 90 : dims == 2 ? 24 : 7;
-        Setup setup{.job = count % 2 == 0 ? ORK_CONV_CONVOLUTION : ORK_CONV_CORRELATION};
+        Setup setup{.x = {}, .y = {}, .job = count % 2 == 0 ? ORK_CONV_CONVOLUTION : ORK_CONV_CORRELATION};
         for (Int d = 0; d < dims; ++d) {
             const Int x = random.integer(1, most), y = random.integer(1, most), first = random.integer(0, x + y - 2);
             const Int step = random.integer(1, count % 3 == 0 ? 3 : 1), all = (x + y - 2 - first) / step + 1;

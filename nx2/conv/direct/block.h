@@ -9,6 +9,7 @@
 #pragma once
 
 #include "conv/direct/lines.h"
+#include "conv/direct/plan.h"
 #include "conv/direct/result.h"
 #include "simd/complex.h"
 
@@ -226,10 +227,6 @@ inline void choose_block(Int registers_left, Call block)
         block(std::integral_constant<int, 2>());
 }
 
-// With no more taps than these, the outputs at both ends of a line, which meet some of them only, are summed one by
-// one.
-inline constexpr Int few_taps = 16;
-
 // Outputs [k, end) of a line.
 template <class T, class W, int parts>
 void sum_consecutive(const Lines<T, W, parts>& lines, const Pairs<W>& pairs, Int k, Int end, T* z)
@@ -238,7 +235,7 @@ void sum_consecutive(const Lines<T, W, parts>& lines, const Pairs<W>& pairs, Int
     constexpr Int per_register = Vec<W>::lanes / parts, width = most * per_register;
     const Int whole = lines.padded ? k : lines.tap_count - 1 - lines.first;
     const Int past = lines.padded ? end : lines.signal_count - lines.first, whole_end = past < end ? past : end;
-    const bool few = lines.tap_count <= few_taps;
+    const bool few = lines.tap_count <= few_taps(parts);
     while (k < end && k < whole) {
         const Int count = few ? 1 : end - k < width ? end - k : width;
         if (few)

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 #include <limits>
 
 #include "conv/direct/block.h"
@@ -42,6 +43,17 @@ private:
 template <int parts, class T, class W>
 inline void copy_line(const T* from, Int stride, Int count, bool conjugate, W* to)
 {
+    if (stride == 1 && !conjugate) {
+        const Int numbers = parts * count;
+        if constexpr (std::is_same_v<T, W>) {
+            std::memcpy(to, from, static_cast<std::size_t>(numbers) * sizeof(W));
+        } else {
+            Int i = 0;
+            for (; i + 2 <= numbers; i += 2) store(to + i, Vec<W>{_mm_cvtps_pd(load_low(from + i).v)});
+            if (i < numbers) to[i] = from[i];
+        }
+        return;
+    }
     for (Int i = 0; i < count; ++i, from += parts * stride, to += parts) {
         to[0] = from[0];
         if constexpr (parts == 2) to[1] = conjugate ? -W(from[1]) : W(from[1]);
@@ -197,21 +209,20 @@ int sum_planned(const Problem& problem, const Plan& plan)
                                              .conjugate = conjugate});
         return ORK_CONV_OK;
     }
-    // Zeros at the ends of lines spare blocks there what they don't meet; an infinite tap must not meet such a zero.
-    constexpr Int width = most_registers<parts> * Vec<W>::lanes / parts;
     const bool dots = by_dots(line.z, line.step, tap_count, Vec<W>::lanes, parts);
-    const bool padded = problem.dims > 1 && !dots && (!in_place || touched >= 48 || signal_count < 8 * width) &&
-                        all_finite(tap_lines, taps_size);
+    Copy copied = copy_of_signal(problem.dims, in_place, dots, touched, signal_count, Vec<W>::lanes / parts);
+    // An infinite tap must not meet a zero that is none of the signal.
+    if (copied == Copy::padded && !all_finite(tap_lines, taps_size)) copied = in_place ? Copy::none : Copy::tight;
+    const bool padded = copied == Copy::padded;
     const W* signal_lines = nullptr;
-    Int margin = 0;
     if constexpr (std::is_same_v<T, W>) signal_lines = static_cast<const W*>(signal.data);
-    if (!in_place || padded) {
-        margin = padded ? tap_count - 1 : 0;
-        const Int after = padded ? margin + width : 0;
-        W* copy = signal_memory.allocate(times(signal_lines_count, parts * (margin + signal_count + after)));
+    if (copied != Copy::none) {
+        constexpr Int width = most_registers<parts> * Vec<W>::lanes / parts;
+        const Int before = padded ? tap_count - 1 : 0, after = padded ? before + width : 0;
+        W* copy = signal_memory.allocate(times(signal_lines_count, parts * (before + signal_count + after)));
         if (copy == nullptr) return ORK_CONV_NO_WORK_MEMORY;
         signal_lines =
-            copy_operand<parts, T>(signal, problem.dims, along, false, false, copy, margin, after, strides[1]);
+            copy_operand<parts, T>(signal, problem.dims, along, false, false, copy, before, after, strides[1]);
     }
 
     Lines<T, W, parts> lines;
