@@ -5,6 +5,7 @@ import os
 import subprocess
 import sys
 import unittest
+from pathlib import Path
 
 import numpy as np
 
@@ -222,6 +223,14 @@ class Convolution(unittest.TestCase):
 
 
 class Library(unittest.TestCase):
+    def test_the_program_of_the_page(self):
+        page = (Path(__file__).resolve().parents[2] / "docs" / "python.md").read_text()
+        names = {}
+        exec(page.split("```python\n")[1].split("```")[0], names)
+        self.assertTrue(0 < names["u"][50, 49] < names["u"][50, 50])
+        self.assertTrue(np.array_equal(names["y"], np.r_[1, np.zeros(998), 1]))
+        self.assertEqual(names["peaks"].shape, (10049,))
+
     def test_threads(self):
         self.assertRegex(ork.version(), r"^\d+\.\d+\.\d+$")
         ork.set_threads(1)
