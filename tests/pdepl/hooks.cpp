@@ -16,11 +16,11 @@
 
 namespace ork::test {
 
-int live_allocations = 0;
-std::size_t latest_alignment = 0;
+std::atomic<int> live_allocations = 0;
+std::atomic<std::size_t> latest_alignment = 0;
 
 namespace {
-int until_failure = 0; // 0: none fails
+std::atomic<int> until_failure = 0; // 0: none fails
 
 bool allocation_fails() { return until_failure > 0 && --until_failure == 0; }
 
@@ -30,7 +30,7 @@ public:
     ~Uncounted() { until_failure = kept_; }
 
 private:
-    int kept_ = std::exchange(until_failure, 0);
+    int kept_ = until_failure.exchange(0);
 };
 } // namespace
 

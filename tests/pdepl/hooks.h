@@ -3,6 +3,7 @@
 // numbers and arguments, allocations can fail, those inside the core too.
 #pragma once
 
+#include <atomic>
 #include <string>
 #include <vector>
 
@@ -23,8 +24,8 @@ struct Hooks {
 Hooks& hooks();
 
 // Work memory of kernels and stages.
-extern int live_allocations;
-extern std::size_t latest_alignment;
+extern std::atomic<int> live_allocations; // stages have threads
+extern std::atomic<std::size_t> latest_alignment;
 
 // While it lives, the allocation of this number, counted from 1, gives null.
 class FailingAllocation {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The interface: refused pointers, steps out of order, messages and where they go, transforms and spheres.
+// The interface: refused pointers, messages and where they go, transforms and spheres.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -77,21 +77,6 @@ TEST(PdeInterface, NullPointersAreRefusedAndTouchNothing)
     EXPECT_EQ(ork_free_trig_transform(nullptr, nullptr), ORK_PDE_BAD_ARGUMENT);
     EXPECT_EQ(ork_d_init_sph_p(0, 1, 0, 1, 4, 4, 0, nullptr, r), ORK_PDE_BAD_ARGUMENT);
     EXPECT_EQ(ork_d_sph_np(nullptr, x, i, r), ORK_PDE_BAD_ARGUMENT);
-}
-
-TEST(PdeInterface, StepsOutOfOrderAreRefused)
-{
-    Box<float> box({4, 6, 5}, "DNPPNN", 1);
-    ASSERT_EQ(box.commit(), 0);
-    ASSERT_EQ(box.solve(), 0);
-    ASSERT_EQ(ork_free_helmholtz_3d(&box.xhandle, &box.yhandle, box.ipar), 0);
-    EXPECT_EQ(box.solve(), ORK_PDE_BAD_STATE);
-    EXPECT_EQ(ork_s_commit_helmholtz_3d(&box.xhandle, &box.yhandle, box.ipar, box.rpar.data()), ORK_PDE_BAD_STATE);
-    ASSERT_EQ(box.commit(), 0) << "init clears";
-    box.ipar[12] = 1000;
-    EXPECT_EQ(box.solve(), ORK_PDE_BAD_ARGUMENT) << "another nx than commit's";
-    box.ipar[12] = 4, box.ipar[0] = 0;
-    EXPECT_EQ(box.solve(), 0);
 }
 
 template <class R>
