@@ -23,27 +23,34 @@ double odd_surcharge(Int n)
     return n == 1 ? charge : 3;
 }
 
-// Nanoseconds a number.
-double nanoseconds(Int n, Int bytes)
+// Nanoseconds a real number of a transform that takes so many bytes, in double precision. Beyond the first cache lines
+// take two trips through memory.
+double nanoseconds(double log2_n, Int bytes)
 {
-    const double in_cache = 0.5 + 0.075 * log2_of(n);
-    return bytes <= Int{1} << 20 ? in_cache : bytes <= Int{8} << 20 ? in_cache + 0.15 : in_cache + 0.5;
+    const double passes = 0.15 + 0.1 * log2_n;
+    return passes + (bytes <= 64 << 10    ? 0
+                     : bytes <= 256 << 10 ? 0.4
+                     : bytes <= 2 << 20   ? 0.55
+                     : bytes <= 4 << 20   ? 0.8
+                                          : 1.15);
 }
 
 } // namespace
 
 double seconds_of_line(Int n, Numbers numbers)
 {
-    const Int bytes = times(n, (numbers.is_complex ? 2 : 1) * (numbers.is_double ? 8 : 4));
-    const double factor = (numbers.is_complex ? 1.85 : 1) * (numbers.is_double ? 1 : 0.6);
+    const Int reals = numbers.is_complex ? 2 : 1, bytes = times(n, reals * (numbers.is_double ? 8 : 5));
+    const double factor = (numbers.is_complex ? 0.84 : 1) * (numbers.is_double ? 1 : 0.57);
     const double surcharge = n <= 64 ? 1 : odd_surcharge(n);
-    return 1e-9 * (60 + factor * surcharge * nanoseconds(n, bytes) * static_cast<double>(n));
+    const double numbers_of_line = static_cast<double>(n) * static_cast<double>(reals);
+    return 1e-9 * (25 + factor * surcharge * nanoseconds(log2_of(n) + static_cast<double>(reals - 1), bytes) *
+                            numbers_of_line);
 }
 
 double seconds_of_column(Int n, bool is_double)
 {
     const double surcharge = n <= 64 ? 1 : odd_surcharge(n);
-    return 1e-9 * ((is_double ? 2.4 : 1.25) * surcharge * nanoseconds(n, 0) * static_cast<double>(n));
+    return 1e-9 * ((is_double ? 1 : 0.52) * surcharge * (0.2 + 0.22 * log2_of(n)) * static_cast<double>(n));
 }
 
 Int good_length(Int n)

@@ -39,10 +39,17 @@ void make_tiled(Axis& axis, Int n)
     axis.tiles = (axis.z + axis.outputs - 1) / axis.outputs;
 }
 
-// Nanoseconds of copying a number into a line or out of it, and of multiplying two pairs of numbers.
-constexpr double copy_cost = 0.35, product_cost_double = 0.9, product_cost_single = 0.45;
-// Of starting a tile.
-constexpr double tile_cost = 150;
+// Nanoseconds of copying a number into a line or out of it, of multiplying two pairs of numbers, of starting a tile.
+constexpr double copy_cost = 0.15, product_cost_double = 0.5, product_cost_single = 0.3, tile_cost = 40;
+
+// Nanoseconds that a tile takes longer because it comes and goes through farther caches, together with the filter.
+double memory_cost(double bytes)
+{
+    double rate = 0;
+    for (double near = 512 << 10; near < bytes && rate < 0.5; near *= 2)
+        rate += 0.12 * (bytes < 2 * near ? bytes / near - 1 : 1);
+    return rate * bytes;
+}
 
 double seconds_of(const Shape& s)
 {
@@ -65,8 +72,7 @@ double seconds_of(const Shape& s)
     }
     const double copied = (rows + output_rows) * static_cast<double>(s.axis[0].n) * parts * copy_cost;
     const double multiplied = points * (s.is_double ? product_cost_double : product_cost_single);
-    const double bytes = points * (s.is_double ? 16 : 8);
-    const double memory = s.rank == 1 || bytes < 512 << 10 ? 0 : bytes * (bytes < 16 << 20 ? 0.1 : 0.3);
+    const double memory = memory_cost(points * (s.is_double ? 16 : 8));
     return (filter_rows * line + filter_columns) +
            tiles * ((rows + output_rows) * line + columns + 1e-9 * (copied + multiplied + memory + tile_cost));
 }
