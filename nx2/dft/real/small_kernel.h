@@ -95,8 +95,10 @@ template <class R, int n>
     *x.first = first, *x.last = last;
 }
 
+// Kernels begin with a line of the instruction cache: 48 bytes behind one, that of 64 numbers took 1.4 times as long
+// between the loops of a caller.
 template <class R, int n>
-void even_kernel_forward(R scale, const R* in, const Spectrum<R>& x)
+[[gnu::aligned(64)]] void even_kernel_forward(R scale, const R* in, const Spectrum<R>& x)
 {
     if constexpr (goes_without_twiddles(n)) return coprime_forward<R, n>(scale, in, x);
     constexpr int m = n / 2;
@@ -117,7 +119,7 @@ void even_kernel_forward(R scale, const R* in, const Spectrum<R>& x)
 }
 
 template <class R, int n>
-void even_kernel_backward(R scale, const Spectrum<R>& x, R* out)
+[[gnu::aligned(64)]] void even_kernel_backward(R scale, const Spectrum<R>& x, R* out)
 {
     if constexpr (goes_without_twiddles(n)) return coprime_backward<R, n>(scale, x, out);
     constexpr int m = n / 2;
@@ -163,7 +165,7 @@ void even_kernel_backward(R scale, const Spectrum<R>& x, R* out)
 }
 
 template <class R, int n>
-void odd_kernel_forward(R scale, const R* in, const Spectrum<R>& x)
+[[gnu::aligned(64)]] void odd_kernel_forward(R scale, const R* in, const Spectrum<R>& x)
 {
     R *const body = x.re, *const first = x.first;
     odd_real_dft<n>(in, [=](int k, Vec<R> value) ORK_INLINE_LAMBDA {
@@ -180,7 +182,7 @@ void odd_kernel_forward(R scale, const R* in, const Spectrum<R>& x)
 }
 
 template <class R, int n>
-void odd_kernel_backward(R scale, const Spectrum<R>& x, R* out)
+[[gnu::aligned(64)]] void odd_kernel_backward(R scale, const Spectrum<R>& x, R* out)
 {
     const R *const body = x.re, *const first = x.first;
     odd_real_inverse<n>(
