@@ -149,7 +149,7 @@ std::int32_t run(ork_conv_task& task, const Data& data, bool fixed_x)
     const Problem problem = describe(task, data);
     if (const std::int32_t status = check_outputs(problem); status != ORK_CONV_OK) return status;
     if (transforms(task, problem)) return run_transforms(task, problem, fixed_x);
-    return task.dims == 1 ? sum_line(problem) : sum_grid(problem);
+    return sum_directly(problem);
 }
 
 std::int32_t run_committed(ork_conv_task& task, const Data& data, bool fixed_x)

@@ -50,6 +50,14 @@ double pairs_met(const Problem& problem, const Plan& plan)
     return pairs;
 }
 
+// Counted without sign: of extents that no memory holds, which are only asked for their cost, it may wrap.
+const void* element(const void* first, Int index, Int stride, int bytes)
+{
+    using Count = std::uintptr_t;
+    const Count offset = static_cast<Count>(index) * static_cast<Count>(stride) * static_cast<Count>(bytes);
+    return reinterpret_cast<const void*>(reinterpret_cast<Count>(first) + offset);
+}
+
 // Seconds with lines along dimension d.
 double seconds_along(const Problem& problem, const Plan& plan, double pairs, int d)
 {
@@ -106,8 +114,7 @@ Plan plan_sums(const Problem& problem)
 {
     Plan plan;
     const int parts = problem.is_complex ? 2 : 1, bytes = parts * (problem.is_double ? 8 : 4);
-    const auto* x = static_cast<const char*>(problem.x);
-    const auto* y = static_cast<const char*>(problem.y);
+    plan.operand[0].data = problem.x, plan.operand[1].data = problem.y;
     plan.products = parts * parts;
     for (int d = 0; d < problem.dims; ++d) {
         const Dimension& n = problem.dimension[d];
@@ -115,13 +122,13 @@ Plan plan_sums(const Problem& problem)
         const Int x_from = n.first < n.y ? 0 : n.first - (n.y - 1), x_to = last < n.x ? last + 1 : n.x;
         const Int y_from = n.first < n.x ? 0 : n.first - (n.x - 1), y_to = last < n.y ? last + 1 : n.y;
         const Int x_count = x_to - x_from, y_count = y_to - y_from;
-        x += x_from * n.x_stride * bytes, y += y_from * n.y_stride * bytes;
+        plan.operand[0].data = element(plan.operand[0].data, x_from, n.x_stride, bytes);
+        plan.operand[1].data = element(plan.operand[1].data, y_from, n.y_stride, bytes);
         plan.operand[0].extent[d] = x_count, plan.operand[0].stride[d] = n.x_stride;
         plan.operand[1].extent[d] = y_count, plan.operand[1].stride[d] = n.y_stride;
         plan.first[d] = n.first - x_from - y_from;
         plan.products *= as_double(n.z) * as_double(x_count < y_count ? x_count : y_count);
     }
-    plan.operand[0].data = x, plan.operand[1].data = y;
     plan.along = 0;
     if (problem.dims > 1) {
         const double pairs = pairs_met(problem, plan);
