@@ -111,7 +111,9 @@ TEST_F(Tool, DemoShowsNothingOfAWrongComputation)
                                        {"structure", "iterations"},
                                        {"pagerank", "most typical"},
                                        {"residual", "condition"},
-                                       {"rotate", "turned at"}})
+                                       {"rotate", "turned at"},
+                                       {"match", "found at"},
+                                       {"beats", "by the median interval"}})
         for (const char* fault : {"nan", "small"}) {
             const ChildResult run = ork({"demo", demo, "--out", folder},
                                         {"LD_PRELOAD=" ORK_WRONG_BLAS, std::string("ORK_TEST_FAULT=") + fault});
@@ -171,6 +173,29 @@ TEST_F(Tool, DemoTurnsAPhotograph)
     ASSERT_EQ(crop.size(), size_t{300} * 512);
     EXPECT_EQ(crop[0], original[size_t{511} * 512]) << "the lower left corner comes first";
     EXPECT_EQ(crop[299], original[size_t{212} * 512]);
+}
+
+TEST_F(Tool, DemoFindsAPatchAgain)
+{
+    const ChildResult run = ork({"demo", "match", "--out", folder, "--checks"});
+    ASSERT_TRUE(run.ok()) << run.describe();
+    EXPECT_THAT(run.out, ContainsRegex("found at \\(150, 290\\), where it was cut out: score 0.7"));
+    EXPECT_EQ(xml_fault(read(folder / "ork-demo-match.svg")), "");
+    EXPECT_EQ(read(folder / "ork-demo-match.png").substr(1, 3), "PNG");
+    std::ofstream(folder / "ascent.pgm") << "P5\n1 1\n255\n1";
+    EXPECT_THAT(ork({"demo", "match", "--data", folder, "--out", folder}).err, HasSubstr("sides from 350"));
+}
+
+TEST_F(Tool, DemoCountsBeats)
+{
+    const ChildResult run = ork({"demo", "beats", "--out", folder, "--checks"});
+    ASSERT_TRUE(run.ok()) << run.describe();
+    std::smatch beats, by_energy;
+    ASSERT_TRUE(std::regex_search(run.out, beats, std::regex("([0-9]+) beats, ([0-9.]+) a minute")));
+    ASSERT_TRUE(std::regex_search(run.out, by_energy, std::regex("demo ecg counts ([0-9]+)")));
+    EXPECT_NEAR(std::stod(beats[1]), std::stod(by_energy[1]), 3);
+    EXPECT_NEAR(std::stod(beats[1]), std::stod(beats[2]), 5) << "in a minute";
+    EXPECT_EQ(xml_fault(read(folder / "ork-demo-beats.svg")), "");
 }
 
 TEST_F(Tool, DemoClonesAPartOfAPhotograph)

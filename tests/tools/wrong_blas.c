@@ -1,7 +1,8 @@
 /* SPDX-License-Identifier: MIT */
 /* Preloaded in front of ork: a dgemm and a sparse product whose last element is NaN or off by one part in a million,
    transforms of which that holds for the third number, a product through a handle of which it does for the first, an
-   extra-precise product of which it does for the last, and a transposition in place of which it does for the second. */
+   extra-precise product of which it does for the last, a transposition in place of which it does for the second, and
+   a convolution task of which it does for the third. */
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <math.h>
@@ -98,4 +99,15 @@ void cblas_simatcopy(int layout, int trans, int rows, int cols, float alpha, flo
     const char* fault = getenv("ORK_TEST_FAULT");
     if (fault && *fault == 'n') ab[1] = NAN;
     if (fault && *fault == 's') ab[1] *= 1.000001F;
+}
+
+int32_t ork_conv_execx(void* task, const double* y, const int32_t* ystride, double* z, const int32_t* zstride)
+{
+    int32_t (*right)(void*, const double*, const int32_t*, double*, const int32_t*);
+    *(void**)&right = dlsym(RTLD_NEXT, "ork_conv_execx");
+    const int32_t status = right(task, y, ystride, z, zstride);
+    const char* fault = getenv("ORK_TEST_FAULT");
+    if (fault && *fault == 'n') z[2] = NAN;
+    if (fault && *fault == 's') z[2] *= 1.000001;
+    return status;
 }

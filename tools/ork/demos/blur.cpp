@@ -11,11 +11,10 @@
 #include <numeric>
 
 #include "demos/demo.h"
-#include "demos/pgm.h"
+#include "demos/noise.h"
+#include "demos/panels.h"
 #include "demos/transform.h"
 #include "peers/measure.h"
-#include "png.h"
-#include "svg.h"
 
 namespace ork::tool {
 namespace {
@@ -57,22 +56,6 @@ std::vector<double> gaussian(int width, int height)
     const double sum = std::accumulate(h.begin(), h.end(), 0.0);
     for (double& value : h) value /= sum;
     return h;
-}
-
-// Normal deviates by Box and Muller (1958), the same in every run.
-std::vector<double> normal_noise(size_t count)
-{
-    std::vector<double> noise(count);
-    uint64_t state = 1;
-    const auto uniform = [&] { // in (0, 1)
-        state = state * 6364136223846793005u + 1442695040888963407u;
-        return (static_cast<double>(state >> 12) + 0.5) * 0x1p-52;
-    };
-    for (double& value : noise) {
-        const double radius = std::sqrt(-2 * std::log(uniform()));
-        value = noise_level * radius * std::cos(2 * M_PI * uniform());
-    }
-    return noise;
 }
 
 void restore(Restoration& r, const RealTransform& transform)
@@ -160,20 +143,6 @@ void verify(const Restoration& r, const RealTransform& transform, Report& report
     report.check("gradient of what the restored picture minimises", gradient_size, 1e-12);
 }
 
-void draw(const std::string& file, const std::vector<std::pair<std::string, const Picture*>>& pictures)
-{
-    constexpr double margin = 24, side = 400;
-    const double height = side * pictures[0].second->height / pictures[0].second->width;
-    Svg svg(margin + (side + margin) * static_cast<double>(pictures.size()), height + 3 * margin + 8);
-    double x = margin;
-    for (const auto& [title, picture] : pictures) {
-        svg.text(x, margin + 8, title, 14, Svg::Anchor::start, "#111", true);
-        svg.image(x, 2 * margin, side, height, data_uri(png(picture->width, picture->height, picture->pixels)));
-        x += side + margin;
-    }
-    svg.save(file);
-}
-
 void run(const Places& places, Report& report)
 {
     const Picture original = read_pgm(places.data + "/ascent.pgm");
@@ -183,7 +152,7 @@ void run(const Places& places, Report& report)
     Restoration r{original.width, original.height, {}, {}, {}, {}, {}, {}, {}, {}, {}};
     r.original.assign(original.pixels.begin(), original.pixels.end());
     r.spread_function = gaussian(r.width, r.height);
-    r.noise = normal_noise(r.original.size());
+    r.noise = normal_noise(r.original.size(), noise_level);
     const RealTransform transform({r.height, r.width});
     std::vector<double> seconds;
     for (double all = 0; seconds.size() < 3 || (all < 0.1 && seconds.size() < 11); all += seconds.back()) {
@@ -207,9 +176,11 @@ void run(const Places& places, Report& report)
         report.picture(file);
     }
     const std::string file = places.out + "/ork-demo-blur.svg";
-    draw(file, {{"Original", &original},
-                {fmt::format("Blurred, with noise: {:.2f} dB", before), &blurred},
-                {fmt::format("Restored: {:.2f} dB", after), &restored}});
+    draw_panels(file,
+                {{"Original", &original},
+                 {fmt::format("Blurred, with noise: {:.2f} dB", before), &blurred},
+                 {fmt::format("Restored: {:.2f} dB", after), &restored}},
+                400);
     report.picture(file);
 }
 

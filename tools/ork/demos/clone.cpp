@@ -11,11 +11,9 @@
 #include <vector>
 
 #include "demos/demo.h"
-#include "demos/pgm.h"
+#include "demos/panels.h"
 #include "ork/pde.h"
 #include "peers/measure.h"
-#include "png.h"
-#include "svg.h"
 
 namespace ork::tool {
 namespace {
@@ -89,19 +87,6 @@ double seam(const Patch& u, const Patch& source, const Patch& target)
     return sum / count;
 }
 
-void draw(const std::string& file, const std::vector<std::pair<std::string, const Picture*>>& pictures)
-{
-    constexpr double margin = 24, width = 400;
-    Svg svg(margin + (width + margin) * static_cast<double>(pictures.size()), width + 3 * margin + 8);
-    double x = margin;
-    for (const auto& [title, p] : pictures) {
-        svg.text(x, margin + 8, title, 14, Svg::Anchor::start, "#111", true);
-        svg.image(x, 2 * margin, width, width, data_uri(png(p->width, p->height, p->pixels)));
-        x += width + margin;
-    }
-    svg.save(file);
-}
-
 void run(const Places& places, Report& report)
 {
     const Picture original = read_pgm(places.data + "/ascent.pgm");
@@ -135,7 +120,7 @@ void run(const Places& places, Report& report)
         report.picture(file);
     }
     const std::string file = places.out + "/ork-demo-clone.svg";
-    draw(file, {{"Original", &original}, {"Pasted", &plain}, {"Cloned", &seamless}});
+    draw_panels(file, {{"Original", &original}, {"Pasted", &plain}, {"Cloned", &seamless}}, 400);
     report.picture(file);
 }
 

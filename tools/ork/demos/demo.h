@@ -52,6 +52,7 @@ struct Demo {
 };
 
 const std::vector<Demo>& demos();
-extern const Demo pca, linear_system, ecg, blur, structure, pagerank, kalman, residual, rotate, clone, charges_in_a_box;
+extern const Demo pca, linear_system, ecg, beats, blur, match, structure, pagerank, kalman, residual, rotate, clone,
+    charges_in_a_box;
 
 } // namespace ork::tool

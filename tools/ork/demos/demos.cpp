@@ -8,8 +8,8 @@ namespace ork::tool {
 
 const std::vector<Demo>& demos()
 {
-    static const std::vector<Demo> all = {pca,    linear_system, ecg,    blur,  structure,       pagerank,
-                                          kalman, residual,      rotate, clone, charges_in_a_box};
+    static const std::vector<Demo> all = {pca,      linear_system, ecg,      beats,  blur,  match,           structure,
+                                          pagerank, kalman,        residual, rotate, clone, charges_in_a_box};
     return all;
 }
 

@@ -23,7 +23,9 @@ constexpr double fastest = 200, slowest = 40;            // beats a minute
 constexpr double least_peak = 0.35;                      // of the median peak; less is no beat
 constexpr size_t shortest = 10 * 360, longest = 1 << 22; // samples
 
-std::vector<double> read_signal(const std::string& file)
+} // namespace
+
+std::vector<double> read_ecg(const std::string& file)
 {
     std::vector<double> signal;
     for (const auto& row : read_csv(file, {1, 0, 4095, 0, 4095})) signal.push_back(row.back());
@@ -35,6 +37,8 @@ std::vector<double> read_signal(const std::string& file)
     for (double& value : signal) value -= mean;
     return signal;
 }
+
+namespace {
 
 // Median amplitude near a frequency, the notch left out.
 double level_around(const Ecg& e, const std::vector<Complex>& spectrum, double centre)
@@ -126,7 +130,9 @@ void find_rates(Ecg& e)
     e.rate_median = intervals.empty() ? NAN : 60 / peers::median(intervals);
 }
 
-Ecg analyse(const std::vector<double>& signal)
+} // namespace
+
+Ecg analyse_ecg(const std::vector<double>& signal)
 {
     Ecg e;
     e.signal = signal;
@@ -138,6 +144,8 @@ Ecg analyse(const std::vector<double>& signal)
     find_rates(e);
     return e;
 }
+
+namespace {
 
 // Amplitude of one frequency by the sum that defines it.
 double direct_amplitude(const std::vector<double>& signal, size_t k)
@@ -192,12 +200,12 @@ void verify(const Ecg& e, Report& report)
 
 void run(const Places& places, Report& report)
 {
-    const std::vector<double> signal = read_signal(places.data + "/ecg.txt");
+    const std::vector<double> signal = read_ecg(places.data + "/ecg.txt");
     std::vector<double> seconds;
     Ecg e;
     for (double all = 0; seconds.size() < 5 || (all < 0.1 && seconds.size() < 51); all += seconds.back()) {
         const auto start = std::chrono::steady_clock::now();
-        e = analyse(signal);
+        e = analyse_ecg(signal);
         seconds.push_back(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
     }
     verify(e, report);

@@ -32,6 +32,9 @@ struct Ecg {
     }
 };
 
+// The samples of a file about their mean.
+std::vector<double> read_ecg(const std::string& file);
+Ecg analyse_ecg(const std::vector<double>& signal);
 void draw_ecg(const std::string& file, const Ecg& ecg);
 
 } // namespace ork::tool

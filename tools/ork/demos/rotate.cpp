@@ -11,13 +11,11 @@
 #include <vector>
 
 #include "demos/demo.h"
-#include "demos/pgm.h"
+#include "demos/panels.h"
 #include "ork/cblas.h"
 #include "ork/ork.h"
 #include "ork/trans.h"
 #include "peers/measure.h"
-#include "png.h"
-#include "svg.h"
 
 namespace ork::tool {
 namespace {
@@ -123,20 +121,6 @@ void measure(const Grey& square, const Grey& crop, Report& report)
     report.line(fmt::format("  memcpy of the first to another place: {:.1f} GB/s", rate(square, 4)));
 }
 
-void draw(const std::string& file, const std::vector<std::pair<std::string, Picture>>& pictures)
-{
-    constexpr double margin = 24, side = 300;
-    Svg svg(margin + (side + margin) * static_cast<double>(pictures.size()), side + 3 * margin + 8);
-    double x = margin;
-    for (const auto& [title, p] : pictures) {
-        const double unit = side / std::max(p.width, p.height);
-        svg.text(x, margin + 8, title, 14, Svg::Anchor::start, "#111", true);
-        svg.image(x, 2 * margin, p.width * unit, p.height * unit, data_uri(png(p.width, p.height, p.pixels)));
-        x += side + margin;
-    }
-    svg.save(file);
-}
-
 void run(const Places& places, Report& report)
 {
     const Picture original = read_pgm(places.data + "/ascent.pgm");
@@ -164,7 +148,9 @@ void run(const Places& places, Report& report)
         report.picture(file);
     }
     const std::string file = places.out + "/ork-demo-rotate.svg";
-    draw(file, pictures);
+    std::vector<std::pair<std::string, const Picture*>> panels;
+    for (const auto& [title, picture] : pictures) panels.emplace_back(title, &picture);
+    draw_panels(file, panels, 300);
     report.picture(file);
 }
 
