@@ -90,6 +90,29 @@ TEST_F(TrigProtocol, CommitRefuses)
     EXPECT_EQ(Trig<double>(2, 5).commit(), 0);
 }
 
+// Any entry, in single precision, which has less room for what tells: refused, or nothing has come of it.
+TEST_F(TrigProtocol, AnyDamageIsRefusedOrHarmless)
+{
+    for (const Int n : {12, 512, 1 << 12}) {
+        Trig<float> t(n, 1);
+        ASSERT_EQ(t.commit(), 0);
+        const std::vector<float> given = t.f;
+        ASSERT_EQ(t.forward(), 0);
+        const std::vector<float> want = t.f;
+        const std::vector<Int> good = t.ipar;
+        for (std::size_t entry = 0; entry < 16; ++entry)
+            for (int shift = 0; shift < 64; ++shift)
+                for (const Int value : {Int{1} << shift, -(Int{1} << shift), n + (Int{1} << shift), Int{0}}) {
+                    t.f = given;
+                    t.ipar[entry] = value;
+                    if (entry == 1) t.ipar[entry] = 0; // no log file
+                    const std::vector<float>& expected = t.forward() == 0 ? want : given;
+                    EXPECT_TRUE(entry == 10 || t.f == expected) << entry << ": " << value; // 10: another scale
+                    t.ipar = good;
+                }
+    }
+}
+
 TEST_F(TrigProtocol, ComputationRefusesDamagedArrays)
 {
     for (const bool forward : {true, false}) {

@@ -29,8 +29,8 @@ template <class R>
 auto mark(Int n, Int type)
 {
     using Bits = std::conditional_t<sizeof(R) == 4, std::uint32_t, std::uint64_t>;
-    const auto word = static_cast<std::uint64_t>(n) * 8 + static_cast<std::uint64_t>(type) + 1;
-    return static_cast<Bits>(word ^ (word >> 32));
+    const std::uint64_t word = static_cast<std::uint64_t>(n) ^ static_cast<std::uint64_t>(type) << 56;
+    return static_cast<Bits>(((word * 0x9e3779b97f4a7c15u) >> (64 - 8 * sizeof(R))) | 1);
 }
 template <class R>
 void set_mark(R* fpar, Int n, Int type)
