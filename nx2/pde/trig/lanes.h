@@ -116,14 +116,26 @@ template <class V>
 template <class V>
 [[gnu::always_inline]] inline void get_pairs_down(const typename LanesOf<V>::number* p, V& first, V& second)
 {
-    get_pairs(p - 2 * (LanesOf<V>::count - 1), first, second);
-    if constexpr (LanesOf<V>::count > 1) first = reversed(first), second = reversed(second);
+    if constexpr (LanesOf<V>::count == 4) {
+        const V high = load(p - 2), low = load(p - 6);
+        first = {_mm_shuffle_ps(high.v, low.v, 0x22)}, second = {_mm_shuffle_ps(high.v, low.v, 0x77)};
+    } else if constexpr (LanesOf<V>::count == 2) {
+        first = load(p), second = load(p - 2);
+        deinterleave(first, second);
+    } else {
+        get_pairs(p, first, second);
+    }
 }
 template <class V>
 [[gnu::always_inline]] inline void put_pairs_down(typename LanesOf<V>::number* p, V first, V second)
 {
-    if constexpr (LanesOf<V>::count > 1) first = reversed(first), second = reversed(second);
-    put_pairs(p - 2 * (LanesOf<V>::count - 1), first, second);
+    if constexpr (LanesOf<V>::count == 2) {
+        interleave(first, second);
+        store(p, first), store(p - 2, second);
+    } else {
+        if constexpr (LanesOf<V>::count > 1) first = reversed(first), second = reversed(second);
+        put_pairs(p - 2 * (LanesOf<V>::count - 1), first, second);
+    }
 }
 // Pairs p[0] p[1], p[step] p[step + 1], ...; of float the two numbers behind a pair are read as well.
 template <class V>
