@@ -49,13 +49,27 @@ double seconds_of_line(Int n, Numbers numbers)
 
 double seconds_of_column(Int n, bool is_double)
 {
+    if (n < 8) n = 8;
     const double surcharge = n <= 64 ? 1 : odd_surcharge(n);
-    return 1e-9 * ((is_double ? 1 : 0.52) * surcharge * (0.2 + 0.22 * log2_of(n)) * static_cast<double>(n));
+    return 1e-9 * ((is_double ? 1 : 0.52) * surcharge * (0.25 * log2_of(n) - 0.3) * static_cast<double>(n));
 }
+
+// Bit n: 1, or even and of the primes up to 7. Below 64 there is a kernel for every length; these are quick.
+constexpr std::uint64_t bits(const int (&lengths)[23])
+{
+    std::uint64_t set = 0;
+    for (const int n : lengths) set |= std::uint64_t{1} << n;
+    return set;
+}
+constexpr std::uint64_t short_lengths =
+    bits({1, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 24, 28, 30, 32, 36, 40, 42, 48, 50, 54, 56, 60});
 
 Int good_length(Int n)
 {
-    if (n <= 64) return n <= 2 ? n : n + n % 2; // every one has a kernel; real ones of half the length
+    if (n <= 64) {
+        while (n < 64 && !(short_lengths >> n & 1)) ++n;
+        return n;
+    }
     Int best = 0;
     double least = 0;
     for (const Int odd : odd_factors) {

@@ -46,8 +46,8 @@ constexpr double copy_cost = 0.15, product_cost_double = 0.5, product_cost_singl
 double memory_cost(double bytes)
 {
     double rate = 0;
-    for (double near = 512 << 10; near < bytes && rate < 0.5; near *= 2)
-        rate += 0.12 * (bytes < 2 * near ? bytes / near - 1 : 1);
+    for (double near = 256 << 10; near < bytes && rate < 0.5; near *= 2)
+        rate += 0.1 * (bytes < 2 * near ? bytes / near - 1 : 1);
     return rate * bytes;
 }
 
