@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Which engine computes a dimension: pure functions of what the commit knows.
+#include <emmintrin.h>
+
 #include "dft/node/node.h"
 #include "frame/export.h"
 
@@ -52,7 +54,8 @@ ORK_EXPORT std::int32_t ork_dft_nx2_four_step_factors(std::int32_t precision, st
     if (is_power_of_two(n)) {
         first <<= __builtin_ctzll(static_cast<unsigned long long>(n)) / 2;
     } else {
-        first = static_cast<std::int64_t>(__builtin_sqrt(static_cast<double>(n)));
+        const __m128d value = _mm_set_sd(static_cast<double>(n)); // no library's square root
+        first = static_cast<std::int64_t>(_mm_cvtsd_f64(_mm_sqrt_sd(value, value)));
         while (n % first != 0) --first;
     }
     const std::int64_t second = n / first;
