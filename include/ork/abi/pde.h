@@ -151,7 +151,8 @@ struct Work {
 //     for unknown j, without the neighbour at a Dirichlet end, with twice the inner neighbour at a Neumann end
 //     (d v(0) - 2 v(1)), cyclic for pp (one interval: (d - 2) v(0); two: d v(0) - 2 v(1)). v replaces g. In a singular
 //     problem the system of the constant mode (column 0, row 0) first loses the mean of its right-hand side and then
-//     its solution's: sums with half weights at Neumann ends, so that the mean of u by the scheme's weights is 0.
+//     its solution's: sums with half weights at Neumann ends, so that the mean of u by the scheme's weights is 0. In
+//     other problems whose sides are all nn or pp that system has d = 2 + h^2 q, with the digits that a sum loses.
 // inv_ft_3d_z: nothing that f needs; a place to release what ft_3d_z kept.
 // inv_ft_3d_y: back along y, the same lines as ft_3d_y.
 // inv_ft_2d, inv_ft_3d_x: back along x, the same lines as ft. Then the copies of periodic directions, in this order:
