@@ -118,7 +118,7 @@ void* ork_serv_calloc(size_t count, size_t size, size_t alignment, int64_t)
     return memory == nullptr ? nullptr : std::memset(memory, 0, count * size);
 }
 
-#ifndef __SANITIZE_ADDRESS__
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 // What the core takes from the C library.
 void* __libc_malloc(size_t);
 void* __libc_calloc(size_t, size_t);
