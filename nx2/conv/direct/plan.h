@@ -35,11 +35,11 @@ constexpr Int few_taps(int parts) { return parts == 1 ? 16 : 8; }
 // Of the signal; padded: with zeros beside the lines, which spare the blocks there the taps that they don't meet.
 enum class Copy { none, tight, padded };
 
-// `touched`: how many taps an element meets; `lanes`: elements of a register. A line's ends are not worth a copy that
-// is not needed for something else.
-inline Copy copy_of_signal(int dims, bool in_place, bool dots, double touched, Int signal_count, int lanes)
+// `touched`: how many taps an element meets; `lanes`: elements of a register. The ends of a long line with few taps are
+// not worth a copy that is not needed for something else.
+inline Copy copy_of_signal(int dims, bool in_place, bool dots, double touched, Int taps, Int signal_count, int lanes)
 {
-    if (dims > 1 && !dots && (!in_place || touched >= 48 || signal_count < 64 * lanes)) return Copy::padded;
+    if (dims > 1 && !dots && taps > 1 && (!in_place || touched >= 48 || signal_count < 64 * lanes)) return Copy::padded;
     return in_place ? Copy::none : Copy::tight;
 }
 

@@ -50,7 +50,7 @@ int sum_as(const Problem& problem, const Plan& plan)
         return ORK_CONV_OK;
     }
     const bool dots = by_dots(line.z, line.step, tap_count, Vec<W>::lanes, parts);
-    Copy copied = copy_of_signal(problem.dims, in_place, dots, touched, signal_count, Vec<W>::lanes / parts);
+    Copy copied = copy_of_signal(problem.dims, in_place, dots, touched, tap_count, signal_count, Vec<W>::lanes / parts);
     // An infinite tap must not meet a zero that is none of the signal.
     if (copied == Copy::padded && !all_finite(tap_lines, taps_size)) copied = in_place ? Copy::none : Copy::tight;
     const bool padded = copied == Copy::padded;
