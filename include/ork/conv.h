@@ -77,11 +77,11 @@
                          or, with z perhaps written in part, ORK_CONV_NO_WORK_MEMORY. The next run is judged by itself;
                          edits return the status until a run has succeeded.
 
-   ERRORS. With n the number of terms of a sum, eps that of the internal precision (2.2e-16, 1.2e-7) and N the elements
-   of the full result,
+   ERRORS. With n the number of terms of a sum, N the number of elements of x and y together, and eps that of the
+   internal precision (2.2e-16, 1.2e-7),
 
        summation     |error of z(k)| <= n eps sum of |x| |y|, over the terms of z(k)
-       transforms    |error of z(k)| <= 8 eps log2(N) |x| |y|, with the Euclidean norms of the whole arrays
+       transforms    |error of z(k)| <= 8 eps log2(2 N) |x| |y|, with the Euclidean norms of the whole arrays
 
    and half a unit in the last place of z where it is less precise. So where outputs differ in size by many orders, the
    small ones are right by summation only. NaN and infinity appear where they enter a sum; transforms spread them over

@@ -601,10 +601,12 @@ TEST_F(Tool, ExampleCoolsAPlate)
 // The first example of a page is a program, and prints what its last comment says.
 TEST_F(Tool, ExamplesOfDocumentsCompileAndPrintWhatTheySay)
 {
-    for (const char* example : {ORK_EXAMPLE_DOC_SPBLAS, ORK_EXAMPLE_DOC_SPARSE}) {
+    for (const auto& [example, prints] : {std::pair{ORK_EXAMPLE_DOC_SPBLAS, "7 4 10\n"},
+                                          {ORK_EXAMPLE_DOC_SPARSE, "7 4 10\n"},
+                                          {ORK_EXAMPLE_DOC_CONV, "1 2 3 9 12 5\n"}}) {
         const ChildResult run = run_program({example});
         EXPECT_TRUE(run.ok()) << run.describe();
-        EXPECT_EQ(run.out, "7 4 10\n");
+        EXPECT_EQ(run.out, prints);
     }
 }
 
