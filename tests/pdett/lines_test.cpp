@@ -64,7 +64,7 @@ TYPED_TEST(TrigLines, AreSingleTransforms)
                         lines(alone.data(), 1, 1, n);
                         ASSERT_EQ(backward ? t.backward() : t.forward(), 0);
                         EXPECT_TRUE(distance_of(alone, t.f) <=
-                                    8 * static_cast<long double>(std::numeric_limits<R>::epsilon()));
+                                    3 * static_cast<long double>(std::numeric_limits<R>::epsilon()));
                         t.f = alone;
                         place(want);
                     }
