@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <complex>
+#include <cstring>
 #include <thread>
 
 #include "conv/reference.h"
@@ -13,7 +14,11 @@ template <class T>
 class Transforms : public testing::Test {
 protected:
     Transforms() { replaced_core().reset(); }
-    ~Transforms() override { EXPECT_EQ(replaced_core().blocks, 0); }
+    ~Transforms() override
+    {
+        EXPECT_EQ(replaced_core().blocks, 0);
+        EXPECT_EQ(replaced_core().descriptors, 0);
+    }
 };
 using Elements = testing::Types<float, double, std::complex<float>, std::complex<double>>;
 TYPED_TEST_SUITE(Transforms, Elements);
@@ -96,6 +101,101 @@ TYPED_TEST(Transforms, OfGridsInTiles)
     expect_sums<TypeParam>({{2, 5}, {150, 260}, {}, ORK_CONV_CORRELATION});
     expect_sums<TypeParam>({.x = {3, 600}, .y = {3, 2}, .start = {1, 1}, .decimation = {1, 2}});
     expect_sums<TypeParam>({{40, 30, 50}, {2, 3, 2}});
+}
+
+std::vector<Setup> setups_in_tiles()
+{
+    return {{{70000}, {50}, {}, ORK_CONV_CORRELATION, ORK_CONV_FFT},
+            {{200}, {150}, {}, ORK_CONV_CONVOLUTION, ORK_CONV_FFT},
+            {{120, 150}, {6, 40}, {}, ORK_CONV_CONVOLUTION, ORK_CONV_FFT},
+            {{9, 14, 8}, {20, 5, 17}, {}, ORK_CONV_CORRELATION, ORK_CONV_FFT}};
+}
+
+TYPED_TEST(Transforms, HaveTheSameBitsForAnyNumberOfThreadsAndCallers)
+{
+    for (const Setup& setup : setups_in_tiles()) {
+        Convolution<TypeParam> c(setup);
+        ork_set_num_threads(1);
+        ASSERT_EQ(c.exec(true), 0);
+        const std::vector<TypeParam> want = c.z.memory.values();
+        ork_set_num_threads(3);
+        std::vector<std::thread> callers;
+        for (int i = 0; i < 4; ++i)
+            callers.emplace_back([&, i] {
+                std::vector<TypeParam> z(want.size());
+                const ConvKernels& call = conv_kernels();
+                for (int run = 0; run < 3; ++run) {
+                    const std::int32_t status =
+                        i % 2 == 0 ? call.execx(c.task, c.y.zero(), nullptr, z.data(), nullptr)
+                                   : call.exec(c.task, c.x.zero(), nullptr, c.y.zero(), nullptr, z.data(), nullptr);
+                    EXPECT_EQ(status, 0);
+                    EXPECT_EQ(std::memcmp(z.data(), want.data(), z.size() * sizeof(TypeParam)), 0) << setup.describe();
+                }
+            });
+        for (std::thread& caller : callers) caller.join();
+        ork_set_num_threads(0);
+    }
+}
+
+// Whichever allocation or call to a transform fails first: a status, nothing lost, and a task that works again.
+TYPED_TEST(Transforms, EndWithAStatusWithoutMemoryOrTransforms)
+{
+    ReplacedCore& core = replaced_core();
+    for (const Setup& setup : setups_in_tiles())
+        for (std::atomic<int>* left : {&core.allocations_left, &core.transforms_left})
+            for (int failing = 0, status = 1; status != 0; failing = failing < 40 ? failing + 1 : failing * 2) {
+                Convolution<TypeParam> c(setup);
+                *left = failing;
+                status = c.exec(failing % 2 == 1);
+                *left = -1;
+                if (status != 0) {
+                    ASSERT_EQ(status, ORK_CONV_NO_WORK_MEMORY) << setup.describe() << ", " << failing;
+                    ASSERT_EQ(c.exec(failing % 2 == 1), 0);
+                }
+                ASSERT_LT(failing, 100000);
+            }
+}
+
+// Strides of 0 make extents that no memory holds.
+TYPED_TEST(Transforms, RefuseWhatNoMemoryHolds)
+{
+    constexpr std::int32_t huge = std::numeric_limits<std::int32_t>::max();
+    TypeParam x{}, y{}, z{};
+    for (const int dims : {2, 3, 7}) {
+        const Ints extents(static_cast<std::size_t>(dims), huge), zeros(static_cast<std::size_t>(dims), 0),
+            ones(static_cast<std::size_t>(dims), 1), middle(static_cast<std::size_t>(dims), huge - 1);
+        ork_conv_task* task = nullptr;
+        const ConvKernels& call = conv_kernels();
+        call.newtask(&task, ORK_CONV_CONVOLUTION, 0, ORK_CONV_FFT, is_complex<TypeParam> ? ORK_CONV_COMPLEX : 1,
+                     sizeof(Real<TypeParam>) == 8 ? ORK_CONV_DOUBLE : ORK_CONV_SINGLE, dims, extents.data(),
+                     extents.data(), ones.data());
+        // The first output depends on one element of each.
+        EXPECT_EQ(call.exec(task, &x, zeros.data(), &y, zeros.data(), &z, ones.data()), 0);
+        call.edittask(task, ORK_CONV_START, middle.data());
+        EXPECT_EQ(call.exec(task, &x, zeros.data(), &y, zeros.data(), &z, ones.data()), ORK_CONV_NO_WORK_MEMORY);
+        call.deletetask(&task);
+    }
+}
+
+// Longer than a transform in one piece would stand: 40,000,000 numbers in tiles, looked at here and there.
+TEST(LongLines, AreConvolvedInTiles)
+{
+    constexpr std::int32_t n = 40'000'000, m = 31, all = n + m - 1;
+    std::vector<double> x(n), y(m), z(all);
+    Random random(5);
+    for (double& value : x) value = random.uniform<double>();
+    for (double& value : y) value = random.uniform<double>();
+    ork_conv_task* task = nullptr;
+    const ConvKernels& call = conv_kernels();
+    call.newtask(&task, ORK_CONV_CONVOLUTION, 0, ORK_CONV_FFT, ORK_CONV_REAL, ORK_CONV_DOUBLE, 1, &n, &m, &all);
+    ASSERT_EQ(call.exec(task, x.data(), nullptr, y.data(), nullptr, z.data(), nullptr), 0);
+    call.deletetask(&task);
+    for (std::size_t k = 0; k < z.size(); k = k < 100 || k + 20000 >= z.size() ? k + 1 : k + 9973) {
+        double sum = 0;
+        for (std::size_t j = 0; j < y.size(); ++j)
+            if (k >= j && k - j < x.size()) sum += x[k - j] * y[j];
+        ASSERT_NEAR(z[k], sum, 1e-12) << k;
+    }
 }
 
 } // namespace
