@@ -177,6 +177,8 @@ TYPED_TEST(DirectSums, LeaveTheEnvironmentAloneOnASmallStack)
         testing::AssertionResult kept = testing::AssertionFailure() << "not run";
         run_on_small_stack(small_stack, [&] { kept = keeps_fp_environment([&] { c.exec(); }); });
         EXPECT_TRUE(kept) << setup.describe();
+        EXPECT_EQ(c.exec(), 0);
+        EXPECT_TRUE(c.is_sum());
     }
 }
 

@@ -3,31 +3,21 @@
 // are met too seldom to be worth a copy.
 #pragma once
 
-#include "conv/problem.h"
+#include "conv/direct/lines.h"
 
 namespace ork::conv {
 
+// All of the only line. Its signal is here, not where `line` would have it.
 template <class T, class W, int parts>
-struct Scattered {
-    const W* taps; // in the reverse order, as in lines.h
-    const T* signal;
-    Int tap_count, signal_count, signal_stride;
-    T* z;
-    Int z_count, z_stride;
-    Int first, step;
-    bool conjugate;
-};
-
-template <class T, class W, int parts>
-void sum_scattered(const Scattered<T, W, parts>& line)
+void sum_scattered(const Lines<T, W, parts>& line, const T* signal, Int stride)
 {
     for (Int k = 0; k < line.z_count; ++k) {
         const Int m = line.first + k * line.step, to_first = m - (line.tap_count - 1);
         const Int from = to_first < 0 ? -to_first : 0;
         const Int to = m < line.signal_count ? line.tap_count : line.signal_count - to_first;
-        const T* u = line.signal + parts * (to_first + from) * line.signal_stride;
+        const T* u = signal + parts * (to_first + from) * stride;
         W sum[2] = {};
-        for (Int q = from; q < to; ++q, u += parts * line.signal_stride) {
+        for (Int q = from; q < to; ++q, u += parts * stride) {
             const W* tap = line.taps + parts * q;
             if constexpr (parts == 2) {
                 sum[0] += tap[0] * W(u[0]) - tap[1] * W(u[1]);
