@@ -101,7 +101,7 @@ TEST_F(TrigProtocol, AnyDamageIsRefusedOrHarmless)
         const std::vector<float> want = t.f;
         const std::vector<Int> good = t.ipar;
         for (std::size_t entry = 0; entry < 16; ++entry)
-            for (int shift = 0; shift < 64; ++shift)
+            for (int shift = 0; shift < 63; ++shift)
                 for (const Int value : {Int{1} << shift, -(Int{1} << shift), n + (Int{1} << shift), Int{0}}) {
                     t.f = given;
                     t.ipar[entry] = value;
