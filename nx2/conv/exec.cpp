@@ -78,7 +78,8 @@ Problem describe(const ork_conv_task& task, const Data& data)
     problem.computes_double = problem.is_double || task.internal_precision == ORK_CONV_DOUBLE;
     const bool correlates = task.job == ORK_CONV_CORRELATION;
     problem.conjugate_x = correlates && problem.is_complex;
-    Int x_stride = 1, y_stride = 1, z_stride = 1, to_last = 0; // products of extents that no memory holds may wrap
+    Int x_stride = 1, y_stride = 1, z_stride = 1;
+    std::uintptr_t to_last = 0; // elements; it may wrap round where extents are such as no memory holds
     for (int d = 0; d < task.dims; ++d) {
         Dimension& n = problem.dimension[d];
         n = {.x = task.xshape[d],
@@ -91,12 +92,12 @@ Problem describe(const ork_conv_task& task, const Data& data)
              .step = task.decimation != nullptr ? task.decimation[d] : 1};
         x_stride = times(x_stride, n.x), y_stride = times(y_stride, n.y), z_stride = times(z_stride, n.z);
         if (correlates) {
-            to_last += (n.x - 1) * n.x_stride;
+            to_last += static_cast<std::uintptr_t>(n.x - 1) * static_cast<std::uintptr_t>(n.x_stride);
             n.x_stride = -n.x_stride;
         }
     }
-    const Int bytes = (problem.is_double ? 8 : 4) * (problem.is_complex ? 2 : 1);
-    problem.x = data.x == nullptr ? nullptr : static_cast<const char*>(data.x) + to_last * bytes;
+    const std::uintptr_t bytes = (problem.is_double ? 8u : 4u) * (problem.is_complex ? 2u : 1u);
+    problem.x = reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(data.x) + to_last * bytes);
     problem.y = data.y, problem.z = data.z;
     return problem;
 }

@@ -46,7 +46,7 @@ void lay_out(TransformPlan& plan)
     plan.pitch[0] = 1, plan.pairs = shape.line();
     for (int k = 1; k < shape.rank; ++k) {
         const Axis& axis = shape.axis[k];
-        const Int lines = (plan.pairs + in_line - 1) / in_line, pair_bytes = shape.is_double ? 16 : 8;
+        const Int lines = (plan.pairs - 1) / in_line + 1, pair_bytes = shape.is_double ? 16 : 8;
         Columns& columns = plan.columns[k];
         columns.width = plan.pairs;
         columns.group = group_bytes / times(axis.n, pair_bytes) / in_line * in_line;
