@@ -2,7 +2,7 @@
 // What a task keeps of its shapes: how it is cut, where numbers lie in a tile, descriptors.
 //
 // A tile is an array of pairs of numbers. Its lines (axis 0) are transformed in place, real ones into half as many
-// pairs and one; then the columns of every other axis, some adjacent ones at a time. Lines are a odd number of cache
+// pairs and one; then the columns of every other axis, some adjacent ones at a time. Lines are an odd number of cache
 // lines apart, so that no column falls into one set of the first cache.
 #pragma once
 
