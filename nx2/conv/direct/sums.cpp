@@ -59,7 +59,7 @@ int sum_as(const Problem& problem, const Plan& plan)
         copy_operand<parts, T>(taps, problem.dims, along, true, problem.conjugate_x, tap_copy, 0, 0, tap_strides);
     const double touched =
         plan.products / (parts * parts * static_cast<double>(times(signal_lines, lines.signal_count)));
-    if (problem.dims == 1 && !in_place && touched <= 2) {
+    if (problem.dims == 1 && !in_place && (lines.tap_count <= 2 || touched <= 2)) {
         sum_scattered(lines, static_cast<const T*>(signal.data), signal.stride[0]);
         return ORK_CONV_OK;
     }
