@@ -73,8 +73,8 @@ double seconds_along(const Problem& problem, const Plan& plan, double pairs, int
     const double met = pairs_met(taps, longer, n.z, plan.first[d], n.step), line_pairs = pairs / met;
     const bool dots = by_dots(n.z, n.step, taps, lanes, parts);
     const bool in_place = plan.operand[signal].stride[d] == 1 && problem.computes_double == problem.is_double;
-    const Copy copy = copy_of_signal(problem.dims, in_place, dots, pairs * parts * parts / elements[signal], taps,
-                                     longer, lanes / parts);
+    const Copy copy =
+        copy_of_signal(problem.dims, in_place, dots, pairs / elements[signal], taps, longer, lanes / parts);
     double seconds = once + per_gather * parts * elements[1 - signal];
     if (copy != Copy::none) seconds += once_copied + (in_place ? per_copy : per_gather) * parts * elements[signal];
 
