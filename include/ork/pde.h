@@ -115,9 +115,10 @@
    init sets them, to standard output; below 0 appended to ORK_Poisson_Library_Log.txt, of transforms to
    ORK_Trig_Transforms_Log.txt, in the current directory; 0 none.
 
-   THREADS. Large problems are solved by as many threads as other calls may use (ork/ork.h), spheres by one and systems
-   along nodes of one's own too, with the same bits for every number; ipar[ORK_PDE_THREADS] of a solver, set by init, may be lowered. Several threads may solve at once, each
-   with arrays of its own: for one commit, with copies of ipar and rpar and the same handles. */
+   THREADS. Large problems are solved by as many threads as other calls may use (ork/ork.h), with the same bits for
+   every number; spheres, and systems along nodes of one's own, by one. ipar[ORK_PDE_THREADS] of a solver, set by init,
+   may be lowered. Several threads may solve at once, each with arrays of its own: for one commit, with copies of ipar
+   and rpar and the same handles. */
 #ifndef ORK_PDE_H
 #define ORK_PDE_H
 
