@@ -29,8 +29,8 @@ double nanoseconds(double log2_n, Int bytes)
 {
     const double passes = 0.15 + 0.1 * log2_n;
     return passes + (bytes <= 64 << 10    ? 0
-                     : bytes <= 256 << 10 ? 0.4
-                     : bytes <= 2 << 20   ? 0.55
+                     : bytes <= 512 << 10 ? 0.5
+                     : bytes <= 2 << 20   ? 0.6
                      : bytes <= 4 << 20   ? 0.8
                                           : 1.15);
 }
