@@ -213,9 +213,7 @@ IMPORT(ork_pdepl_d_inv_ft_3d_x_nd)
 IMPORT(ork_pdepl_d_inv_ft_3d_x_nn)
 IMPORT(ork_pdepl_d_inv_ft_3d_x_pp)
 
-// Convolution: grids of transforms, threads
-IMPORT(ork_dft_dfticreatedescriptor_s_md)
-IMPORT(ork_dft_dfticreatedescriptor_d_md)
+// Convolution: threads; its transforms are among those above
 IMPORT(ork_conv_do_parallel)
 
 #undef IMPORT
