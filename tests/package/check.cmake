@@ -34,6 +34,14 @@ run(${CMAKE_COMMAND} --build ${WORK}/build)
 foreach(program c cpp fortran_names)
   run(${WORK}/build/consumer_${program})
 endforeach()
+# The program on the archive needs no library of ork.
+if(NOT SANITIZE)
+  run(${WORK}/build/consumer_static)
+  execute_process(COMMAND env LD_DEBUG=files ${WORK}/build/consumer_static ERROR_VARIABLE files OUTPUT_QUIET)
+  if(files MATCHES "libork_(core|nx2)")
+    message(FATAL_ERROR "a program that was linked statically opened a library of ork:\n${files}")
+  endif()
+endif()
 # The program on the drop-in doesn't hold the core itself: what it calls comes through libblas.so.3.
 execute_process(COMMAND env LD_DEBUG=files ${WORK}/build/consumer_fortran_names ERROR_VARIABLE files OUTPUT_QUIET)
 if(NOT files MATCHES "${prefix}/${LIBDIR}/ork/libblas.so.3")
@@ -51,6 +59,14 @@ if(pkg_config)
   foreach(program from_pc_c from_pc_cpp)
     run(env LD_LIBRARY_PATH=${prefix}/${LIBDIR} ${WORK}/${program})
   endforeach()
+
+  if(NOT SANITIZE)
+    execute_process(COMMAND env PKG_CONFIG_PATH=${prefix}/${LIBDIR}/pkgconfig ${pkg_config} --cflags --libs ork-static
+                    OUTPUT_VARIABLE static_options OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+    separate_arguments(static_options)
+    run(${CC} -static ${SOURCE}/main.c -o ${WORK}/from_pc_static ${static_options})
+    run(${WORK}/from_pc_static)
+  endif()
 
   # The examples are built as they say at their heads, and read the data that came with them.
   set(examples ${prefix}/share/ork/examples)
