@@ -71,7 +71,7 @@ std::int32_t check_outputs(const Problem& problem)
 
 Problem describe(const ork_conv_task& task, const Data& data)
 {
-    Problem problem{};
+    Problem problem; // dimensions beyond dims stay unset
     problem.dims = task.dims;
     problem.is_complex = task.domain == ORK_CONV_COMPLEX;
     problem.is_double = task.precision == ORK_CONV_DOUBLE;

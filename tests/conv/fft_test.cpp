@@ -63,7 +63,7 @@ TYPED_TEST(Transforms, OfAnyShapeStrideStartAndDecimation)
     const Int most[] = {0, 300, 40, 10, 6};
     for (int count = 0; count < 300; ++count) {
         const auto dims = static_cast<int>(random.integer(1, 4));
-        Setup setup{.job = count % 2 == 0 ? ORK_CONV_CONVOLUTION : ORK_CONV_CORRELATION};
+        Setup setup{.x = {}, .y = {}, .job = count % 2 == 0 ? ORK_CONV_CONVOLUTION : ORK_CONV_CORRELATION};
         Int strides[3] = {random.integer(1, 2), random.integer(1, 3), random.integer(1, 2)};
         for (int d = 0; d < dims; ++d) {
             const Int x = random.integer(1, most[dims]), y = random.integer(1, most[dims] / (1 + count % 5) + 1);

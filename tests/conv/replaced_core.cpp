@@ -91,15 +91,15 @@ int64_t ork_dft_dftisetvalue(ork_dft_descriptor* handle, int64_t parameter, ...)
 }
 int64_t ork_dft_dfticommitdescriptor(ork_dft_descriptor* handle)
 {
-    return transforms() ? CORES(ork_dft_dfticommitdescriptor)(handle) : ORK_DFT_INTERNAL_ERROR;
+    return transforms() ? CORES(ork_dft_dfticommitdescriptor)(handle) : int64_t{ORK_DFT_INTERNAL_ERROR};
 }
 int64_t ork_dft_dfticomputeforward(const ork_dft_descriptor* handle, void* inout, ...)
 {
-    return transforms() ? CORES(ork_dft_dfticomputeforward)(handle, inout) : ORK_DFT_MEMORY_ERROR;
+    return transforms() ? CORES(ork_dft_dfticomputeforward)(handle, inout) : int64_t{ORK_DFT_MEMORY_ERROR};
 }
 int64_t ork_dft_dfticomputebackward(const ork_dft_descriptor* handle, void* inout, ...)
 {
-    return transforms() ? CORES(ork_dft_dfticomputebackward)(handle, inout) : ORK_DFT_MULTITHREADED_ERROR;
+    return transforms() ? CORES(ork_dft_dfticomputebackward)(handle, inout) : int64_t{ORK_DFT_MULTITHREADED_ERROR};
 }
 int64_t ork_dft_dftifreedescriptor(ork_dft_descriptor** handle)
 {
