@@ -21,6 +21,12 @@ thread_local int fail_at = 0; // 1: all allocations fail, 2: all after the first
 thread_local int allocations = 0;
 thread_local bool counting = false;
 
+} // namespace
+
+// The routines of sanitizers can't be stood before.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+namespace {
+
 bool fails() { return counting && ++allocations >= fail_at; }
 
 template <class Routine>
@@ -42,6 +48,8 @@ extern "C" void* mmap(void* address, size_t length, int protection, int flags, i
     static auto* const real = next<void*(void*, size_t, int, int, int, off_t)>("mmap");
     return fails() ? MAP_FAILED : real(address, length, protection, flags, file, offset);
 }
+
+#endif
 
 namespace ork::test {
 namespace {
