@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // The four-step engine's units for threads, and the kernel pair that runs them all.
-#include <cstring>
 
 #include "dft/node/divide.h"
 #include "dft/node/four_step.h"
@@ -62,7 +61,7 @@ std::int32_t unzip_rows(const ork_dft_four_step& plan, void* x, std::int64_t fro
                 odd[k] = row[2 * k + 1];
                 row[k] = row[2 * k];
             }
-            std::memcpy(row + n1, odd, static_cast<std::size_t>(n1) * sizeof(C));
+            for (std::int64_t k = 0; k < n1; ++k) row[n1 + k] = odd[k];
         }
         return static_cast<std::int32_t>(ORK_DFT_OK);
     });
