@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // The four-step engine's units for threads, and the kernel pair that runs them all.
-
 #include "dft/node/divide.h"
 #include "dft/node/four_step.h"
 #include "dft/node/transpose.h"
