@@ -284,6 +284,27 @@ TEST_F(Tool, DemoRanksDigitsAndGraphs)
     EXPECT_THAT(ork({"demo", "pca", file, "--out", folder}).err, HasSubstr("three.mtx"));
 }
 
+TEST_F(Tool, DemoWritesOnePage)
+{
+    const std::string page = folder / "page.html";
+    const ChildResult run = ork({"demo", "pca", "match", "--out", folder, "--report", page});
+    ASSERT_TRUE(run.ok()) << run.describe();
+    EXPECT_THAT(run.out, HasSubstr("report: " + page));
+    std::string text = read(page);
+    const std::string type = "<!DOCTYPE html>\n";
+    ASSERT_TRUE(text.starts_with(type));
+    text.erase(0, type.size());
+    EXPECT_EQ(xml_fault(text), "");
+    for (const char* part : {"<h2>pca</h2>", "<h2>match</h2>", "<svg ", "data:image/png;base64,", "<td>held</td>"})
+        EXPECT_THAT(text, HasSubstr(part));
+    EXPECT_THAT(text, Not(HasSubstr("failed")));
+    EXPECT_THAT(text, HasSubstr(value(run.out, "  found at"))); // what the terminal shows
+
+    const ChildResult nowhere = ork({"demo", "pca", "--out", folder, "--report", folder / "no" / "page.html"});
+    EXPECT_EQ(nowhere.exit_code, 1);
+    EXPECT_THAT(nowhere.err, HasSubstr("page.html: can't be written"));
+}
+
 TEST_F(Tool, DemoNamesTheLineOfABadInputFile)
 {
     const ChildResult missing = ork({"demo", "pca", "--data", folder, "--out", folder});

@@ -2,11 +2,13 @@
 #include <algorithm>
 #include <filesystem>
 #include <fmt/format.h>
+#include <fstream>
 #include <stdexcept>
 
 #include "commands.h"
 #include "demos/demo.h"
 #include "ork/ork.h"
+#include "page.h"
 
 namespace ork::tool {
 namespace {
@@ -15,7 +17,7 @@ namespace fs = std::filesystem;
 
 struct Options {
     std::vector<std::string> names; // of demos, and of Matrix Market files
-    std::string data, out = ".";
+    std::string data, out = ".", page;
     bool checks = false, list = false;
 };
 
@@ -50,9 +52,13 @@ int run(const Options& options)
         }))
         throw std::runtime_error(places.matrices.front() + ": none of these demos takes a matrix");
     if (!fs::is_directory(places.out)) throw std::runtime_error(places.out + ": no folder to write pictures to");
+    if (!options.page.empty() && !std::ofstream(options.page))
+        throw std::runtime_error(options.page + ": can't be written");
     int status = 0;
+    Page page("ork demo");
     for (const Demo& demo : demos()) {
         if (!is_wanted(demo)) continue;
+        page.section(demo.name, fmt::format("{}. Input: {}.", demo.computes, demo.input));
         fmt::print("{}: {}\n  input: {}\n", demo.name, demo.computes, demo.input);
         std::fflush(stdout);
         Report report;
@@ -61,10 +67,16 @@ int run(const Options& options)
         } catch (const std::exception& error) {
             std::fflush(stdout);
             fmt::print(stderr, "ork demo {}: {}\n", demo.name, error.what());
+            page.paragraph(error.what());
             status = 1;
             continue; // the others may still be fine
         }
         status |= report.print(options.checks);
+        report.write(page);
+    }
+    if (!options.page.empty()) {
+        page.save(options.page);
+        fmt::print("report: {}\n", options.page);
     }
     return status;
 }
@@ -87,6 +99,7 @@ void add_demo(CLI::App& app, int& status)
         ->check(known);
     command->add_option("--out", options->out, "Folder for the pictures")->capture_default_str();
     command->add_option("--data", options->data, "Folder with the input files");
+    command->add_option("--report", options->page, "Write what was printed and drawn to this file, one HTML page");
     command->add_flag("--checks", options->checks, "List the checks that the results passed");
     command->add_flag("--list", options->list, "List the demos and run none");
     command->callback([options, &status] { status = run(*options); });

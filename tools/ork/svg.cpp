@@ -11,6 +11,13 @@
 namespace ork::tool {
 namespace {
 
+std::string dash(std::string_view dashes)
+{
+    return dashes.empty() ? std::string() : fmt::format(" stroke-dasharray=\"{}\"", dashes);
+}
+
+} // namespace
+
 std::string escaped(std::string_view words)
 {
     std::string out;
@@ -28,13 +35,6 @@ std::string escaped(std::string_view words)
     }
     return out;
 }
-
-std::string dash(std::string_view dashes)
-{
-    return dashes.empty() ? std::string() : fmt::format(" stroke-dasharray=\"{}\"", dashes);
-}
-
-} // namespace
 
 Svg::Svg(double width, double height) : width_(width), height_(height) {}
 

@@ -9,6 +9,9 @@
 
 namespace ork::tool {
 
+// Words as text of XML and HTML.
+std::string escaped(std::string_view words);
+
 class Svg {
 public:
     Svg(double width, double height);

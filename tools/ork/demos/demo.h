@@ -8,6 +8,8 @@
 
 namespace ork::tool {
 
+class Page;
+
 // Keeps the larger of the two, or the NaN once it has met one.
 void keep_largest(double& largest, long double value);
 
@@ -25,6 +27,8 @@ public:
     bool all_hold() const;
     // Prints the results, or the checks that failed; returns the exit status.
     int print(bool with_checks) const;
+    // The same, all checks included, to a page.
+    void write(Page& page) const;
 
 private:
     struct Check {
@@ -32,6 +36,7 @@ private:
         double error, bound;
         bool holds() const { return error <= bound; } // false for NaN
     };
+    std::string rate() const; // "" without a timing
     std::vector<Check> checks_;
     std::vector<std::string> lines_, pictures_;
     double seconds_ = 0, flops_ = 0;

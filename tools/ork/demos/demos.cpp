@@ -4,6 +4,8 @@
 #include <cmath>
 #include <fmt/format.h>
 
+#include "page.h"
+
 namespace ork::tool {
 
 const std::vector<Demo>& demos()
@@ -35,6 +37,28 @@ bool Report::all_hold() const
     return !checks_.empty(); // nothing checked is nothing proved
 }
 
+std::string Report::rate() const
+{
+    return seconds_ > 0 ? fmt::format("  {:.2f} ms, {:.2f} GF/s", seconds_ * 1e3, flops_ / seconds_ / 1e9) : "";
+}
+
+void Report::write(Page& page) const
+{
+    if (all_hold()) {
+        std::vector<std::string> lines = lines_;
+        if (seconds_ > 0) lines.push_back(rate());
+        page.output(lines);
+        for (const std::string& file : pictures_) page.picture(file);
+    } else {
+        page.paragraph("A check failed, so no result is shown.");
+    }
+    std::vector<Page::Row> rows;
+    for (const Check& c : checks_)
+        rows.push_back(
+            {c.what, fmt::format("{:.2g}", c.error), fmt::format("{:.2g}", c.bound), c.holds() ? "held" : "failed"});
+    page.table({"check", "error", "allowed", ""}, rows);
+}
+
 int Report::print(bool with_checks) const
 {
     if (!all_hold()) {
@@ -49,7 +73,7 @@ int Report::print(bool with_checks) const
             fmt::print("  held: {}: error {:.2g}, allowed {:.2g}\n", c.what, c.error, c.bound);
     else
         fmt::print("  {} checks held (--checks lists them)\n", checks_.size());
-    if (seconds_ > 0) fmt::print("  {:.2f} ms, {:.2f} GF/s\n", seconds_ * 1e3, flops_ / seconds_ / 1e9);
+    if (seconds_ > 0) fmt::print("{}\n", rate());
     for (const std::string& file : pictures_) fmt::print("  picture: {}\n", file);
     return 0;
 }
