@@ -31,7 +31,7 @@ foreach(name fftw3 fftw3f)
 endforeach()
 
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DATADIR}/ork COMPONENT tools
-        FILES_MATCHING PATTERN "*.c" PATTERN "README.md")
+        FILES_MATCHING PATTERN "*.c" PATTERN "README.md" PATTERN "common.h" PATTERN "Makefile" PATTERN "run.sh")
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ork)
 install(EXPORT orkTargets NAMESPACE ork:: DESTINATION ${package_dir} COMPONENT dev)
