@@ -29,6 +29,7 @@ TEST_F(Tool, CheckFindsTheKernelsRight)
     const ChildResult run = ork({"check"});
     EXPECT_TRUE(run.ok()) << run.describe();
     EXPECT_THAT(run.out, ContainsRegex("[0-9]+ routines, [0-9]+ calls .*: all right"));
+    EXPECT_THAT(run.out, ContainsRegex("[0-9]+ families, [0-9]+ cases .*: all right"));
 }
 
 // Refinement reaches the last digit with extra-precise residuals and goes nowhere with plain ones.

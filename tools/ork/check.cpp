@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
-// A self-test that needs nothing but the installed libraries: every routine on this machine's code path against plain
-// loops in long double.
+// A self-test that needs nothing but the installed libraries: vectors and matrix products of every shape on this
+// machine's code path against plain loops in long double, then the usual cases of every other family, each against the
+// definition that `ork bench` proves it by.
 #include <fmt/format.h>
 #include <stdexcept>
 
+#include "bench/family.h"
 #include "commands.h"
 #include "ork/ork.h"
 #include "peers/libraries.h"
@@ -63,15 +65,43 @@ Tally check_gemm(char precision, void* routine)
     return tally;
 }
 
+Tally check_family(const bench::Family& family, const peers::Library& ork)
+{
+    Tally tally;
+    bench::Selection few;
+    few.quick = true;
+    for (const bench::Case& c : family.cases(few))
+        for (const bench::Contender& contender : c.prepare({ork}).contenders) {
+            if (contender.kind != peers::Kind::subject) continue;
+            ++tally.calls;
+            if (!contender.fault.empty() && tally.wrong++ == 0) tally.first = c.label() + ": " + contender.fault;
+        }
+    return tally;
+}
+
 int run(bool verbose)
 {
     if (ork_initialize() != ORK_OK) throw std::runtime_error(ork_error_text());
     const peers::Library ork = peers::core_library();
     std::vector<std::string> gemms = {"sgemm", "dgemm", "cgemm", "zgemm"};
     const auto& level1 = peers::level1_routines();
-    Progress progress(level1.size() + gemms.size());
+    std::vector<bench::Family> families; // the two above aside, and what measures threads
+    for (const bench::Family& family : bench::families())
+        if (family.name != std::string("gemm") && family.name != std::string("level1") &&
+            family.name != std::string("threads"))
+            families.push_back(family);
+    Progress progress(level1.size() + gemms.size() + families.size());
+    size_t done = 0;
+    const auto show = [&](const std::string& name, const Tally& tally) {
+        progress.clear();
+        if (tally.wrong > 0)
+            fmt::print("{:<8} {} of {} calls wrong; {}\n", name, tally.wrong, tally.calls, tally.first);
+        else if (verbose)
+            fmt::print("{:<8} {} calls right\n", name, tally.calls);
+        std::fflush(stdout);
+    };
     Tally total;
-    size_t routines = 0, done = 0;
+    size_t routines = 0;
     const auto report = [&](const std::string& name, const auto& check) {
         progress.show(done++, name);
         void* routine = ork.find((name + "_").c_str());
@@ -80,23 +110,28 @@ int run(bool verbose)
         ++routines;
         total.calls += tally.calls;
         total.wrong += tally.wrong;
-        progress.clear();
-        if (tally.wrong > 0)
-            fmt::print("{:<8} {} of {} calls wrong; {}\n", name, tally.wrong, tally.calls, tally.first);
-        else if (verbose)
-            fmt::print("{:<8} {} calls right\n", name, tally.calls);
-        std::fflush(stdout);
+        show(name, tally);
     };
     for (const std::string& name : level1)
         report(name, [&](void* routine) {
             return check_level1(name, routine, peers::make_level1({name, 1, 1, 1})->two_vectors());
         });
     for (const std::string& name : gemms) report(name, [&](void* routine) { return check_gemm(name[0], routine); });
+    Tally cases;
+    for (const bench::Family& family : families) {
+        progress.show(done++, family.name);
+        const Tally tally = check_family(family, ork);
+        cases.calls += tally.calls;
+        cases.wrong += tally.wrong;
+        show(family.name, tally);
+    }
     progress.clear();
     if (routines == 0) throw std::runtime_error("check: the core has none of the routines to check");
     fmt::print("{} routines, {} calls compared with plain loops in long double: {}\n", routines, total.calls,
                total.wrong == 0 ? "all right" : fmt::format("{} wrong", total.wrong));
-    return total.wrong == 0 ? 0 : 1;
+    fmt::print("{} families, {} cases compared with their definitions: {}\n", families.size(), cases.calls,
+               cases.wrong == 0 ? "all right" : fmt::format("{} wrong", cases.wrong));
+    return total.wrong + cases.wrong == 0 ? 0 : 1;
 }
 
 } // namespace
@@ -104,7 +139,7 @@ int run(bool verbose)
 void add_check(CLI::App& app, int& status)
 {
     auto verbose = std::make_shared<bool>(false);
-    CLI::App* command = app.add_subcommand("check", "Test the kernels on this machine against plain loops");
+    CLI::App* command = app.add_subcommand("check", "Test every family on this machine against plain computations");
     command->add_flag("-v,--verbose", *verbose, "Show every routine");
     command->callback([verbose, &status] { status = run(*verbose); });
 }
