@@ -82,9 +82,9 @@ set(ORK_MULTIARCH x86_64-linux-gnu)
 foreach(script postinst prerm)
   configure_file(${packaging}/libork-blas/${script}.in ${CMAKE_BINARY_DIR}/packaging/${script} @ONLY)
 endforeach()
-set(CPACK_DEBIAN_CORE_PACKAGE_CONTROL_EXTRA ${packaging}/libork/shlibs)
+set(CPACK_DEBIAN_CORE_PACKAGE_CONTROL_EXTRA ${packaging}/libork/shlibs ${packaging}/triggers)
 set(CPACK_DEBIAN_BLAS_PACKAGE_CONTROL_EXTRA ${CMAKE_BINARY_DIR}/packaging/postinst ${CMAKE_BINARY_DIR}/packaging/prerm
-    ${packaging}/libork-blas/triggers)
+    ${packaging}/triggers)
 
 # Every package has its licence and its history; an install without packages has no use for them.
 find_program(ORK_GZIP gzip)
