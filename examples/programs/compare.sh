@@ -6,7 +6,7 @@
 # --check: one run on ork alone; exit status 77 when the program is not installed.
 set -u
 here=$(cd "$(dirname "$0")" && pwd)
-rounds=5 only= check= ork=$here/../../build/release/lib
+rounds=5 only="" check="" ork=$here/../../build/release/lib
 while [ $# -gt 0 ]; do
     case $1 in
     --rounds | --only)
@@ -27,7 +27,7 @@ trap 'rm -rf "$work"' EXIT
 trap 'exit 1' INT TERM
 
 # Where Debian keeps the reference's own copies, whichever library is the system's choice.
-blas= lapack=
+blas="" lapack=""
 for folder in /usr/lib/*/blas /usr/lib/*/lapack; do
     [ -e "$folder/libblas.so.3" ] && blas=$folder
     [ -e "$folder/liblapack.so.3" ] && lapack=$folder
@@ -80,7 +80,7 @@ libraries() { # of a run's output: numerical ones
     sed -n 's/^library //p' "$1" | grep -E '/lib(blas|lapack|openblas|blis|fftw3|atlas|ork)[^/]*$' | sort -u
 }
 
-status=0 ran=
+status=0 ran=""
 kinds="${reference:+reference }system ork"
 [ -n "$check" ] && kinds=ork
 for program in numpy_scipy statistics signals digits; do
@@ -92,14 +92,14 @@ for program in numpy_scipy statistics signals digits; do
         for kind in $kinds; do
             out=$work/$program.$kind.$round
             # Some LAPACKs stop with status 0 at an error; the libraries come last.
-            if ! (run_on $kind) > "$out" 2> "$work/log" || ! grep -q "^library" "$out"; then
+            if ! (run_on "$kind") > "$out" 2> "$work/log" || ! grep -q "^library" "$out"; then
                 echo "$program on $kind: failed"
                 cat "$work/log"
                 grep ' wrong$' "$out"
                 status=1
             fi
             libraries "$out" > "$work/libraries.$program.$kind"
-            if [ $kind = ork ]; then
+            if [ "$kind" = ork ]; then
                 if ! grep -q "^$ork/libblas" "$work/libraries.$program.ork" ||
                     grep -E '/lib(blas|fftw3)[^/]*$' "$work/libraries.$program.ork" | grep -qv "^$ork/"; then
                     echo "$program: not on ork's libraries alone"
