@@ -30,8 +30,8 @@ foreach(name fftw3 fftw3f)
   endforeach()
 endforeach()
 
-install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DATADIR}/ork COMPONENT tools
-        FILES_MATCHING PATTERN "*.c" PATTERN "README.md" PATTERN "common.h" PATTERN "Makefile" PATTERN "run.sh")
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DATADIR}/ork COMPONENT tools USE_SOURCE_PERMISSIONS
+        FILES_MATCHING REGEX "\\.(c|f90|py|R|m|sh)$" PATTERN "README.md" PATTERN "common.h" PATTERN "Makefile")
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ork)
 install(EXPORT orkTargets NAMESPACE ork:: DESTINATION ${package_dir} COMPONENT dev)
