@@ -1,59 +1,12 @@
 // SPDX-License-Identifier: MIT
 // When memory runs out, at any point: statuses, and descriptors that work afterwards. This program's allocation
 // routines stand before the C library's and fail when told.
-#include <dlfcn.h>
-#include <sys/mman.h>
-
-#include <cerrno>
-#include <cstdlib>
-
 #include <gtest/gtest.h>
 
 #include "model.h"
 #include "ork/ork.h"
+#include "support/failing_memory.h"
 #include "support/process.h"
-
-namespace {
-
-// 1: all allocations fail, 2: all after the first ...
-thread_local int fail_at = 0;
-thread_local int allocations = 0;
-thread_local bool counting = false;
-
-} // namespace
-
-// The routines of sanitizers can't be stood before.
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-namespace {
-
-bool fails()
-{
-    if (!counting) return false;
-    ++allocations;
-    return allocations >= fail_at;
-}
-
-template <class Routine>
-Routine* next(const char* name)
-{
-    return reinterpret_cast<Routine*>(dlsym(RTLD_NEXT, name));
-}
-
-} // namespace
-
-extern "C" int posix_memalign(void** memory, size_t alignment, size_t size)
-{
-    static auto* const real = next<int(void**, size_t, size_t)>("posix_memalign");
-    return fails() ? ENOMEM : real(memory, alignment, size);
-}
-
-extern "C" void* mmap(void* address, size_t length, int protection, int flags, int file, off_t offset)
-{
-    static auto* const real = next<void*(void*, size_t, int, int, int, off_t)>("mmap");
-    return fails() ? MAP_FAILED : real(address, length, protection, flags, file, offset);
-}
-
-#endif
 
 namespace ork::test {
 
