@@ -103,8 +103,3 @@ ORK_EXPORT int ork_initialize() { return loader::initialize(); }
 ORK_EXPORT const char* ork_error_text() { return loader::library() != nullptr ? "" : loader::missing_processor; }
 ORK_EXPORT const char* ork_kernel_library() { return ""; }
 ORK_EXPORT int ork_code_path() { return loader::library() != nullptr ? loader::library()->code_path : 0; }
-
-ORK_EXPORT void ork_processor_name(char* buffer, size_t size)
-{
-    if (size > 0) std::snprintf(buffer, size, "%s", services::detect_processor().name);
-}

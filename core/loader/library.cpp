@@ -176,8 +176,3 @@ ORK_EXPORT int ork_initialize() { return loader::initialize(); }
 ORK_EXPORT const char* ork_error_text() { return loader::known_status() > 0 ? loader::error : ""; }
 ORK_EXPORT const char* ork_kernel_library() { return loader::known_status() >= 0 ? loader::path : ""; }
 ORK_EXPORT int ork_code_path() { return loader::known_status() == ORK_OK ? loader::library->code_path : 0; }
-
-ORK_EXPORT void ork_processor_name(char* buffer, size_t size)
-{
-    if (size > 0) std::snprintf(buffer, size, "%s", services::detect_processor().name);
-}

@@ -5,10 +5,12 @@
 
 #include <atomic>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 
 #include "export.h"
 #include "ork/abi/services.h"
+#include "ork/ork.h"
 
 namespace ork::services {
 namespace {
@@ -108,3 +110,8 @@ int answer(std::atomic<int>& known)
 
 ORK_EXPORT int64_t ork_serv_get_microarchitecture() { return ork::services::answer(ork::services::known_code); }
 ORK_EXPORT int64_t ork_serv_cpu_detect() { return ork::services::answer(ork::services::known_level); }
+
+ORK_EXPORT void ork_processor_name(char* buffer, size_t size)
+{
+    if (size > 0) std::snprintf(buffer, size, "%s", ork::services::detect_processor().name);
+}

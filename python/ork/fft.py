@@ -90,6 +90,16 @@ def _axes(array, s, axes):
     return axes
 
 
+def _lengths(array, s, axes):
+    return [int(n) for n in s] if s is not None else [array.shape[axis] for axis in axes]
+
+
+def _cut(array, axes, lengths):
+    for axis, length in zip(axes, lengths):
+        array = _resized(array, axis, max(length, 0))
+    return array
+
+
 def _last(array, axes):
     """Those axes at the end, in their order; and how to put them back."""
     count = array.ndim
@@ -105,9 +115,7 @@ def _run(array, axes, lengths, domain, norm, backward):
     outer = source.shape[:source.ndim - len(axes)]
     count = int(np.prod(outer))
     is_single = source.dtype in (np.float32, np.complex64)
-    if domain == _COMPLEX:
-        kind = np.complex64 if is_single else np.complex128
-    elif backward:
+    if domain == _REAL and backward:
         kind = np.float32 if is_single else np.float64
     else:
         kind = np.complex64 if is_single else np.complex128
@@ -131,9 +139,8 @@ def _transform_complex(x, s, axes, norm, backward):
     axes = _axes(x, s, axes)
     if not axes:
         return x.copy()
-    lengths = [int(n) for n in s] if s is not None else [x.shape[axis] for axis in axes]
-    for axis, length in zip(axes, lengths):
-        x = _resized(x, axis, max(length, 0))
+    lengths = _lengths(x, s, axes)
+    x = _cut(x, axes, lengths)
     return _run(x, axes, lengths, _COMPLEX, norm, backward)
 
 
@@ -164,9 +171,8 @@ def rfftn(x, s=None, axes=None, norm=None):
     axes = _axes(x, s, axes)
     if not axes:
         raise ValueError("at least one axis is to be transformed")
-    lengths = [int(n) for n in s] if s is not None else [x.shape[axis] for axis in axes]
-    for axis, length in zip(axes, lengths):
-        x = _resized(x, axis, max(length, 0))
+    lengths = _lengths(x, s, axes)
+    x = _cut(x, axes, lengths)
     return _run(x, axes, lengths, _REAL, norm, False)
 
 
@@ -176,13 +182,12 @@ def irfftn(x, s=None, axes=None, norm=None):
     axes = _axes(x, s, axes)
     if not axes:
         raise ValueError("at least one axis is to be transformed")
-    lengths = [int(n) for n in s] if s is not None else [x.shape[axis] for axis in axes]
+    lengths = _lengths(x, s, axes)
     if s is None:
         lengths[-1] = 2 * (lengths[-1] - 1)
     if lengths[-1] < 1:
         raise ValueError("a transform needs at least one point along each axis")
-    for axis, length in zip(axes, lengths[:-1] + [lengths[-1] // 2 + 1]):
-        x = _resized(x, axis, max(length, 0))
+    x = _cut(x, axes, lengths[:-1] + [lengths[-1] // 2 + 1])
     return _run(x, axes, lengths, _REAL, norm, True)
 
 
