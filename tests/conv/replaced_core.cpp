@@ -2,11 +2,11 @@
 #include "conv/replaced_core.h"
 
 #include <cstdarg>
-#include <dlfcn.h>
 
 #include "ork/abi/core_conv.h"
 #include "ork/abi/services.h"
 #include "ork/dft.h"
+#include "support/next_routine.h"
 
 namespace ork::test {
 
@@ -17,12 +17,6 @@ ReplacedCore& replaced_core()
 }
 
 namespace {
-
-template <class Function>
-Function* own(Function*, const char* name)
-{
-    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
-}
 
 // Whether one more call is to succeed, counted.
 bool one_of(std::atomic<int>& left, std::atomic<int>& calls)
@@ -40,7 +34,7 @@ bool transforms() { return one_of(replaced_core().transforms_left, replaced_core
 } // namespace ork::test
 
 using namespace ork::test;
-#define CORES(name) own(&name, #name)
+#define CORES(name) next_routine<decltype(name)>(#name)
 
 extern "C" {
 

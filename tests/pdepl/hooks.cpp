@@ -8,11 +8,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <dlfcn.h>
 #include <utility>
 
 #include "ork/abi/core_pde.h"
 #include "ork/abi/services.h"
+#include "support/next_routine.h"
 
 namespace ork::test {
 
@@ -59,7 +59,7 @@ void run_stage(const char* symbol, pde::Work<R>* work)
             work->status = hooks().failure;
             return;
         }
-        stage = reinterpret_cast<pde::Stage<R>*>(dlsym(RTLD_NEXT, symbol));
+        stage = next_routine<pde::Stage<R>>(symbol);
     }
     stage(work);
 }
@@ -163,7 +163,6 @@ int ork_serv_format_print(int64_t, const char* format, ...)
 int64_t ork_dft_dfticommitdescriptor(ork_dft_descriptor* handle)
 {
     if (hooks().fail_commit_at > 0 && --hooks().fail_commit_at == 0) return 1;
-    return reinterpret_cast<decltype(&ork_dft_dfticommitdescriptor)>(dlsym(RTLD_NEXT, "ork_dft_dfticommitdescriptor"))(
-        handle);
+    return ork::test::next_routine<decltype(ork_dft_dfticommitdescriptor)>("ork_dft_dfticommitdescriptor")(handle);
 }
 }

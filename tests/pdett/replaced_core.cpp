@@ -4,10 +4,10 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
-#include <dlfcn.h>
 
 #include "ork/abi/services.h"
 #include "ork/dft.h"
+#include "support/next_routine.h"
 
 namespace ork::test {
 
@@ -19,18 +19,13 @@ ReplacedCore& replaced_core()
 
 namespace {
 
-template <class Function>
-Function* own(Function*, const char* name)
-{
-    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
-}
 bool fails(const char* call) { return replaced_core().failing == call; }
 
 } // namespace
 } // namespace ork::test
 
 using namespace ork::test;
-#define CORES(name) own(&name, #name)
+#define CORES(name) next_routine<decltype(name)>(#name)
 
 extern "C" {
 

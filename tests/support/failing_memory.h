@@ -3,11 +3,12 @@
 // one source of it.
 #pragma once
 
-#include <dlfcn.h>
 #include <sys/mman.h>
 
 #include <cerrno>
 #include <cstdlib>
+
+#include "support/next_routine.h"
 
 namespace {
 
@@ -23,23 +24,17 @@ namespace {
 
 bool fails() { return counting && ++allocations >= fail_at; }
 
-template <class Routine>
-Routine* next(const char* name)
-{
-    return reinterpret_cast<Routine*>(dlsym(RTLD_NEXT, name));
-}
-
 } // namespace
 
 extern "C" int posix_memalign(void** memory, size_t alignment, size_t size)
 {
-    static auto* const real = next<int(void**, size_t, size_t)>("posix_memalign");
+    static auto* const real = ork::test::next_routine<int(void**, size_t, size_t)>("posix_memalign");
     return fails() ? ENOMEM : real(memory, alignment, size);
 }
 
 extern "C" void* mmap(void* address, size_t length, int protection, int flags, int file, off_t offset)
 {
-    static auto* const real = next<void*(void*, size_t, int, int, int, off_t)>("mmap");
+    static auto* const real = ork::test::next_routine<void*(void*, size_t, int, int, int, off_t)>("mmap");
     return fails() ? MAP_FAILED : real(address, length, protection, flags, file, offset);
 }
 
